@@ -1,0 +1,73 @@
+# The four kinds of target. Every source file is listed by name in the CMakeLists.txt of its folder.
+
+# ze_add_part(<name> SOURCES <file>... [PUBLIC_HEADERS <file>...])
+# One folder of the library as an object library ze_<name>. The shared library, the tests and the benchmarks
+# all link these same objects. PUBLIC_HEADERS are the headers a host may include; each is also compiled alone.
+function(ze_add_part name)
+  cmake_parse_arguments(arg "" "" "SOURCES;PUBLIC_HEADERS" ${ARGN})
+  add_library(ze_${name} OBJECT ${arg_SOURCES})
+  target_link_libraries(ze_${name} PRIVATE ze_options)
+  target_include_directories(ze_${name} SYSTEM PRIVATE
+    $<TARGET_PROPERTY:ze_android_log,INTERFACE_SYSTEM_INCLUDE_DIRECTORIES>)
+  set_property(GLOBAL APPEND PROPERTY ZE_PARTS ze_${name})
+  foreach(header IN LISTS arg_PUBLIC_HEADERS)
+    cmake_path(ABSOLUTE_PATH header BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
+    cmake_path(RELATIVE_PATH header BASE_DIRECTORY ${PROJECT_SOURCE_DIR})
+    set_property(GLOBAL APPEND PROPERTY ZE_PUBLIC_HEADERS ${header})
+  endforeach()
+endfunction()
+
+# The objects of all parts, for a link step.
+function(ze_part_objects out)
+  get_property(parts GLOBAL PROPERTY ZE_PARTS)
+  list(TRANSFORM parts REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>")
+  set(${out} ${parts} PARENT_SCOPE)
+endfunction()
+
+# ze_add_shared_library()
+# The link step that makes libZeBeautyEffect out of the parts' objects. exports.map names what it exports.
+function(ze_add_shared_library)
+  ze_part_objects(objects)
+  set(map ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  add_library(ZeBeautyEffect SHARED ${objects})
+  set_target_properties(ZeBeautyEffect PROPERTIES LINKER_LANGUAGE CXX LINK_DEPENDS ${map})
+  target_include_directories(ZeBeautyEffect INTERFACE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(ZeBeautyEffect PRIVATE ze_options ze_gl_driver ze_android_log Threads::Threads)
+  target_link_options(ZeBeautyEffect PRIVATE -Wl,--version-script=${map} -Wl,--no-undefined)
+endfunction()
+
+# ze_add_test(<name> SOURCES <file>... [RECORDER] [LIBRARIES <target>...] [ENVIRONMENT <var=value>...])
+# A GoogleTest program over the parts' objects, run as one CTest test. With RECORDER it links the recording
+# doubles of EGL and GLES in place of the driver.
+function(ze_add_test name)
+  cmake_parse_arguments(arg "RECORDER" "" "SOURCES;LIBRARIES;ENVIRONMENT" ${ARGN})
+  ze_part_objects(objects)
+  add_executable(${name} ${arg_SOURCES} ${objects})
+  if(arg_RECORDER)
+    target_link_libraries(${name} PRIVATE ze_gl_recorder)
+  else()
+    target_link_libraries(${name} PRIVATE ze_gl_driver)
+  endif()
+  target_link_libraries(${name} PRIVATE ze_options ze_test_support ze_android_log Threads::Threads
+    ${arg_LIBRARIES} GTest::gmock)
+  add_test(NAME ${name} COMMAND ${name})
+  ze_set_test_environment(${name} ${arg_ENVIRONMENT})
+endfunction()
+
+# ze_set_test_environment(<test> <var=value>...)
+# Adds the variables, and for sanitizer builds the options with the suppressions that tests/ keeps.
+function(ze_set_test_environment name)
+  set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT
+    "${ARGN};LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
+endfunction()
+
+# ze_add_bench(<name> SOURCES <file>... [LIBRARIES <target>...])
+# A Google Benchmark program over the parts' objects. Loops and functions start on 64 bytes: the place of a
+# short loop alone can double its time.
+function(ze_add_bench name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  ze_part_objects(objects)
+  add_executable(${name} ${arg_SOURCES} ${objects})
+  target_link_libraries(${name} PRIVATE ze_options ze_gl_driver ze_android_log Threads::Threads
+    ${arg_LIBRARIES} benchmark::benchmark)
+endfunction()
