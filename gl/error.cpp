@@ -1,0 +1,16 @@
+#include "gl/error.h"
+
+#include <GLES2/gl2.h>
+
+#include "log/log_stream.h"
+
+namespace ze {
+
+void checkGlError()
+{
+    const GLenum error = glGetError();
+    if (error != GL_NO_ERROR)
+        ZeLogError() << "GL error: 0x" << error;
+}
+
+} // namespace ze
