@@ -1,0 +1,16 @@
+// Texts for the errors of system calls.
+
+#pragma once
+
+class CZeString;
+
+namespace ze {
+
+/// The text for the errno value `code`, without white space around it: empty for 0, a fixed text for the
+/// commonest file errors, the system's own text for any other value. Any thread may call it.
+CZeString errorText(int code);
+
+/// The same, where -1 stands for the current value of errno.
+CZeString lastErrorText(int code = -1);
+
+} // namespace ze
