@@ -28,8 +28,7 @@ constexpr EGLint kSurfaceAttributes[] = {
 // clang-format on
 
 /// The default display, or EGL_NO_DISPLAY with a message.
-EGLDisplay defaultDisplay()
-{
+EGLDisplay defaultDisplay() {
     EGLDisplay display = eglGetDisplay(EGL_DEFAULT_DISPLAY);
     if (display == EGL_NO_DISPLAY)
         ZeLogErrorf({}, "eglGetDisplay() failed, errno=0x%x", unsigned(eglGetError()));
@@ -38,8 +37,7 @@ EGLDisplay defaultDisplay()
 
 } // namespace
 
-bool createContext(EglContextRecord& record)
-{
+bool createContext(EglContextRecord& record) {
     if (record.initialized)
         return true;
 
@@ -83,20 +81,17 @@ bool createContext(EglContextRecord& record)
     return eglMakeCurrent(record.display, record.surface, record.surface, record.context) == EGL_TRUE;
 }
 
-bool makeContextCurrent(const EglContextRecord& record)
-{
+bool makeContextCurrent(const EglContextRecord& record) {
     if (record.context == EGL_NO_CONTEXT)
         return false;
-    const bool isCurrent = eglGetCurrentContext() == record.context &&
-                           eglGetCurrentDisplay() == record.display &&
-                           eglGetCurrentSurface(EGL_DRAW) == record.surface &&
-                           eglGetCurrentSurface(EGL_READ) == record.surface;
+    const bool isCurrent =
+        eglGetCurrentContext() == record.context && eglGetCurrentDisplay() == record.display &&
+        eglGetCurrentSurface(EGL_DRAW) == record.surface && eglGetCurrentSurface(EGL_READ) == record.surface;
     return isCurrent ||
            eglMakeCurrent(record.display, record.surface, record.surface, record.context) == EGL_TRUE;
 }
 
-EglContextRecord* snapshotCurrentContext()
-{
+EglContextRecord* snapshotCurrentContext() {
     auto* record = new EglContextRecord;
     record->display = defaultDisplay();
     if (record->display != EGL_NO_DISPLAY)
@@ -109,8 +104,7 @@ EglContextRecord* snapshotCurrentContext()
     return record;
 }
 
-void releaseContext(EglContextRecord& record)
-{
+void releaseContext(EglContextRecord& record) {
     if (record.context != EGL_NO_CONTEXT) {
         eglDestroyContext(record.display, record.context);
         record.context = EGL_NO_CONTEXT;

@@ -9,16 +9,16 @@ namespace ze {
 
 /// An OpenGL ES 2.0 context on a 1 × 1 pbuffer of its own, or a snapshot of a thread's current context.
 struct EglContextRecord {
-    bool initialized = false;             ///< eglInitialize has succeeded on `display`; never cleared.
-    EGLContext context = EGL_NO_CONTEXT;  ///< The context, or none.
-    EGLDisplay display = EGL_NO_DISPLAY;  ///< The default display.
-    EGLConfig config = nullptr;           ///< The chosen configuration; none in a snapshot.
-    EGLSurface surface = EGL_NO_SURFACE;  ///< The own pbuffer; in a snapshot the current draw surface.
+    bool initialized = false;            ///< eglInitialize has succeeded on `display`; never cleared.
+    EGLContext context = EGL_NO_CONTEXT; ///< The context, or none.
+    EGLDisplay display = EGL_NO_DISPLAY; ///< The default display.
+    EGLConfig config = nullptr;          ///< The chosen configuration; none in a snapshot.
+    EGLSurface surface = EGL_NO_SURFACE; ///< The own pbuffer; in a snapshot the current draw surface.
 };
 
 /// Creates the context and its pbuffer in `record` and makes them current. False with the failing EGL call in
-/// the log; what came before it stays in the record. A record that is `initialized` is left as it is, not made
-/// current, and gives true, even when its creation failed further on: make such a record no second time.
+/// the log; what came before it stays in the record. A record that is `initialized` is left as it is, not
+/// made current, and gives true, even when its creation failed further on: make such a record no second time.
 bool createContext(EglContextRecord& record);
 
 /// Makes the record's context current with its surface for drawing and reading; at once when it already is.

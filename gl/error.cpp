@@ -6,8 +6,7 @@
 
 namespace ze {
 
-void checkGlError()
-{
+void checkGlError() {
     const GLenum error = glGetError();
     if (error != GL_NO_ERROR)
         ZeLogError() << "GL error: 0x" << error;

@@ -5,8 +5,7 @@
 
 namespace ze {
 
-GLuint createFramebuffer()
-{
+GLuint createFramebuffer() {
     GLuint framebuffer = 0;
     glGenFramebuffers(1, &framebuffer);
     if (framebuffer == 0) {
@@ -18,8 +17,7 @@ GLuint createFramebuffer()
     return framebuffer;
 }
 
-void deleteFramebuffer(const GLuint* framebuffer)
-{
+void deleteFramebuffer(const GLuint* framebuffer) {
     if (*framebuffer != 0)
         glDeleteFramebuffers(1, framebuffer);
 }

@@ -10,8 +10,7 @@ namespace {
 constexpr GLsizei kInfoLogSize = 4096;
 
 /// False, with `failureMessage` and the shader's info log in the log, when compiling raises a GL error.
-bool compileShader(GLuint shader, const char* source, const char* failureMessage)
-{
+bool compileShader(GLuint shader, const char* source, const char* failureMessage) {
     glShaderSource(shader, 1, &source, nullptr);
     checkGlError();
     glCompileShader(shader);
@@ -24,8 +23,7 @@ bool compileShader(GLuint shader, const char* source, const char* failureMessage
 }
 
 /// False, with the program's info log in the log, when linking raises a GL error.
-bool linkProgram(GLuint program)
-{
+bool linkProgram(GLuint program) {
     glLinkProgram(program);
     if (glGetError() == GL_NO_ERROR)
         return true;
@@ -35,16 +33,14 @@ bool linkProgram(GLuint program)
     return false;
 }
 
-void deleteShaders(GLuint vertexShader, GLuint fragmentShader)
-{
+void deleteShaders(GLuint vertexShader, GLuint fragmentShader) {
     glDeleteShader(vertexShader);
     glDeleteShader(fragmentShader);
 }
 
 } // namespace
 
-GLuint createProgram(const char* vertexSource, const char* fragmentSource)
-{
+GLuint createProgram(const char* vertexSource, const char* fragmentSource) {
     const GLuint vertexShader = glCreateShader(GL_VERTEX_SHADER);
     if (vertexShader == 0)
         return 0;

@@ -2,27 +2,23 @@
 
 namespace ze {
 
-void pointAttributes(std::span<const QuadAttribute> attributes, std::span<const GLfloat> corners)
-{
+void pointAttributes(std::span<const QuadAttribute> attributes, std::span<const GLfloat> corners) {
     const auto stride = GLsizei(corners.size_bytes() / kQuadCorners);
     for (const QuadAttribute& attribute : attributes)
         glVertexAttribPointer(GLuint(attribute.location), 2, GL_FLOAT, GL_FALSE, stride,
                               corners.data() + attribute.firstFloat);
 }
 
-void enableAttributes(std::span<const QuadAttribute> attributes)
-{
+void enableAttributes(std::span<const QuadAttribute> attributes) {
     for (const QuadAttribute& attribute : attributes)
         glEnableVertexAttribArray(GLuint(attribute.location));
 }
 
-void drawStrip()
-{
+void drawStrip() {
     glDrawArrays(GL_TRIANGLE_STRIP, 0, kQuadCorners);
 }
 
-void disableAttributes(std::span<const QuadAttribute> attributes)
-{
+void disableAttributes(std::span<const QuadAttribute> attributes) {
     for (const QuadAttribute& attribute : attributes)
         glDisableVertexAttribArray(GLuint(attribute.location));
 }

@@ -6,8 +6,8 @@
 //     2  top right      ( 1,  1)   (1, 1)
 //     3  bottom right   ( 1, -1)   (1, 0)
 //
-// Row 0 of a picture lies at texture coordinate 0 and is drawn at y = -1, which is row 0 of the target: no pass
-// flips the picture.
+// Row 0 of a picture lies at texture coordinate 0 and is drawn at y = -1, which is row 0 of the target: no
+// pass flips the picture.
 
 #pragma once
 
@@ -32,17 +32,22 @@ struct TextureSpan {
     GLfloat vLow = 0.0f;
 };
 
-constexpr QuadCorners quadCorners(const TextureSpan& span)
-{
-    return {-1, 1, 0, 1, -1, -1, 0, span.vLow, 1, 1, span.uMax, 1, 1, -1, span.uMax, span.vLow};
+// clang-format off
+constexpr QuadCorners quadCorners(const TextureSpan& span) {
+    return {-1,  1, 0,         1,
+            -1, -1, 0,         span.vLow,
+             1,  1, span.uMax, 1,
+             1, -1, span.uMax, span.vLow};
 }
 
 /// The first coordinate pair covers its whole texture, the second one covers `second`.
-constexpr TwoTextureQuadCorners twoTextureQuadCorners(const TextureSpan& second)
-{
-    return {-1, 1, 0, 1, 0,           1, -1, -1, 0, 0, 0,           second.vLow,
-            1,  1, 1, 1, second.uMax, 1, 1,  -1, 1, 0, second.uMax, second.vLow};
+constexpr TwoTextureQuadCorners twoTextureQuadCorners(const TextureSpan& second) {
+    return {-1,  1, 0, 1, 0,           1,
+            -1, -1, 0, 0, 0,           second.vLow,
+             1,  1, 1, 1, second.uMax, 1,
+             1, -1, 1, 0, second.uMax, second.vLow};
 }
+// clang-format on
 
 /// A vertex attribute of two floats that starts at float `firstFloat` of each corner.
 struct QuadAttribute {

@@ -4,8 +4,7 @@
 
 namespace ze {
 
-GLuint createTexture(GLsizei width, GLsizei height, GLenum format)
-{
+GLuint createTexture(GLsizei width, GLsizei height, GLenum format) {
     GLuint texture = 0;
     glGenTextures(1, &texture);
     if (texture == 0) {
@@ -21,8 +20,7 @@ GLuint createTexture(GLsizei width, GLsizei height, GLenum format)
     return texture;
 }
 
-void deleteTexture(const GLuint* texture)
-{
+void deleteTexture(const GLuint* texture) {
     if (*texture != 0)
         glDeleteTextures(1, texture);
 }

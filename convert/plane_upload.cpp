@@ -1,0 +1,73 @@
+#include "convert/plane_upload.h"
+
+#include "gl/error.h"
+#include "log/log_stream.h"
+
+namespace ze {
+
+namespace {
+
+constexpr GLint kDefaultAlignment = 4;
+
+int componentCount(GLenum format) {
+    switch (format) {
+    case GL_LUMINANCE:
+        return 1;
+    case GL_LUMINANCE_ALPHA:
+        return 2;
+    case GL_RGB:
+        return 3;
+    case GL_RGBA:
+        return 4;
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
+int64_t roundedRowSize(GLenum format, int32_t width) {
+    return (int64_t(componentCount(format)) * width + 3) & ~int64_t(3);
+}
+
+GLint rowAlignment(int32_t pitch) {
+    if (pitch % 8 == 0)
+        return 8;
+    if (pitch % 4 == 0)
+        return 4;
+    return pitch % 2 != 0 ? 1 : 2;
+}
+
+void uploadPlane(const uint8_t* data, int32_t pitch, GLenum format, int32_t width, int32_t height,
+                 GLuint texture) {
+    if (componentCount(format) == 0) {
+        ZeLogError() << "Invalid GL image format!";
+        return;
+    }
+
+    const bool changesAlignment = roundedRowSize(format, width) != pitch;
+    if (changesAlignment) {
+        glPixelStorei(GL_UNPACK_ALIGNMENT, rowAlignment(pitch));
+        checkGlError();
+    }
+
+    glBindTexture(GL_TEXTURE_2D, texture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
+    checkGlError();
+
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, format, GL_UNSIGNED_BYTE, data);
+    const GLenum error = glGetError();
+    if (error != GL_NO_ERROR) {
+        // The word "errno" names the GL error.
+        ZeLogError() << "glTexSubImage2D() failed! errno=" << error << ", format=" << format
+                     << ", width=" << width << ", height=" << height;
+    }
+
+    if (changesAlignment) {
+        glPixelStorei(GL_UNPACK_ALIGNMENT, kDefaultAlignment);
+        checkGlError();
+    }
+}
+
+} // namespace ze

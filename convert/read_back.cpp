@@ -1,0 +1,49 @@
+#include "convert/read_back.h"
+
+#include "convert/rgb_to_yuv.h"
+#include "gl/error.h"
+#include "gl/target.h"
+#include "log/log_stream.h"
+
+namespace ze {
+
+GLint packAlignment(int32_t pitch) {
+    if (pitch % 4 == 0) // multiples of 8 included: the default of 4 serves them
+        return 0;
+    return pitch % 2 != 0 ? 1 : 2;
+}
+
+bool readBack(ColorConverter& c, GLuint sourceTexture, ZecImage& staging, int32_t colorStandard,
+              int32_t colorRange, uint32_t width, uint32_t height) {
+    if (!ensurePlaneTextures(c, width, height))
+        return false;
+    if (!rgbToYuv(c, sourceTexture, colorStandard, colorRange))
+        return false;
+
+    const GLint alignment = packAlignment(staging.pitches[0]);
+    if (alignment != 0) {
+        glPixelStorei(GL_PACK_ALIGNMENT, alignment);
+        checkGlError();
+    }
+
+    glBindTexture(GL_TEXTURE_2D, c.packedTexture);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
+    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
+    clampBoundTexture();
+    attachTarget(c.packedTexture);
+
+    glReadPixels(0, 0, GLsizei(halfUp(width)), GLsizei(height), GL_RGBA, GL_UNSIGNED_BYTE, staging.planes[0]);
+    if (glGetError() != GL_NO_ERROR) {
+        ZeLogError() << "glReadPixels() failed!";
+        return false; // the target stays attached and the alignment as it is
+    }
+
+    detachTarget();
+    if (alignment != 0) {
+        glPixelStorei(GL_PACK_ALIGNMENT, 4);
+        checkGlError();
+    }
+    return true;
+}
+
+} // namespace ze

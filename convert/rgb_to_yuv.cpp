@@ -1,0 +1,115 @@
+#include "convert/rgb_to_yuv.h"
+
+#include "convert/color_constants.h"
+#include "gl/error.h"
+#include "gl/plain_vertex_shader.h"
+#include "gl/program.h"
+#include "gl/target.h"
+
+namespace ze {
+
+namespace {
+
+// Texel centres of the source around the centre of one packed texel:
+//
+//         left          right
+//     +----------+----------+
+//     |    2k    o  2k + 1  |      o = texCoord; each pixel centre lies half a texel beside it
+//     +----------+----------+
+constexpr char kFragmentShader[] = R"glsl(
+varying highp vec2 texCoord;
+
+uniform sampler2D sampler;
+uniform mediump vec4 coefY; // weights of R, G, B and the offset
+uniform mediump vec4 coefU;
+uniform mediump vec4 coefV;
+uniform highp float sPerHalfTexel;
+
+void main()
+{
+    highp vec2 texelOffset = vec2(sPerHalfTexel, 0.0);
+    lowp vec4 leftRGBA = texture2D(sampler, texCoord - texelOffset);
+    lowp vec4 rightRGBA = texture2D(sampler, texCoord + texelOffset);
+    lowp vec4 left = vec4(leftRGBA.rgb, 1.0);
+    lowp float y0 = dot(left, coefY);
+    lowp float y1 = dot(vec4(rightRGBA.rgb, 1.0), coefY);
+    lowp float u = dot(left, coefU);
+    lowp float v = dot(left, coefV);
+    gl_FragColor = vec4(y0, u, y1, v);
+}
+)glsl";
+
+bool buildProgram(RgbToYuvProgram& program) {
+    program.name = createProgram(kPlainVertexShader, kFragmentShader);
+    if (program.name == 0)
+        return false;
+    program.posAttr = glGetAttribLocation(program.name, "posAttr");
+    program.texCoordAttr = glGetAttribLocation(program.name, "texCoordAttr");
+    program.coefY = glGetUniformLocation(program.name, "coefY");
+    program.coefU = glGetUniformLocation(program.name, "coefU");
+    program.coefV = glGetUniformLocation(program.name, "coefV");
+    program.sPerHalfTexel = glGetUniformLocation(program.name, "sPerHalfTexel");
+
+    glUseProgram(program.name);
+    glUniform1i(glGetUniformLocation(program.name, "sampler"), 0);
+    checkGlError();
+    glUseProgram(0);
+    return true;
+}
+
+void loadCoefficients(ColorConverter& c, int32_t colorStandard, int32_t colorRange) {
+    const RgbToYuvFactors& f = rgbToYuvFactors(colorStandard, colorRange);
+    const GLfloat y[] = {f.yR, f.yG, f.yB, lumaOffset(colorRange)};
+    const GLfloat u[] = {-f.uR, -f.uG, f.chromaMax, kChromaOffset};
+    const GLfloat v[] = {f.chromaMax, -f.vG, -f.vB, kChromaOffset};
+    glUniform4fv(c.rgbToYuv.coefY, 1, y);
+    glUniform4fv(c.rgbToYuv.coefU, 1, u);
+    glUniform4fv(c.rgbToYuv.coefV, 1, v);
+    c.rgbToYuvStandard = colorStandard;
+    c.rgbToYuvRange = colorRange;
+}
+
+} // namespace
+
+TextureSpan packedSpan(uint32_t width) {
+    if (width % 2 == 0)
+        return {};
+    if (width == 1)
+        return {.uMax = 2.0f};
+    const uint32_t half = halfUp(width);
+    return {.uMax = GLfloat((width - 1) * half) / GLfloat(width * (half - 1))};
+}
+
+bool rgbToYuv(ColorConverter& c, GLuint sourceTexture, int32_t colorStandard, int32_t colorRange) {
+    RgbToYuvProgram& program = c.rgbToYuv;
+    const bool isFirstUse = program.name == 0;
+    if (isFirstUse && !buildProgram(program))
+        return false;
+
+    glViewport(0, 0, GLsizei(halfUp(c.planeWidth)), GLsizei(c.planeHeight));
+    checkGlError();
+    glActiveTexture(GL_TEXTURE0);
+    checkGlError();
+    attachAndClear(c.packedTexture);
+    bindWithFilter(sourceTexture, GL_NEAREST); // exact pixels
+
+    glUseProgram(program.name);
+    glUniform1f(program.sPerHalfTexel, GLfloat(0.5 / double(c.planeWidth)));
+    checkGlError();
+    if (isFirstUse || c.rgbToYuvStandard != colorStandard || c.rgbToYuvRange != colorRange)
+        loadCoefficients(c, colorStandard, colorRange);
+    glDisable(GL_BLEND);
+
+    const auto corners = quadCorners(packedSpan(c.planeWidth));
+    const QuadAttribute attributes[] = {{program.posAttr, 0}, {program.texCoordAttr, 2}};
+    pointAttributes(attributes, corners);
+    checkGlError();
+    enableAttributes(attributes);
+    drawStrip();
+    checkGlError();
+    disableAttributes(attributes);
+    detachTarget();
+    return true;
+}
+
+} // namespace ze
