@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Sets up, builds and runs all tests. PRESET names another preset of CMakePresets.json, CC and CXX another
+# compiler; further arguments go to ctest.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+
+preset=${PRESET:-release}
+./setup/install.sh
+cmake --preset "$preset" -DZE_WARNINGS_AS_ERRORS=ON >/dev/null
+cmake --build --preset "$preset"
+ctest --preset "$preset" -j "$(nproc)" "$@"
