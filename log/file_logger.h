@@ -1,0 +1,51 @@
+// The queue of pending log lines and the thread that writes them.
+
+#pragma once
+
+#include "core/tools/ze_string.h"
+#include "log/log_file.h"
+
+#include <condition_variable>
+#include <ctime>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include <sys/types.h>
+
+namespace ze {
+
+/// Takes lines from any thread and writes them on its own.
+class FileLogger {
+public:
+    /// Starts the writer thread. Throws std::system_error "thread constructor failed" when it cannot.
+    FileLogger();
+    /// Stops the thread and waits for it. Lines that it has not taken yet are lost.
+    ~FileLogger();
+    FileLogger(const FileLogger&) = delete;
+    FileLogger& operator=(const FileLogger&) = delete;
+
+    /// Queues `text` with the local time in front. Does no I/O.
+    void enqueue(const char* text);
+
+    void setRootDirectory(const CZeString& directory);
+
+    /// False in a forked child, which has a copy of this object but not its thread.
+    bool isOfThisProcess() const;
+
+private:
+    void run();
+
+    const pid_t m_process;
+    std::thread m_thread;
+    LogFile m_file; // the thread's own
+    std::condition_variable m_wake;
+    std::mutex m_mutex; // guards all that follows
+    bool m_stop = false;
+    CZeString m_rootDirectory;
+    LogLines m_queue;
+    std::time_t m_stampTime = -1;
+    std::string m_stamp; // the formatted m_stampTime: formatting costs more than all the rest of a line
+};
+
+} // namespace ze

@@ -1,0 +1,26 @@
+// The printf-style functions of log/log_stream.h.
+
+#include "log/emit.h"
+#include "log/log_stream.h"
+#include "log/settings.h"
+
+void ZeLogInfof(const SZeLogContext& context, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    ze::emitFormatted(ze::kLogInfo, context, format, arguments);
+    va_end(arguments);
+}
+
+void ZeLogWarningf(const SZeLogContext& context, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    ze::emitFormatted(ze::kLogWarning, context, format, arguments);
+    va_end(arguments);
+}
+
+void ZeLogErrorf(const SZeLogContext& context, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    ze::emitFormatted(ze::kLogError, context, format, arguments);
+    va_end(arguments);
+}

@@ -1,0 +1,38 @@
+// When the log file is opened, flushed and changed, and what it is called: rules of given times only.
+
+#pragma once
+
+#include "core/tools/ze_string.h"
+
+#include <chrono>
+#include <ctime>
+#include <optional>
+#include <string>
+
+namespace ze {
+
+using LogTime = std::chrono::steady_clock::time_point;
+using LogDuration = std::chrono::nanoseconds;
+
+constexpr LogDuration kFlushInterval{9'999'999'999};
+constexpr LogDuration kRetryPause{30'000'000'000};
+
+/// Whether an open file is to be flushed, after the writer waited for `waited`. Both limits are exclusive.
+bool mustFlush(LogDuration waited, LogTime lastFlush, LogTime now);
+
+/// Whether a file may be opened: not within 30 seconds after an attempt failed.
+bool mayOpen(const std::optional<LogTime>& lastFailure, LogTime now);
+
+/// Whether two times lie on different days.
+bool isAnotherDay(const std::tm& date, const std::tm& other);
+
+/// The file name for a day, as in "glowkitlog(2024-03-05).log".
+CZeString logFileName(const CZeString& loggerName, const std::tm& date);
+
+/// The local time; nothing when it cannot be converted.
+std::optional<std::tm> localTime(std::time_t time);
+
+/// As in "2024-03-05 23:59:59"; empty without a time.
+std::string timeStamp(const std::optional<std::tm>& time);
+
+} // namespace ze
