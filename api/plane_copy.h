@@ -1,0 +1,15 @@
+// The way of a frame that no effect changes.
+
+#pragma once
+
+#include "convert/ze_image.h"
+
+namespace ze {
+
+/// Copies luma and then chroma of `input` to `output`, byte for byte; what lies between the rows stays as it
+/// is. Each side has its own pitches. The two may describe the same memory.
+/// `pixelFormat` is 0 (NV12) or 1 (NV21): with any other nothing is copied and four messages are logged.
+/// `width` and `height` are in pixels, at least 1.
+void copyFrame(const ZecImage& input, const ZecImage& output, int pixelFormat, int width, int height);
+
+} // namespace ze
