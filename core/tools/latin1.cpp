@@ -1,0 +1,74 @@
+#include "core/tools/latin1.h"
+
+#if defined(__ARM_NEON)
+#include <arm_neon.h>
+#elif defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace {
+
+static_assert(sizeof(CZeChar) == 2);
+
+constexpr int kStep = 8;
+
+#if defined(__ARM_NEON)
+
+void narrowStep(const CZeChar* units, char* latin1) {
+    const uint16x8_t text = vld1q_u16(reinterpret_cast<const uint16_t*>(units));
+    const uint16x8_t tooHigh = vcgtq_u16(text, vdupq_n_u16(0xFF));
+    const uint16x8_t kept = vbslq_u16(tooHigh, vdupq_n_u16('?'), text);
+    vst1_u8(reinterpret_cast<uint8_t*>(latin1), vmovn_u16(kept));
+}
+
+void widenStep(const char* latin1, CZeChar* units) {
+    const uint8x8_t text = vld1_u8(reinterpret_cast<const uint8_t*>(latin1));
+    vst1q_u16(reinterpret_cast<uint16_t*>(units), vmovl_u8(text));
+}
+
+#elif defined(__SSE2__)
+
+void narrowStep(const CZeChar* units, char* latin1) {
+    const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+    // An unsigned compare with 255: what saturates to 0 is not above it.
+    const __m128i fits = _mm_cmpeq_epi16(_mm_subs_epu16(text, _mm_set1_epi16(0xFF)), _mm_setzero_si128());
+    const __m128i kept = _mm_or_si128(_mm_and_si128(fits, text), _mm_andnot_si128(fits, _mm_set1_epi16('?')));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(latin1), _mm_packus_epi16(kept, kept));
+}
+
+void widenStep(const char* latin1, CZeChar* units) {
+    const __m128i text = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(latin1));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(units), _mm_unpacklo_epi8(text, _mm_setzero_si128()));
+}
+
+#else
+
+void narrowStep(const CZeChar* units, char* latin1) {
+    for (int i = 0; i < kStep; ++i)
+        latin1[i] = units[i].toLatin1();
+}
+
+void widenStep(const char* latin1, CZeChar* units) {
+    for (int i = 0; i < kStep; ++i)
+        units[i] = CZeChar(latin1[i]);
+}
+
+#endif
+
+} // namespace
+
+void ze::narrowToLatin1(const CZeChar* units, int count, char* latin1) {
+    int done = 0;
+    for (; count - done >= kStep; done += kStep)
+        narrowStep(units + done, latin1 + done);
+    for (; done < count; ++done)
+        latin1[done] = units[done].toLatin1();
+}
+
+void ze::widenLatin1(const char* latin1, int count, CZeChar* units) {
+    int done = 0;
+    for (; count - done >= kStep; done += kStep)
+        widenStep(latin1 + done, units + done);
+    for (; done < count; ++done)
+        units[done] = CZeChar(latin1[done]);
+}

@@ -1,0 +1,16 @@
+// The conversions between units and Latin-1 characters, eight at a step.
+
+#pragma once
+
+#include "core/tools/ze_char.h"
+
+namespace ze {
+
+/// Writes `count` characters from as many units; units above 0xFF become '?'. `latin1` may be the memory of
+/// the units itself, and overlaps them in no other way.
+void narrowToLatin1(const CZeChar* units, int count, char* latin1);
+
+/// Writes `count` units from as many Latin-1 characters. The two do not overlap.
+void widenLatin1(const char* latin1, int count, CZeChar* units);
+
+} // namespace ze

@@ -1,0 +1,228 @@
+// The one pointer inside byte arrays and strings: an implicitly shared, copy-on-write, zero-terminated array.
+
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+#include "core/tools/array_data.h"
+
+namespace ze {
+
+/// What is left when a range is cut out of a sequence.
+enum class Cut {
+    Null,   ///< The range lies outside: a null container.
+    Empty,  ///< Nothing: an empty container.
+    Full,   ///< Everything: a shared copy.
+    Subset, ///< `count` elements from `position`, both adjusted to lie inside.
+};
+
+/// Cuts `count` elements at `position` out of `length`. A negative count means up to the end; what lies
+/// before the first element is dropped from the range.
+constexpr Cut cutRange(int length, int& position, int& count) {
+    if (position > length)
+        return Cut::Null;
+    if (position < 0) {
+        if (count < 0 || count + position >= length)
+            return Cut::Full;
+        if (count + position <= 0)
+            return Cut::Null;
+        count += position;
+        position = 0;
+    } else if (unsigned(count) > unsigned(length - position)) {
+        count = length - position;
+    }
+    if (position == 0 && count == length)
+        return Cut::Full;
+    return count > 0 ? Cut::Subset : Cut::Empty;
+}
+
+/// A counted block of trivially copyable units, behind which one zero unit always follows (except behind
+/// wrapped foreign memory). No operation throws. One that cannot get its memory, or whose size would pass the
+/// limit of a block, is refused: a modification returns false and changes nothing, a construction gives the
+/// null array.
+template <class Unit>
+class SharedArray {
+    static_assert(std::is_trivially_copyable_v<Unit> && alignof(Unit) <= 8);
+
+public:
+    SharedArray() noexcept : m_block(SZeArrayData::shared_null) {}
+    SharedArray(SharedArray&& other) noexcept
+        : m_block(std::exchange(other.m_block, static_cast<SZeArrayData*>(SZeArrayData::shared_null))) {}
+    SharedArray(const SharedArray& other) noexcept : m_block(other.m_block) {
+        if (!m_block->acquire())
+            m_block = copyOf(other.units(), other.size()).take();
+    }
+    SharedArray& operator=(SharedArray other) noexcept {
+        std::swap(m_block, other.m_block);
+        return *this;
+    }
+    ~SharedArray() {
+        if (m_block->release())
+            SZeArrayData::deallocate(m_block, sizeof(Unit), kAlignment);
+    }
+
+    /// The array without units that is not null.
+    static SharedArray empty() { return adopt(SZeArrayData::allocate(sizeof(Unit), kAlignment, 0, 0)); }
+
+    /// `count` units for the caller to fill, in a block of exactly that many and the terminator.
+    static SharedArray uninitialized(int count) {
+        count = std::max(count, 0);
+        SZeArrayData* const block = SZeArrayData::allocate(sizeof(Unit), kAlignment, size_t(count) + 1, 0);
+        if (!block)
+            return {};
+        SharedArray array = adopt(block);
+        array.setSize(count);
+        return array;
+    }
+
+    /// A copy of `count` units; of none for a count below 1.
+    static SharedArray copyOf(const Unit* units, int count) {
+        if (count < 1)
+            return empty();
+        SharedArray array = uninitialized(count);
+        if (array.size() == count)
+            std::memcpy(array.units(), units, size_t(count) * sizeof(Unit));
+        return array;
+    }
+
+    /// `count` times `unit`; nothing for a count below 1.
+    static SharedArray filled(int count, Unit unit) {
+        if (count < 1)
+            return empty();
+        SharedArray array = uninitialized(count);
+        std::fill_n(array.units(), array.size(), unit);
+        return array;
+    }
+
+    /// A view on foreign memory, which must outlive the array and all its copies. It is never written.
+    static SharedArray wrapping(const Unit* units, int count) {
+        SZeArrayData* const block =
+            SZeArrayData::allocate(sizeof(Unit), kAlignment, 0, SZeArrayData::HeaderOnly);
+        if (!block)
+            return {};
+        block->size = count;
+        block->dataOffset =
+            ptrdiff_t(reinterpret_cast<uintptr_t>(units) - reinterpret_cast<uintptr_t>(block));
+        return adopt(block);
+    }
+
+    /// Takes over the caller's reference to `block`; `take` gives it back and leaves the null array.
+    static SharedArray adopt(SZeArrayData* block) { return SharedArray(block); }
+    SZeArrayData* take() {
+        return std::exchange(m_block, static_cast<SZeArrayData*>(SZeArrayData::shared_null));
+    }
+
+    int size() const { return m_block->size; }
+    uint32_t capacity() const { return m_block->capacity; }
+    bool isNull() const { return m_block == SZeArrayData::shared_null; }
+    bool isShared() const { return m_block->isShared(); }
+    bool wrapsForeignMemory() const { return !m_block->dataIsInline(); }
+    const Unit* units() const { return static_cast<const Unit*>(m_block->data()); }
+    /// The units without a look at other owners: only for blocks just made, or after `detach`.
+    Unit* units() { return static_cast<Unit*>(m_block->data()); }
+
+    /// The block is on the heap, has this owner alone and holds its data itself.
+    bool isExclusive() const {
+        return !m_block->isShared() && !m_block->isStatic() && m_block->dataIsInline();
+    }
+
+    /// Makes the units writable, by a private copy where they are shared or foreign.
+    bool detach() {
+        return isExclusive() || m_block->isStatic() || reallocData(uint32_t(size()) + 1, keptOptions());
+    }
+
+    /// Gives the array a private block of `capacity` units, terminator included, made with `options`. The
+    /// units that still fit are kept; a capacity of 0 gives the empty array.
+    bool reallocData(uint32_t capacity, int options) {
+        if (capacity == 0)
+            return *this = empty(), true;
+        const int kept = int(std::min<uint32_t>(uint32_t(size()), capacity - 1));
+        if (isExclusive()) {
+            SZeArrayData* const block =
+                SZeArrayData::reallocateUnaligned(m_block, sizeof(Unit), capacity, options);
+            if (!block)
+                return false;
+            m_block = block;
+            if (kept < size())
+                setSize(kept);
+            return true;
+        }
+        SZeArrayData* const block = SZeArrayData::allocate(sizeof(Unit), kAlignment, capacity, options);
+        if (!block)
+            return false;
+        SharedArray fresh = adopt(block);
+        std::memcpy(fresh.units(), std::as_const(*this).units(), size_t(kept) * sizeof(Unit));
+        fresh.setSize(kept);
+        std::swap(m_block, fresh.m_block);
+        return true;
+    }
+
+    /// Sets the size to `count`, below 0 to 0; new units are uninitialised. The block shrinks when the new
+    /// size falls below half of its capacity and none was reserved.
+    bool resize(int count) {
+        count = std::max(count, 0);
+        const uint32_t needed = uint32_t(count) + 1;
+        if (wrapsForeignMemory() && !isShared() && count < size()) {
+            m_block->size = count; // the foreign memory gets no terminator
+            return true;
+        }
+        if (count == 0 && !m_block->reserved)
+            return *this = empty(), true;
+        if (size() == 0 && m_block->isStatic()) {
+            SharedArray fresh = uninitialized(count);
+            if (fresh.size() != count)
+                return false;
+            std::swap(m_block, fresh.m_block);
+            return true;
+        }
+        const int options = SZeArrayData::GrowGeometric | keptOptions();
+        if (isShared() || needed > capacity()) {
+            if (!reallocData(needed, options))
+                return false;
+        } else if (!m_block->reserved && count < size() && needed < capacity() / 2) {
+            reallocData(needed, options); // a block that cannot shrink still serves
+        }
+        setSize(count);
+        return true;
+    }
+
+    /// Writes size and terminator into a block that has room for both.
+    void setSize(int count) {
+        m_block->size = count;
+        units()[count] = Unit{};
+    }
+
+    /// The options that keep a reserved capacity reserved.
+    int keptOptions() const { return m_block->reserved ? SZeArrayData::ReserveCapacity : 0; }
+
+    /// The range that `cutRange` leaves, as an array.
+    SharedArray cut(int position, int count) const {
+        switch (cutRange(size(), position, count)) {
+        case Cut::Null:
+            return {};
+        case Cut::Empty:
+            return empty();
+        case Cut::Full:
+            return *this;
+        case Cut::Subset:
+            break;
+        }
+        return copyOf(units() + position, count);
+    }
+
+    /// The last `count` units; all of them for a negative count.
+    SharedArray cutRight(int count) const { return count < 0 ? *this : cut(size() - count, count); }
+
+private:
+    static constexpr size_t kAlignment = 8;
+
+    explicit SharedArray(SZeArrayData* block) noexcept : m_block(block) {}
+
+    SZeArrayData* m_block;
+};
+
+} // namespace ze

@@ -1,0 +1,117 @@
+// The replacement of numbered escapes.
+
+#include <algorithm>
+
+#include "core/tools/text_view.h"
+#include "core/warning.h"
+
+namespace {
+
+/// One '%' with its digits.
+struct Escape {
+    int position; ///< Of the '%'; the size of the text when there is none.
+    int number;
+    int length; ///< 2 or 3 units.
+};
+
+constexpr bool isDigit(CZeChar unit) {
+    return unit >= u'0' && unit <= u'9';
+}
+
+/// The first escape at or behind `from`.
+Escape findEscape(ze::Utf16View text, int from) {
+    for (int i = from; i + 1 < text.count; ++i) {
+        if (text.units[i] != u'%' || !isDigit(text.units[i + 1]))
+            continue;
+        const int first = text.units[i + 1].unicode() - '0';
+        if (i + 2 < text.count && isDigit(text.units[i + 2]))
+            return {i, first * 10 + text.units[i + 2].unicode() - '0', 3};
+        return {i, first, 2};
+    }
+    return {text.count, 0, 0};
+}
+
+/// The occurrences of the lowest escape of a text.
+struct ArgEscapes {
+    int number = 100;
+    int occurrences = 0;
+    int totalLength = 0;
+};
+
+ArgEscapes findLowestEscapes(ze::Utf16View text) {
+    ArgEscapes lowest;
+    for (Escape e = findEscape(text, 0); e.length != 0; e = findEscape(text, e.position + e.length)) {
+        if (e.number > lowest.number)
+            continue;
+        if (e.number < lowest.number)
+            lowest = {e.number, 0, 0};
+        ++lowest.occurrences;
+        lowest.totalLength += e.length;
+    }
+    return lowest;
+}
+
+CZeString replaceEscapes(ze::Utf16View text, const ArgEscapes& escapes, ze::Utf16View argument,
+                         int fieldWidth, CZeChar fill) {
+    const int64_t width = std::max(std::abs(int64_t{fieldWidth}), int64_t{argument.count});
+    const int64_t length = text.count - escapes.totalLength + escapes.occurrences * width;
+    if (length > INT32_MAX)
+        return {};
+    CZeString result(int(length), Ze::Uninitialized);
+    if (result.size() != length)
+        return {};
+
+    const auto padding = size_t(width - argument.count);
+    CZeChar* out = result.data();
+    int copied = 0;
+    for (Escape e = findEscape(text, 0); e.length != 0; e = findEscape(text, e.position + e.length)) {
+        if (e.number != escapes.number)
+            continue;
+        out = std::copy(text.units + copied, text.units + e.position, out);
+        if (fieldWidth > 0)
+            out = std::fill_n(out, padding, fill);
+        out = std::copy_n(argument.units, argument.count, out);
+        if (fieldWidth < 0)
+            out = std::fill_n(out, padding, fill);
+        copied = e.position + e.length;
+    }
+    std::copy(text.units + copied, text.units + text.count, out);
+    return result;
+}
+
+} // namespace
+
+CZeString CZeString::arg(const CZeString& argument, int fieldWidth, CZeChar fill) const {
+    const ArgEscapes escapes = findLowestEscapes(*this);
+    if (escapes.occurrences == 0) {
+        ze::coreWarning("CZeString::arg: Argument missing: %s, %s", toLocal8Bit().constData(),
+                        argument.toLocal8Bit().constData());
+        return *this;
+    }
+    return replaceEscapes(*this, escapes, argument, fieldWidth, fill);
+}
+
+CZeString CZeString::arg(CZeChar argument, int fieldWidth, CZeChar fill) const {
+    return arg(CZeString(argument), fieldWidth, fill);
+}
+
+CZeString CZeString::arg(char argument, int fieldWidth, CZeChar fill) const {
+    return arg(CZeChar(argument), fieldWidth, fill);
+}
+
+CZeString CZeString::arg(long argument, int fieldWidth, int base, CZeChar fill) const {
+    return arg(number(argument, base), fieldWidth, fill);
+}
+
+CZeString CZeString::arg(unsigned long argument, int fieldWidth, int base, CZeChar fill) const {
+    return arg(number(argument, base), fieldWidth, fill);
+}
+
+CZeString CZeString::arg(double argument, int fieldWidth, char format, int precision, CZeChar fill) const {
+    const ArgEscapes escapes = findLowestEscapes(*this);
+    if (escapes.occurrences == 0) {
+        ze::coreWarning("CZeString::arg: Argument missing: %s, %g", toLocal8Bit().constData(), argument);
+        return *this;
+    }
+    return replaceEscapes(*this, escapes, number(argument, format, precision), fieldWidth, fill);
+}

@@ -1,0 +1,190 @@
+// Strings from and to other encodings. The numbers are in string_numbers.cpp.
+
+#include <cstring>
+
+#include "core/codecs/utf8_decoder.h"
+#include "core/tools/latin1.h"
+#include "core/tools/ze_string.h"
+
+namespace {
+
+/// The number of elements before the zero one, at most INT32_MAX.
+template <class Element>
+int zeroTerminatedLength(const Element* elements) {
+    int length = 0;
+    while (length < INT32_MAX && elements[length] != Element{})
+        ++length;
+    return length;
+}
+
+/// Calls `take` with each code point of `text`; with an unpaired surrogate as it is.
+template <class Take>
+void forEachCodePoint(const CZeString& text, Take take) {
+    const CZeChar* const end = text.end();
+    for (const CZeChar* unit = text.begin(); unit != end; ++unit) {
+        if (unit->isHighSurrogate() && unit + 1 != end && unit[1].isLowSurrogate()) {
+            take(CZeChar::codePoint(unit[0], unit[1]));
+            ++unit;
+        } else {
+            take(char32_t{unit->unicode()});
+        }
+    }
+}
+
+constexpr bool isSurrogate(char32_t codePoint) {
+    return (codePoint & ~char32_t{0x7FF}) == 0xD800;
+}
+
+/// The bytes that UTF-8 takes; an unpaired surrogate takes the one of its '?'.
+constexpr int utf8Length(char32_t codePoint) {
+    if (codePoint < 0x80 || isSurrogate(codePoint))
+        return 1;
+    return codePoint < 0x800 ? 2 : codePoint < 0x10000 ? 3 : 4;
+}
+
+char* putUtf8(char32_t codePoint, char* out) {
+    const auto tail = [codePoint](int shift) { return char(0x80 | (codePoint >> shift & 0x3F)); };
+    switch (utf8Length(codePoint)) {
+    case 1:
+        *out++ = isSurrogate(codePoint) ? '?' : char(codePoint);
+        break;
+    case 2:
+        *out++ = char(0xC0 | codePoint >> 6);
+        *out++ = tail(0);
+        break;
+    case 3:
+        *out++ = char(0xE0 | codePoint >> 12);
+        *out++ = tail(6);
+        *out++ = tail(0);
+        break;
+    default:
+        *out++ = char(0xF0 | codePoint >> 18);
+        *out++ = tail(12);
+        *out++ = tail(6);
+        *out++ = tail(0);
+        break;
+    }
+    return out;
+}
+
+/// What a string without units converts to.
+CZeByteArray emptyBytesOf(const CZeString& text) {
+    return text.isNull() ? CZeByteArray() : CZeByteArray("", 0);
+}
+
+} // namespace
+
+CZeString CZeString::fromLatin1(const char* text, int size) {
+    if (!text)
+        return {};
+    return fromLatin1_helper(text, size < 0 ? zeroTerminatedLength(text) : size);
+}
+
+CZeString CZeString::fromLatin1(const CZeByteArray& text) {
+    return text.isNull() ? CZeString() : fromLatin1_helper(text.constData(), text.size());
+}
+
+CZeString CZeString::fromLatin1_helper(const char* text, int size) {
+    CZeString result(size, Ze::Uninitialized);
+    ze::widenLatin1(text, result.size(), result.m_array.units());
+    return result;
+}
+
+CZeString CZeString::fromUtf8(const char* text, int size) {
+    if (!text)
+        return {};
+    return fromUtf8_helper(text, size < 0 ? zeroTerminatedLength(text) : size);
+}
+
+CZeString CZeString::fromUtf8(const CZeByteArray& text) {
+    return text.isNull() ? CZeString() : fromUtf8_helper(text.constData(), text.size());
+}
+
+CZeString CZeString::fromUtf8_helper(const char* text, int size) {
+    // No byte of a whole text gives more than one unit; the decoder's extra one is the terminator's place.
+    CZeString result(size, Ze::Uninitialized);
+    if (result.size() != size)
+        return {};
+    ze::Utf8Decoder decoder;
+    CZeChar* const units = result.m_array.units();
+    int written = decoder.decode(text, size, units);
+    written += decoder.finish(units + written);
+    result.truncate(written);
+    return result;
+}
+
+CZeString CZeString::fromUtf16(const char16_t* units, int size) {
+    return CZeString(reinterpret_cast<const CZeChar*>(units), size);
+}
+
+CZeString CZeString::fromUcs4(const char32_t* codePoints, int size) {
+    if (!codePoints)
+        return {};
+    if (size < 0)
+        size = zeroTerminatedLength(codePoints);
+    int64_t length = size;
+    for (int i = 0; i < size; ++i)
+        length += codePoints[i] >= 0x10000 && codePoints[i] <= 0x10FFFF;
+    if (length > INT32_MAX)
+        return {};
+    CZeString result(int(length), Ze::Uninitialized);
+    if (result.size() != length)
+        return {};
+    CZeChar* out = result.m_array.units();
+    for (int i = 0; i < size; ++i) {
+        const char32_t codePoint = codePoints[i];
+        if (codePoint > 0x10FFFF || isSurrogate(codePoint)) {
+            *out++ = CZeChar(CZeChar::Replacement);
+        } else if (codePoint < 0x10000) {
+            *out++ = CZeChar(char16_t(codePoint));
+        } else {
+            *out++ = CZeChar::highSurrogate(codePoint);
+            *out++ = CZeChar::lowSurrogate(codePoint);
+        }
+    }
+    return result;
+}
+
+CZeByteArray CZeString::toLatin1_helper(const CZeString& text) {
+    if (text.isEmpty())
+        return emptyBytesOf(text);
+    CZeByteArray result(text.size(), Ze::Uninitialized);
+    ze::narrowToLatin1(text.unicode(), result.size(), result.m_array.units());
+    return result;
+}
+
+/// Narrows the units where they lie and hands the block over as one of bytes. `text` is null afterwards.
+CZeByteArray CZeString::toLatin1_helper_inplace(CZeString& text) {
+    if (!text.m_array.isExclusive())
+        return toLatin1_helper(text);
+    const int size = text.size();
+    SZeArrayData* const block = text.m_array.take();
+    ze::narrowToLatin1(static_cast<const CZeChar*>(block->data()), size, static_cast<char*>(block->data()));
+    block->capacity = block->capacity * uint32_t{sizeof(CZeChar)} & INT32_MAX;
+    CZeByteArray result(ze::SharedArray<char>::adopt(block));
+    result.m_array.setSize(size);
+    return result;
+}
+
+CZeByteArray CZeString::toUtf8_helper(const CZeString& text) {
+    if (text.isEmpty())
+        return emptyBytesOf(text);
+    int64_t length = 0;
+    forEachCodePoint(text, [&length](char32_t codePoint) { length += utf8Length(codePoint); });
+    if (length > INT32_MAX)
+        return {};
+    CZeByteArray result(int(length), Ze::Uninitialized);
+    if (result.size() != length)
+        return {};
+    char* out = result.m_array.units();
+    forEachCodePoint(text, [&out](char32_t codePoint) { out = putUtf8(codePoint, out); });
+    return result;
+}
+
+CZeList<char32_t> CZeString::toUcs4() const {
+    CZeList<char32_t> result;
+    forEachCodePoint(*this, [&result](char32_t codePoint) {
+        result.append(isSurrogate(codePoint) ? char32_t{CZeChar::Replacement} : codePoint);
+    });
+    return result;
+}

@@ -1,0 +1,53 @@
+// A view on a range of a string.
+
+#pragma once
+
+#include "core/tools/ze_string.h"
+
+/// A string, a position in it and a length. It owns nothing: the string object must outlive it, and not
+/// shrink below the range. A null view has no string.
+class ZE_EXPORT CZeStringRef {
+public:
+    CZeStringRef() = default;
+    /// The whole of `string`, which may be null.
+    explicit CZeStringRef(const CZeString* string) : CZeStringRef(string, 0, string ? string->size() : 0) {}
+    /// `size` units from `position`, a range inside `string`.
+    CZeStringRef(const CZeString* string, int position, int size)
+        : m_string(string), m_position(position), m_size(size) {}
+
+    const CZeString* string() const { return m_string; }
+    int position() const { return m_position; }
+    int size() const { return m_size; }
+    int length() const { return m_size; }
+    bool isNull() const { return !m_string || m_string->isNull(); }
+    bool isEmpty() const { return m_size == 0; }
+
+    /// The first unit; null without a string.
+    const CZeChar* unicode() const { return m_string ? m_string->unicode() + m_position : nullptr; }
+    const CZeChar* begin() const { return unicode(); }
+    const CZeChar* end() const { return unicode() + m_size; }
+    /// The unit at `index`, from 0 to `size()` − 1.
+    CZeChar at(int index) const { return unicode()[index]; }
+    CZeChar operator[](int index) const { return unicode()[index]; }
+
+    /// The range as a string; shared where it is the whole string.
+    CZeString toString() const { return m_string ? m_string->mid(m_position, m_size) : CZeString(); }
+
+    int compare(const CZeStringRef& other, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+
+    friend bool operator==(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) == 0; }
+    friend bool operator!=(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) != 0; }
+    friend bool operator<(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) < 0; }
+    friend bool operator>(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) > 0; }
+    friend bool operator<=(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) <= 0; }
+    friend bool operator>=(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) >= 0; }
+    friend bool operator==(const CZeString& l, const CZeStringRef& r) { return l.compare(r) == 0; }
+    friend bool operator==(const CZeStringRef& l, const CZeString& r) { return r.compare(l) == 0; }
+    friend bool operator!=(const CZeString& l, const CZeStringRef& r) { return l.compare(r) != 0; }
+    friend bool operator!=(const CZeStringRef& l, const CZeString& r) { return r.compare(l) != 0; }
+
+private:
+    const CZeString* m_string = nullptr;
+    int m_position = 0;
+    int m_size = 0;
+};

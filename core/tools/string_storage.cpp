@@ -1,0 +1,89 @@
+// Construction and storage of strings.
+
+#include <algorithm>
+
+#include "core/tools/ze_string.h"
+
+namespace {
+
+using UnitStorage = ze::SharedArray<CZeChar>;
+
+UnitStorage copyUnits(const CZeChar* units, int size) {
+    if (!units)
+        return {};
+    if (size < 0)
+        size = int(std::find(units, units + INT32_MAX, CZeChar()) - units);
+    return UnitStorage::copyOf(units, size);
+}
+
+} // namespace
+
+CZeString::CZeString(const CZeChar* units, int size) : m_array(copyUnits(units, size)) {}
+
+CZeString::CZeString(int count, CZeChar unit) : m_array(UnitStorage::filled(count, unit)) {}
+
+CZeString::CZeString(int count, Ze::Initialization)
+    : m_array(count < 1 ? UnitStorage::empty() : UnitStorage::uninitialized(count)) {}
+
+CZeString::CZeString(CZeChar unit) : m_array(UnitStorage::filled(1, unit)) {}
+
+CZeString::CZeString(CZeLatin1String text) : CZeString(fromLatin1(text.data(), text.size())) {}
+
+CZeString CZeString::fromRawData(const CZeChar* units, int size) {
+    if (!units)
+        return {};
+    return CZeString(size < 1 ? UnitStorage::empty() : UnitStorage::wrapping(units, size));
+}
+
+const char16_t* CZeString::utf16() {
+    if (m_array.wrapsForeignMemory())
+        m_array.detach();
+    return reinterpret_cast<const char16_t*>(unicode());
+}
+
+void CZeString::resize(int size, CZeChar fill) {
+    const int oldSize = this->size();
+    resize(size);
+    if (this->size() > oldSize)
+        std::fill(m_array.units() + oldSize, m_array.units() + this->size(), fill);
+}
+
+void CZeString::reserve(int size) {
+    const uint32_t needed = uint32_t(std::max(size, this->size())) + 1;
+    m_array.reallocData(std::max(needed, m_array.capacity()), SZeArrayData::ReserveCapacity);
+}
+
+void CZeString::reallocData(uint32_t capacity, bool grow) {
+    m_array.reallocData(capacity, m_array.keptOptions() | (grow ? SZeArrayData::GrowGeometric : 0));
+}
+
+void CZeString::expand(int position) {
+    if (position >= size() && position < INT32_MAX)
+        resize(position + 1, ' ');
+}
+
+void CZeString::truncate(int position) {
+    if (position < size())
+        resize(position);
+}
+
+void CZeString::chop(int count) {
+    if (count > 0)
+        resize(size() - count);
+}
+
+CZeString& CZeString::fill(CZeChar unit, int size) {
+    if (size >= 0)
+        resize(size);
+    if (CZeChar* const units = data())
+        std::fill_n(units, this->size(), unit);
+    return *this;
+}
+
+bool CZeString::isSimpleText() const {
+    // Hebrew up to the blocks before Hangul, and the presentation forms of Hebrew and Arabic.
+    const auto isComplex = [](CZeChar unit) {
+        return (unit >= u'\u0590' && unit < u'\u1100') || unit >= u'\uFB1D';
+    };
+    return std::none_of(begin(), end(), isComplex);
+}

@@ -1,0 +1,73 @@
+// One unit of UTF-16 text.
+
+#pragma once
+
+#include <cstdint>
+
+/// An unsigned 16-bit UTF-16 code unit. Code points above U+FFFF take two: a high and a low surrogate.
+class CZeChar {
+public:
+    static constexpr char16_t Replacement = 0xFFFD; ///< Stands for what cannot be decoded.
+
+    constexpr CZeChar() = default;
+    constexpr CZeChar(char16_t unit) : m_unit(unit) {}
+    /// A Latin-1 character.
+    constexpr CZeChar(char latin1) : m_unit(static_cast<unsigned char>(latin1)) {}
+    /// The low 16 bits of a number.
+    explicit constexpr CZeChar(int unit) : m_unit(static_cast<char16_t>(unit)) {}
+    explicit constexpr CZeChar(unsigned unit) : m_unit(static_cast<char16_t>(unit)) {}
+    explicit constexpr CZeChar(uint16_t unit) : m_unit(unit) {}
+
+    constexpr char16_t unicode() const { return m_unit; }
+    /// The Latin-1 character, '?' when there is none.
+    constexpr char toLatin1() const { return static_cast<char>(m_unit > 0xFF ? '?' : m_unit); }
+
+    constexpr bool isHighSurrogate() const { return (m_unit & 0xFC00) == 0xD800; }
+    constexpr bool isLowSurrogate() const { return (m_unit & 0xFC00) == 0xDC00; }
+
+    /// White space as all of the core library sees it: the tab to the carriage return, the space, U+0085,
+    /// U+00A0 and this subset of the Unicode separators, which leaves out some widths on purpose.
+    constexpr bool isSpace() const {
+        switch (m_unit) {
+        case 0x0085:
+        case 0x00A0:
+        case 0x1680:
+        case 0x180E:
+        case 0x2000:
+        case 0x2006:
+        case 0x2008:
+        case 0x2009:
+        case 0x200A:
+        case 0x2028:
+        case 0x2029:
+        case 0x205F:
+        case 0x3000:
+            return true;
+        default:
+            return m_unit == 32 || (m_unit >= 9 && m_unit <= 13);
+        }
+    }
+
+    /// The code point of a surrogate pair.
+    static constexpr char32_t codePoint(CZeChar high, CZeChar low) {
+        constexpr char32_t kOffset = 0xD800U * 1024 + 0xDC00 - 0x10000;
+        return high.m_unit * char32_t{1024} + low.m_unit - kOffset;
+    }
+    /// The surrogate pair of a code point above U+FFFF.
+    static constexpr CZeChar highSurrogate(char32_t codePoint) {
+        return CZeChar(static_cast<char16_t>((codePoint >> 10) + (0xD800 - (0x10000 >> 10))));
+    }
+    static constexpr CZeChar lowSurrogate(char32_t codePoint) {
+        return CZeChar(static_cast<char16_t>(0xDC00 + (codePoint & 0x3FF)));
+    }
+
+    friend constexpr bool operator==(CZeChar l, CZeChar r) { return l.m_unit == r.m_unit; }
+    friend constexpr bool operator!=(CZeChar l, CZeChar r) { return l.m_unit != r.m_unit; }
+    friend constexpr bool operator<(CZeChar l, CZeChar r) { return l.m_unit < r.m_unit; }
+    friend constexpr bool operator>(CZeChar l, CZeChar r) { return l.m_unit > r.m_unit; }
+    friend constexpr bool operator<=(CZeChar l, CZeChar r) { return l.m_unit <= r.m_unit; }
+    friend constexpr bool operator>=(CZeChar l, CZeChar r) { return l.m_unit >= r.m_unit; }
+
+private:
+    char16_t m_unit = 0;
+};

@@ -1,0 +1,258 @@
+// The implicitly shared UTF-16 string.
+
+#pragma once
+
+#include "core/export.h"
+#include "core/tools/byte_array.h"
+#include "core/tools/latin1_string.h"
+#include "core/tools/list.h"
+#include "core/tools/shared_array.h"
+#include "core/tools/ze_char.h"
+#include "core/tools/ze_namespace.h"
+
+class CZeString;
+class CZeStringRef;
+using CZeStringList = CZeList<CZeString>;
+using CZeStringRefList = CZeList<CZeStringRef>;
+
+/// UTF-16 text in one shared block. Copies are cheap and independent: a change first takes a private copy of
+/// a shared block. Sizes and positions count units, not code points. A zero unit, not counted in the size,
+/// always follows the last unit (except in a string that wraps foreign memory). A null string is an empty one
+/// that was never given contents; one made empty by an operation is not null. Both compare equal.
+///
+/// Sizes are at most about 2^30. Nothing throws: a change that cannot get its memory, or would pass that
+/// size, leaves the string as it was; a construction or conversion gives a null result. Different objects may
+/// be used on different threads at once, also when they are copies of each other. Units passed by pointer may
+/// lie inside the string that is changed.
+class ZE_EXPORT CZeString {
+public:
+    /// What splitting does with parts that have no units.
+    enum SplitBehavior { KeepEmptyParts, SkipEmptyParts };
+
+    CZeString() = default;
+    /// Copies `size` units, or up to the terminating zero when `size` is negative. A null pointer gives the
+    /// null string, a size of 0 the empty one.
+    CZeString(const CZeChar* units, int size = -1);
+    /// `count` times `unit`; a count below 1 gives the empty string.
+    CZeString(int count, CZeChar unit);
+    /// `count` units (below 0: none) for the caller to fill.
+    CZeString(int count, Ze::Initialization);
+    CZeString(CZeChar unit);
+    CZeString(CZeLatin1String text);
+
+    CZeString& operator=(CZeChar unit) { return *this = CZeString(unit); }
+    CZeString& operator=(CZeLatin1String text) { return *this = CZeString(text); }
+
+    /// Wraps `size` units without copying them; they must outlive the string and its copies and stay
+    /// unchanged. The string does not write to them: a change takes a private copy, except that cutting the
+    /// end off only shortens the view. A null pointer gives the null string, a size below 1 the empty one.
+    static CZeString fromRawData(const CZeChar* units, int size);
+    CZeString& setRawData(const CZeChar* units, int size) { return *this = fromRawData(units, size); }
+    /// Replaces the contents by a copy of `units`, as the constructor takes them.
+    CZeString& setUnicode(const CZeChar* units, int size) { return *this = CZeString(units, size); }
+
+    int size() const { return m_array.size(); }
+    int length() const { return m_array.size(); }
+    /// Units that fit into the block, terminator included; 0 for null, empty and wrapping strings.
+    int capacity() const { return int(m_array.capacity()); }
+    bool isEmpty() const { return m_array.size() == 0; }
+    bool isNull() const { return m_array.isNull(); }
+
+    const CZeChar* unicode() const { return m_array.units(); }
+    const CZeChar* constData() const { return m_array.units(); }
+    const CZeChar* data() const { return m_array.units(); }
+    /// The units for writing, `size()` of them. Null when a private copy was needed and there is no memory.
+    CZeChar* data() { return m_array.detach() ? m_array.units() : nullptr; }
+    const CZeChar* begin() const { return m_array.units(); }
+    const CZeChar* end() const { return m_array.units() + m_array.size(); }
+    /// The units with a terminating zero. A string that wraps foreign memory first takes a private copy for
+    /// that.
+    const char16_t* utf16();
+
+    /// The unit at `index`, from 0 to `size()` − 1.
+    CZeChar at(int index) const { return m_array.units()[index]; }
+    CZeChar operator[](int index) const { return m_array.units()[index]; }
+    CZeChar& operator[](int index) { return data()[index]; }
+
+    // Storage
+
+    /// Sets the size; a negative one counts as 0, new units are uninitialised. Growth is geometric; the block
+    /// shrinks only when the new size falls below half of its capacity and no capacity was reserved.
+    void resize(int size) { m_array.resize(size); }
+    /// The same with `fill` in every new unit.
+    void resize(int size, CZeChar fill);
+    /// Keeps room for `size` units, through later cuts as well.
+    void reserve(int size);
+    /// Moves the units into a private block of `capacity` units, terminator included, dropping those that do
+    /// not fit. With `grow` the capacity is rounded up geometrically.
+    void reallocData(uint32_t capacity, bool grow);
+    /// Makes sure that there is a unit at `position`, by adding spaces.
+    void expand(int position);
+    /// Cuts the string at `position` when it is longer; a negative one counts as 0.
+    void truncate(int position);
+    /// Removes the last `count` units, all of them when there are fewer.
+    void chop(int count);
+    /// Sets every unit to `unit`, after a change to `size` units unless that is negative.
+    CZeString& fill(CZeChar unit, int size = -1);
+    /// No unit belongs to a script that is written from right to left or needs shaping.
+    bool isSimpleText() const;
+
+    // Conversion in: `size` counts the elements of the source, a negative one means up to its terminating
+    // zero. A null pointer gives the null string, no elements the empty one.
+
+    static CZeString fromLatin1(const char* text, int size = -1);
+    static CZeString fromLatin1(const CZeByteArray& text);
+    static CZeString fromAscii(const char* text, int size = -1) { return fromLatin1(text, size); }
+    /// Text in the local encoding, which is UTF-8.
+    static CZeString fromLocal8Bit(const char* text, int size = -1) { return fromUtf8(text, size); }
+    static CZeString fromLocal8Bit(const CZeByteArray& text) { return fromUtf8(text); }
+    /// A byte-order mark at the start is dropped. Each maximal part of malformed text becomes one U+FFFD.
+    static CZeString fromUtf8(const char* text, int size = -1);
+    static CZeString fromUtf8(const CZeByteArray& text);
+    /// Units in the byte order of the machine, taken as they are.
+    static CZeString fromUtf16(const char16_t* units, int size = -1);
+    /// Code points; what is none (a surrogate, or above U+10FFFF) becomes U+FFFD.
+    static CZeString fromUcs4(const char32_t* codePoints, int size = -1);
+
+    // Conversion out: a null string gives a null byte array.
+
+    /// Units above 0xFF become '?'. A temporary string with a block of its own lends it to the result.
+    CZeByteArray toLatin1() const& { return toLatin1_helper(*this); }
+    CZeByteArray toLatin1() && { return toLatin1_helper_inplace(*this); }
+    CZeByteArray toLocal8Bit() const { return toUtf8(); }
+    /// An unpaired surrogate becomes '?'.
+    CZeByteArray toUtf8() const { return toUtf8_helper(*this); }
+    /// The code points; an unpaired surrogate becomes U+FFFD.
+    CZeList<char32_t> toUcs4() const;
+
+    // Editing
+
+    /// Inserts at `position`; one behind the end is first reached with spaces, a negative one refused.
+    CZeString& insert(int position, const CZeChar* units, int size);
+    CZeString& insert(int position, const CZeString& text);
+    CZeString& insert(int position, const CZeStringRef& text);
+    CZeString& insert(int position, CZeLatin1String text);
+    CZeString& insert(int position, CZeChar unit) { return insert(position, &unit, 1); }
+
+    /// Appends. Nothing happens for a null string or a size below 1. Appending a string to the null string
+    /// makes it a shared copy.
+    CZeString& append(const CZeString& text);
+    CZeString& append(const CZeChar* units, int size) { return insert(this->size(), units, size); }
+    CZeString& append(const CZeStringRef& text) { return insert(size(), text); }
+    CZeString& append(CZeLatin1String text) { return insert(size(), text); }
+    CZeString& append(CZeChar unit) { return insert(size(), &unit, 1); }
+
+    CZeString& operator+=(const CZeString& text) { return append(text); }
+    CZeString& operator+=(const CZeStringRef& text) { return append(text); }
+    CZeString& operator+=(CZeLatin1String text) { return append(text); }
+    CZeString& operator+=(CZeChar unit) { return append(unit); }
+    friend CZeString operator+(CZeString left, const CZeString& right) {
+        return std::move(left.append(right));
+    }
+    friend CZeString operator+(CZeString left, CZeLatin1String right) {
+        return std::move(left.append(right));
+    }
+    friend CZeString operator+(CZeString left, CZeChar right) { return std::move(left.append(right)); }
+
+    // Comparison: below, at or above 0 as this string sorts before, with or behind the other. With case the
+    // first differing units give the result by their difference, else the sizes do. Without case A to Z, and
+    // no other letters, count as a to z; the first differing code points decide, then the longer text sorts
+    // behind (±1).
+
+    int compare(const CZeString& other, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    int compare(const CZeStringRef& other, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    /// Without case a null view sorts behind every other text, even behind an empty one.
+    int compare(CZeLatin1String other, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+
+    friend bool operator==(const CZeString& l, const CZeString& r) { return l.isEqual(r); }
+    friend bool operator!=(const CZeString& l, const CZeString& r) { return !l.isEqual(r); }
+    friend bool operator<(const CZeString& l, const CZeString& r) { return l.compare(r) < 0; }
+    friend bool operator>(const CZeString& l, const CZeString& r) { return l.compare(r) > 0; }
+    friend bool operator<=(const CZeString& l, const CZeString& r) { return l.compare(r) <= 0; }
+    friend bool operator>=(const CZeString& l, const CZeString& r) { return l.compare(r) >= 0; }
+    friend bool operator==(const CZeString& l, CZeLatin1String r) { return l.compare(r) == 0; }
+    friend bool operator!=(const CZeString& l, CZeLatin1String r) { return l.compare(r) != 0; }
+    friend bool operator<(const CZeString& l, CZeLatin1String r) { return l.compare(r) < 0; }
+    friend bool operator>(const CZeString& l, CZeLatin1String r) { return l.compare(r) > 0; }
+    friend bool operator<=(const CZeString& l, CZeLatin1String r) { return l.compare(r) <= 0; }
+    friend bool operator>=(const CZeString& l, CZeLatin1String r) { return l.compare(r) >= 0; }
+
+    // Pieces. The views of the Ref variants point into this string object: it must outlive them unchanged.
+
+    /// `count` units from `position`, up to the end for a negative count. A position behind the end gives the
+    /// null string, one at the end the empty string; what lies before the first unit is dropped from the
+    /// range.
+    CZeString mid(int position, int count = -1) const { return CZeString(m_array.cut(position, count)); }
+    /// The first or the last `count` units; all of them when there are fewer or `count` is negative.
+    CZeString left(int count) const { return CZeString(m_array.cut(0, count)); }
+    CZeString right(int count) const { return CZeString(m_array.cutRight(count)); }
+    CZeStringRef midRef(int position, int count = -1) const;
+    CZeStringRef leftRef(int count) const;
+    CZeStringRef rightRef(int count) const;
+
+    // Cleaning
+
+    /// Without the white space (CZeChar::isSpace) at both ends. A temporary string with a block of its own
+    /// lends it to the result.
+    CZeString trimmed() const& { return trimmed_helper(*this); }
+    CZeString trimmed() && { return trimmed_helper(*this); }
+
+    // Numbers out: lower-case digits in bases 2 to 36, any other base counts as 10; a minus sign in every
+    // base.
+
+    CZeString& setNum(int value, int base = 10) { return setNum(long{value}, base); }
+    CZeString& setNum(unsigned int value, int base = 10) {
+        return setNum(static_cast<unsigned long>(value), base);
+    }
+    CZeString& setNum(long value, int base = 10);
+    CZeString& setNum(unsigned long value, int base = 10);
+    /// Formats as CZeByteArray::setNum does.
+    CZeString& setNum(double value, char format = 'g', int precision = 6);
+
+    static CZeString number(int value, int base = 10) { return number(long{value}, base); }
+    static CZeString number(unsigned int value, int base = 10) {
+        return number(static_cast<unsigned long>(value), base);
+    }
+    static CZeString number(long value, int base = 10) { return std::move(CZeString().setNum(value, base)); }
+    static CZeString number(unsigned long value, int base = 10) {
+        return std::move(CZeString().setNum(value, base));
+    }
+    static CZeString number(double value, char format = 'g', int precision = 6) {
+        return std::move(CZeString().setNum(value, format, precision));
+    }
+
+    // Formatting: a copy in which every occurrence of the lowest escape %0 to %99 gives way to the argument,
+    // so that chained calls fill %1, %2 and so on. `fill` pads the argument to the field width, before it
+    // when that is positive, behind it when negative. Without an escape the copy is unchanged and a warning
+    // is logged. A result that would be too long is the null string.
+
+    CZeString arg(const CZeString& argument, int fieldWidth = 0, CZeChar fill = ' ') const;
+    CZeString arg(CZeChar argument, int fieldWidth = 0, CZeChar fill = ' ') const;
+    CZeString arg(char argument, int fieldWidth = 0, CZeChar fill = ' ') const;
+    CZeString arg(long argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const;
+    CZeString arg(unsigned long argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const;
+    CZeString arg(int argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const {
+        return arg(long{argument}, fieldWidth, base, fill);
+    }
+    CZeString arg(unsigned int argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const {
+        return arg(static_cast<unsigned long>(argument), fieldWidth, base, fill);
+    }
+    CZeString arg(double argument, int fieldWidth = 0, char format = 'g', int precision = 6,
+                  CZeChar fill = ' ') const;
+
+private:
+    explicit CZeString(ze::SharedArray<CZeChar> array) : m_array(std::move(array)) {}
+
+    bool isEqual(const CZeString& other) const;
+    CZeChar* openGap(int position, int size);
+
+    static CZeString fromLatin1_helper(const char* text, int size);
+    static CZeString fromUtf8_helper(const char* text, int size);
+    static CZeByteArray toLatin1_helper(const CZeString& text);
+    static CZeByteArray toLatin1_helper_inplace(CZeString& text);
+    static CZeByteArray toUtf8_helper(const CZeString& text);
+    static CZeString trimmed_helper(const CZeString& text);
+    static CZeString trimmed_helper(CZeString& text);
+
+    ze::SharedArray<CZeChar> m_array;
+};
