@@ -12,13 +12,11 @@
 /// An empty directory that goes, with all that is in it, when the object does.
 class TempDirectory {
 public:
-    TempDirectory()
-    {
+    TempDirectory() {
         std::string pattern = (std::filesystem::temp_directory_path() / "ze_test_XXXXXX").string();
         m_path = mkdtemp(pattern.data());
     }
-    ~TempDirectory()
-    {
+    ~TempDirectory() {
         std::error_code ignored;
         std::filesystem::remove_all(m_path, ignored);
     }
@@ -33,8 +31,7 @@ private:
 };
 
 /// The bytes of a file; empty when there is none.
-inline std::string contentOf(const std::string& path)
-{
+inline std::string contentOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }

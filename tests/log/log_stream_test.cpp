@@ -1,0 +1,118 @@
+#include "core/tools/ze_string.h"
+#include "core/warning.h"
+#include "log/emit.h"
+#include "log/log_settings.h"
+#include "log/log_stream.h"
+#include "tests/support/log_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(LogFilter, DecidesByLevel) {
+    constexpr bool kPasses[4][3] = {
+        {false, false, false}, {false, false, true}, {false, true, true}, {true, true, true}};
+    const auto streams = {ZeLogInfo, ZeLogWarning, ZeLogError};
+    const auto printfs = {ZeLogInfof, ZeLogWarningf, ZeLogErrorf};
+    for (int filter = 0; filter < 4; ++filter) {
+        ZeSetLogFilter(filter);
+        ZeSetLogFilter(4); // ignored, as any other value
+        ZeSetLogFilter(-1);
+        for (int level = 0; level < 3; ++level) {
+            SCOPED_TRACE(testing::Message() << "filter " << filter << " level " << level);
+            const LogCapture log;
+            CZeLogStream(level, 0, nullptr, nullptr, false) << "explicit";
+            streams.begin()[level]({}) << "stream";
+            printfs.begin()[level]({}, "%s", "printf");
+            std::vector<LogCapture::Entry> expected;
+            if (kPasses[filter][level])
+                expected = {{4 + level, "glowfx", "explicit"},
+                            {4 + level, "glowfx", "stream"},
+                            {4 + level, "glowfx", "printf"}};
+            EXPECT_EQ(log.entries(), expected);
+            EXPECT_EQ(ZeIsLogLevelEnabled(level), kPasses[filter][level]);
+        }
+    }
+}
+
+TEST(LogStream, AppendsEveryKindOfPiece) {
+    const LogCapture log;
+    using std::numeric_limits;
+    ZeLogInfo() << "caf\xC3\xA9" << static_cast<const char*>(nullptr) << '|'
+                << CZeString::fromUtf8("\xE2\x82\xAC") << true << false << nullptr << '\xE9';
+    ZeLogInfo() << std::int16_t(-32768) << ' ' << std::uint16_t(65535) << ' ' << numeric_limits<int>::min()
+                << ' ' << numeric_limits<unsigned>::max() << ' ' << numeric_limits<std::int64_t>::min() << ' '
+                << numeric_limits<std::uint64_t>::max() << ' ' << numeric_limits<long long>::max() << ' '
+                << numeric_limits<unsigned long long>::max() << ' ' << std::int8_t(-5);
+    ZeLogInfo() << 0.1f << ' ' << 1234567.0 << ' ' << -2.5e-7 << ' ' << 3.0;
+    ZeLogInfo() << std::string(5000, 'x').c_str();
+    EXPECT_THAT(log.texts(),
+                ElementsAre("caf\xC3\xA9|\xE2\x82\xACtruefalse(nullptr)\xC3\xA9",
+                            "-32768 65535 -2147483648 4294967295 -9223372036854775808 18446744073709551615 "
+                            "9223372036854775807 18446744073709551615 -5",
+                            "0.1 1.23457e+06 -2.5e-07 3", std::string(5000, 'x')));
+}
+
+TEST(LogStream, EmitsOnceWhenTheLastCopyGoes) {
+    const LogCapture log;
+    auto first = std::make_unique<CZeLogStream>(ZeLogInfo());
+    CZeLogStream copy = *first;
+    *first << "one ";
+    first.reset();
+    copy << "message";
+    EXPECT_THAT(log.texts(), IsEmpty());
+    const CZeLogStream& self = copy;
+    copy = self;
+    copy = ZeLogError() << "other";
+    EXPECT_THAT(log.texts(), ElementsAre("one message"));
+    copy.setEnabled(false);
+    copy = ZeLogInfo();
+    EXPECT_THAT(log.texts(), ElementsAre("one message"));
+}
+
+TEST(LogPrefix, NamesThePlaceOnlyWithAFileName) {
+    const LogCapture log;
+    const SZeLogContext draw = {.line = 42, .fileName = "render", .functionName = "draw"};
+    const SZeLogContext nameless = {.line = 42, .functionName = "draw"};
+    const std::string longName(2000, 'n');
+    ZeLogWarning(draw) << "text";
+    ZeLogErrorf(draw, "%d", 7);
+    ZeLogInfo(nameless) << "text";
+    ZeLogInfof({.fileName = longName.c_str(), .functionName = "draw"}, "text");
+    ze::emit(nullptr, 0, draw);
+    EXPECT_THAT(log.texts(), ElementsAre("render(42), draw: text", "render(42), draw: 7", "text",
+                                         std::string(1023, 'n') + "text", "render(42), draw: "));
+}
+
+TEST(LogPrintf, CutsAt1023Bytes) {
+    const LogCapture log;
+    const SZeLogContext draw = {.line = 1, .fileName = "f", .functionName = "g"};
+    const std::string text(1024, 'x');
+    ZeLogInfof({}, "%.*s", 1023, text.c_str());
+    ZeLogInfof(draw, "%s", text.c_str());
+    ze::coreWarning("%s", text.c_str());
+    const std::string cut(1023, 'x');
+    EXPECT_EQ(log.entries(), (std::vector<LogCapture::Entry>{
+                                 {4, "glowfx", cut}, {4, "glowfx", "f(1), g: " + cut}, {5, "glowfx", cut}}));
+}
+
+TEST(LogConsole, MovesToStandardError) {
+    const LogCapture log;
+    testing::internal::CaptureStderr();
+    ZeSetConsoleToStandardError(true);
+    ZeLogError() << "100%s";
+    ZeLogInfof({}, "%s", "");
+    ZeSetConsoleToStandardError(false);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "100%s\n\n");
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+} // namespace
