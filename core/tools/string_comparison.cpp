@@ -16,7 +16,7 @@ char32_t foldedAt(View text, int index) {
         if (previous.isHighSurrogate())
             return CZeChar::codePoint(previous, unit);
     }
-    return unit >= u'A' && unit <= u'Z' ? unit.unicode() + char32_t{32} : unit.unicode();
+    return ze::foldAscii(unit.unicode());
 }
 
 template <class Left, class Right>

@@ -1,6 +1,72 @@
 // Parts of strings.
 
-#include "core/tools/string_ref.h"
+#include <algorithm>
+
+#include "core/tools/text_search.h"
+
+namespace {
+
+/// Calls `take` with the position and size of each part of `text` between two separators.
+template <class Take>
+void forEachPart(ze::Utf16View text, ze::Utf16View separator, Ze::CaseSensitivity cs, Take take) {
+    int start = 0;
+    int from = 0;
+    for (int end; (end = ze::findForward(text, from, separator, cs)) != -1;) {
+        take(start, end - start);
+        start = end + separator.count;
+        from = std::max(start, end + 1); // an empty separator must not be found in one place forever
+    }
+    take(start, text.count - start);
+}
+
+/// The parts as a list of what `piece` makes of position and size.
+template <class Element, class Piece>
+CZeList<Element> split_helper(ze::Utf16View text, ze::Utf16View separator, CZeString::SplitBehavior behavior,
+                              Ze::CaseSensitivity cs, Piece piece) {
+    CZeList<Element> parts;
+    forEachPart(text, separator, cs, [&](int position, int size) {
+        if (size > 0 || behavior == CZeString::KeepEmptyParts)
+            parts.append(piece(position, size));
+    });
+    return parts;
+}
+
+CZeStringList splitText(const CZeString& text, ze::Utf16View separator, CZeString::SplitBehavior behavior,
+                        Ze::CaseSensitivity cs) {
+    return split_helper<CZeString>(text, separator, behavior, cs,
+                                   [&text](int position, int size) { return text.mid(position, size); });
+}
+
+CZeStringRefList splitViews(const CZeString& text, ze::Utf16View separator, CZeString::SplitBehavior behavior,
+                            Ze::CaseSensitivity cs) {
+    return split_helper<CZeStringRef>(text, separator, behavior, cs, [&text](int position, int size) {
+        return CZeStringRef(&text, position, size);
+    });
+}
+
+CZeString section_helper(const CZeString& text, ze::Utf16View separator, int first, int last,
+                         Ze::CaseSensitivity cs) {
+    int parts = 0;
+    forEachPart(text, separator, cs, [&parts](int, int) { ++parts; });
+    first = std::max(first < 0 ? first + parts : first, 0);
+    last = std::min(last < 0 ? last + parts : last, parts - 1);
+    if (first > last)
+        return {};
+
+    int index = 0;
+    int begin = 0;
+    int end = 0;
+    forEachPart(text, separator, cs, [&](int position, int size) {
+        if (index == first)
+            begin = position;
+        if (index == last)
+            end = position + size;
+        ++index;
+    });
+    return text.mid(begin, end - begin);
+}
+
+} // namespace
 
 CZeStringRef CZeString::midRef(int position, int count) const {
     switch (ze::cutRange(size(), position, count)) {
@@ -22,4 +88,31 @@ CZeStringRef CZeString::leftRef(int count) const {
 
 CZeStringRef CZeString::rightRef(int count) const {
     return count < 0 ? midRef(0) : midRef(size() - count, count);
+}
+
+CZeStringList CZeString::split(const CZeString& separator, SplitBehavior behavior,
+                               Ze::CaseSensitivity cs) const {
+    return splitText(*this, separator, behavior, cs);
+}
+
+CZeStringList CZeString::split(CZeChar separator, SplitBehavior behavior, Ze::CaseSensitivity cs) const {
+    return splitText(*this, ze::Utf16View(&separator), behavior, cs);
+}
+
+CZeStringRefList CZeString::splitRef(const CZeString& separator, SplitBehavior behavior,
+                                     Ze::CaseSensitivity cs) const {
+    return splitViews(*this, separator, behavior, cs);
+}
+
+CZeStringRefList CZeString::splitRef(CZeChar separator, SplitBehavior behavior,
+                                     Ze::CaseSensitivity cs) const {
+    return splitViews(*this, ze::Utf16View(&separator), behavior, cs);
+}
+
+CZeString CZeString::section(const CZeString& separator, int first, int last, Ze::CaseSensitivity cs) const {
+    return section_helper(*this, separator, first, last, cs);
+}
+
+CZeString CZeString::section(CZeChar separator, int first, int last, Ze::CaseSensitivity cs) const {
+    return section_helper(*this, ze::Utf16View(&separator), first, last, cs);
 }

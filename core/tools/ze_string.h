@@ -190,6 +190,25 @@ public:
     CZeStringRef leftRef(int count) const;
     CZeStringRef rightRef(int count) const;
 
+    /// The parts between the occurrences of `separator`, at least one when empty parts are kept. An empty
+    /// separator lies before, between and behind all units.
+    CZeStringList split(const CZeString& separator, SplitBehavior behavior = KeepEmptyParts,
+                        Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    CZeStringList split(CZeChar separator, SplitBehavior behavior = KeepEmptyParts,
+                        Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    CZeStringRefList splitRef(const CZeString& separator, SplitBehavior behavior = KeepEmptyParts,
+                              Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    CZeStringRefList splitRef(CZeChar separator, SplitBehavior behavior = KeepEmptyParts,
+                              Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+
+    /// The text from the part `first` to the part `last` of those that `split` gives, with the separators
+    /// between them. Parts count from 0, or from −1 backwards from the last. The null string when the range
+    /// has no part.
+    CZeString section(const CZeString& separator, int first, int last = -1,
+                      Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    CZeString section(CZeChar separator, int first, int last = -1,
+                      Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+
     // Cleaning
 
     /// Without the white space (CZeChar::isSpace) at both ends. A temporary string with a block of its own
