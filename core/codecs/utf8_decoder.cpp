@@ -1,9 +1,9 @@
 #include "core/codecs/utf8_decoder.h"
 
+#include "core/tools/latin1.h"
+
 #include <cstring>
 #include <utility>
-
-#include "core/tools/latin1.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include <cstdint>
-
 #include "core/tools/ze_char.h"
+
+#include <cstdint>
 
 namespace ze {
 

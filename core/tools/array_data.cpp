@@ -1,10 +1,10 @@
 #include "core/tools/array_data.h"
 
+#include "core/tools/block_size.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <new>
-
-#include "core/tools/block_size.h"
 
 namespace {
 

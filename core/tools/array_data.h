@@ -2,11 +2,11 @@
 
 #pragma once
 
+#include "core/export.h"
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-
-#include "core/export.h"
 
 /// A block of elements shared between containers by reference counting: this header, then the elements at
 /// `dataOffset` bytes from its start. Copies of a container may be made, read and destroyed on different

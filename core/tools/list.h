@@ -2,11 +2,11 @@
 
 #pragma once
 
+#include "core/tools/array_data.h"
+
 #include <cstdint>
 #include <memory>
 #include <utility>
-
-#include "core/tools/array_data.h"
 
 /// Elements in one shared block; copies are cheap and independent, as with strings. `T` is relocatable by a
 /// copy of its bytes, copies without throwing and needs an alignment of at most 8.

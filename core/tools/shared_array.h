@@ -2,13 +2,13 @@
 
 #pragma once
 
+#include "core/tools/array_data.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
 #include <utility>
-
-#include "core/tools/array_data.h"
 
 namespace ze {
 

@@ -1,9 +1,9 @@
 // The replacement of numbered escapes.
 
-#include <algorithm>
-
 #include "core/tools/text_view.h"
 #include "core/warning.h"
+
+#include <algorithm>
 
 namespace {
 

@@ -1,9 +1,9 @@
 // Strings without their white space.
 
+#include "core/tools/text_view.h"
+
 #include <algorithm>
 #include <iterator>
-
-#include "core/tools/text_view.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // The order of strings.
 
+#include "core/tools/text_view.h"
+
 #include <algorithm>
 #include <cstring>
-
-#include "core/tools/text_view.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // Strings from and to other encodings. The numbers are in string_numbers.cpp.
 
-#include <cstring>
-
 #include "core/codecs/utf8_decoder.h"
 #include "core/tools/latin1.h"
 #include "core/tools/ze_string.h"
+
+#include <cstring>
 
 namespace {
 

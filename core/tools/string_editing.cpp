@@ -1,11 +1,11 @@
 // Changes to the contents of strings.
 
+#include "core/tools/latin1.h"
+#include "core/tools/string_ref.h"
+
 #include <algorithm>
 #include <cstring>
 #include <functional>
-
-#include "core/tools/latin1.h"
-#include "core/tools/string_ref.h"
 
 /// Moves the units from `position` on by `size` units and returns the first of those in between, for the
 /// caller to fill. A position behind the end is first reached with spaces. Null, and nothing done, when there

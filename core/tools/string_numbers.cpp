@@ -1,8 +1,8 @@
 // Numbers as text.
 
-#include <iterator>
-
 #include "core/tools/ze_string.h"
+
+#include <iterator>
 
 namespace {
 

@@ -1,8 +1,8 @@
 // Parts of strings.
 
-#include <algorithm>
-
 #include "core/tools/text_search.h"
+
+#include <algorithm>
 
 namespace {
 

@@ -1,8 +1,8 @@
 // Text in text.
 
-#include <algorithm>
-
 #include "core/tools/text_search.h"
+
+#include <algorithm>
 
 int ze::findForward(Utf16View haystack, int from, Utf16View needle, Ze::CaseSensitivity cs) {
     if (from < 0)

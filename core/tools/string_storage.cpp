@@ -1,8 +1,8 @@
 // Construction and storage of strings.
 
-#include <algorithm>
-
 #include "core/tools/ze_string.h"
+
+#include <algorithm>
 
 namespace {
 
