@@ -55,6 +55,7 @@ TEST(Dir, MkpathMakesWhatIsMissing) {
     EXPECT_TRUE(mkpath("///"));
     EXPECT_FALSE(mkpath(root / std::string(300, 'n')));
     EXPECT_FALSE(mkpath("/" + std::string(5000, 'n')));
+    EXPECT_FALSE(mkpath("/proc/none/below")); // always ENOENT, although the parent exists
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 

@@ -11,18 +11,21 @@ LogCapture* g_innermost = nullptr;
 
 } // namespace
 
+// The logger is set without the lock: the Android log calls it under a lock of its own.
 LogCapture::LogCapture() {
-    const std::lock_guard lock(g_mutex);
-    m_outer = g_innermost;
-    g_innermost = this;
+    {
+        const std::lock_guard lock(g_mutex);
+        m_outer = g_innermost;
+        g_innermost = this;
+    }
     __android_log_set_logger(record);
 }
 
 LogCapture::~LogCapture() {
-    const std::lock_guard lock(g_mutex);
-    g_innermost = m_outer;
     if (!m_outer)
         __android_log_set_logger(__android_log_stderr_logger);
+    const std::lock_guard lock(g_mutex);
+    g_innermost = m_outer;
 }
 
 void LogCapture::record(const __android_logger_data* data, const char* text) {
