@@ -1,8 +1,11 @@
 #include "log/file_logger.h"
 
 #include <chrono>
-#include <optional>
+#include <cstring>
+#include <ctime>
+#include <string>
 #include <system_error>
+#include <utility>
 
 #include <unistd.h>
 
@@ -28,12 +31,11 @@ FileLogger::~FileLogger() {
 void FileLogger::enqueue(const char* text) {
     {
         const std::lock_guard lock(m_mutex);
-        const std::time_t now = std::time(nullptr);
-        if (now != m_stampTime) {
-            m_stamp = timeStamp(localTime(now));
-            m_stampTime = now;
-        }
-        m_queue.push_back("[" + m_stamp + "] " + text);
+        const std::string& stamp = m_timeStamp.of(std::time(nullptr));
+        std::string line;
+        line.reserve(stamp.size() + std::strlen(text) + 3); // the brackets and the space
+        line.append("[").append(stamp).append("] ").append(text);
+        m_queue.push_back(std::move(line));
     }
     m_wake.notify_one();
 }

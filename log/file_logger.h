@@ -4,11 +4,10 @@
 
 #include "core/tools/ze_string.h"
 #include "log/log_file.h"
+#include "log/log_schedule.h"
 
 #include <condition_variable>
-#include <ctime>
 #include <mutex>
-#include <string>
 #include <thread>
 
 #include <sys/types.h>
@@ -44,8 +43,7 @@ private:
     bool m_stop = false;
     CZeString m_rootDirectory;
     LogLines m_queue;
-    std::time_t m_stampTime = -1;
-    std::string m_stamp; // the formatted m_stampTime: formatting costs more than all the rest of a line
+    TimeStamp m_timeStamp;
 };
 
 } // namespace ze

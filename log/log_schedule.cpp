@@ -25,11 +25,15 @@ std::optional<std::tm> localTime(std::time_t time) {
     return localtime_r(&time, &result) ? std::optional(result) : std::nullopt;
 }
 
-std::string timeStamp(const std::optional<std::tm>& time) {
-    char stamp[64] = "";
-    if (time)
-        std::strftime(stamp, sizeof stamp, "%Y-%m-%d %H:%M:%S", &*time);
-    return stamp;
+const std::string& TimeStamp::of(std::time_t time) {
+    if (m_time == time)
+        return m_text;
+    char text[64] = "";
+    if (const std::optional<std::tm> local = localTime(time))
+        std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &*local);
+    m_time = time;
+    m_text = text;
+    return m_text;
 }
 
 } // namespace ze

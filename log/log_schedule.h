@@ -32,7 +32,16 @@ CZeString logFileName(const CZeString& loggerName, const std::tm& date);
 /// The local time; nothing when it cannot be converted.
 std::optional<std::tm> localTime(std::time_t time);
 
-/// As in "2024-03-05 23:59:59"; empty without a time.
-std::string timeStamp(const std::optional<std::tm>& time);
+/// Formats local times. The last one is kept: formatting costs more than all the rest of a line in the log,
+/// and most lines share their second with the one before.
+class TimeStamp {
+public:
+    /// As in "2024-03-05 23:59:59"; empty when the time cannot be converted.
+    const std::string& of(std::time_t time);
+
+private:
+    std::optional<std::time_t> m_time;
+    std::string m_text;
+};
 
 } // namespace ze

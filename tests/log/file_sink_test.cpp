@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <thread>
 
@@ -40,8 +41,14 @@ TEST(FileSinkDeathTest, LetsTheProcessExitWhileThreadsLog) {
     EXPECT_EXIT(exitWhileThreadsLog(), testing::ExitedWithCode(EXIT_SUCCESS), "");
 }
 
+TEST(FileSinkDeathTest, StartsNoLoggerAfterTheEnd) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(std::exit(EXIT_SUCCESS), testing::ExitedWithCode(EXIT_SUCCESS), "");
+}
+
 TEST(FileSink, LetsAForkedChildExit) {
     ze::setLogRootDirectory(CZeString()); // starts the writer, which the child does not have
+    std::this_thread::sleep_for(std::chrono::milliseconds(50)); // until it waits
     const pid_t child = fork();
     if (child == 0) {
         alarm(10);

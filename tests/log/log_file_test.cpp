@@ -40,8 +40,21 @@ TEST(LogSchedule, Limits) {
     EXPECT_FALSE(ze::isAnotherDay(kFifth, lastSecond));
     for (const std::tm& other : {kSixth, dateOf(2024, 4, 5), dateOf(2025, 3, 5)})
         EXPECT_TRUE(ze::isAnotherDay(kFifth, other));
-    EXPECT_EQ(ze::timeStamp(lastSecond), "2024-03-05 23:59:59");
-    EXPECT_EQ(ze::timeStamp(ze::localTime(std::numeric_limits<std::time_t>::max())), "");
+}
+
+TEST(LogSchedule, StampsEveryTimeWithItsOwnText) {
+    std::tm date = dateOf(2024, 3, 5);
+    date.tm_hour = 23;
+    date.tm_min = 59;
+    date.tm_sec = 58;
+    date.tm_isdst = -1;
+    const std::time_t time = std::mktime(&date);
+    ze::TimeStamp stamp;
+    EXPECT_EQ(stamp.of(time), "2024-03-05 23:59:58");
+    EXPECT_EQ(stamp.of(time), "2024-03-05 23:59:58");
+    EXPECT_EQ(stamp.of(time + 2), "2024-03-06 00:00:00");
+    EXPECT_EQ(stamp.of(std::numeric_limits<std::time_t>::max()), "");
+    EXPECT_EQ(stamp.of(time), "2024-03-05 23:59:58");
 }
 
 class LogFileTest : public testing::Test {
