@@ -1,0 +1,188 @@
+// zebeauty as its users meet it.
+
+#include "tests/support/temp_directory.h"
+#include "tests/tool/png_bytes.h"
+#include "tool/chart.h"
+#include "tool/gl_info.h"
+#include "tool/picture_reader.h"
+#include "tool/picture_writer.h"
+
+#include <gmock/gmock.h>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+using namespace ze::tool;
+using namespace std::string_literals;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+namespace {
+
+constexpr char kNoGl[] = "__EGL_VENDOR_LIBRARY_FILENAMES=/dev/null";
+
+class Program : public testing::Test {
+protected:
+    void write(const std::string& name, const std::string& bytes) {
+        std::ofstream(m_directory / name, std::ios::binary) << bytes;
+    }
+
+    void write(const std::string& name, const Picture& picture) {
+        const std::vector<uint8_t> bytes = encodePicture(picture, pictureFormatOf(name).value());
+        write(name, std::string(bytes.begin(), bytes.end()));
+    }
+
+    // Runs the program in the directory, with a shell's quoting, and returns its exit code.
+    int run(const std::string& arguments, const std::string& environment = "") {
+        const std::string command = "cd '" + m_directory.path() + "' && " + environment + " '" ZEBEAUTY "' " +
+                                    arguments + " >'" + (m_streams / "out") + "' 2>'" + (m_streams / "err") +
+                                    "'";
+        const int status = std::system(command.c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    std::string errorText() const { return contentOf(m_streams / "err"); }
+    std::string outputText() const { return contentOf(m_streams / "out"); }
+    Picture read(const std::string& name) const { return readPicture(m_directory / name); }
+
+    std::set<std::string> fileNames() const {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_directory.path()))
+            names.insert(entry.path().filename());
+        return names;
+    }
+
+    TempDirectory m_directory;
+    TempDirectory m_streams;
+};
+
+} // namespace
+
+TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
+    const Picture chart = drawChart(40, 30, ChartNoise::speckled);
+    write("in.png", chart);
+    write("in.jpg", chart);
+    write("kept.png", "precious"s);
+    write("text.png", "no picture\n"s);
+    write("empty.png", ""s);
+    const std::string png = contentOf(m_directory / "in.png");
+    write("short.png", png.substr(0, png.size() / 2));
+    write("flipped.png", png.substr(0, 600) + static_cast<char>(png[600] ^ 1) + png.substr(601));
+    const std::string jpeg = contentOf(m_directory / "in.jpg");
+    write("short.jpg", jpeg.substr(0, jpeg.size() / 2));
+    write("huge.png", pngBytes(100000, 100000, 8, 2, "\0"s));
+    write("list.png", "#EXTM3U\n#EXTINF:1,\nin.png\n"s);
+    std::filesystem::create_directory(m_directory / "folder.png");
+    const auto before = fileNames();
+
+    const struct {
+        const char* arguments;
+        int code;
+        const char* reason; // After "zebeauty: ".
+        const char* environment = "";
+    } cases[] = {
+        {"", 2, "no command"},
+        {"frob", 2, ".*frob"},
+        {"render in.png", 2, "OUTPUT is required"},
+        {"render in.png out.png --frob", 2, ".*--frob"},
+        {"render in.png out.png --smooth 1.01", 2, "--smooth: "},
+        {"render in.png out.png --smooth nan", 2, "--smooth: "},
+        {"render in.png out.png --whiten -0.1", 2, "--whiten: "},
+        {"render in.png out.png --whiten x", 2, "--whiten: "},
+        {"render in.png out.png --format nv16", 2, "--format: "},
+        {"render in.png out.png --standard bt2020", 2, "--standard: "},
+        {"render in.png out.png --range narrow", 2, "--range: "},
+        {"render in.png out.gif", 2, "out.gif: unknown extension"},
+        {"render in.png out", 2, "out: unknown extension"},
+        {"render in.png out.png --compare both.bmp", 2, "both.bmp: unknown extension"},
+        {"render in.png out.png --compare ./out.png", 2, "./out.png: is named as OUTPUT"},
+        {"render in.png kept.png", 2, "kept.png: exists already"},
+        {"render in.png out.png --compare kept.png", 2, "kept.png: exists already"},
+        {"render in.png in.png", 2, "in.png: exists already"},
+        {"render -y in.png folder.png", 2, "folder.png: is a directory"},
+        {"chart kept.png", 2, "kept.png: exists already"},
+        {"chart out.png --size 0x5", 2, "--size: "},
+        {"chart out.png --size 5x5x5", 2, "--size: "},
+        {"render missing.png out.png", 3, "missing.png: cannot be read: No such file"},
+        {"render folder.png out.png", 3, "folder.png: is a directory"},
+        {"render 'a\nb.png' out.png", 3, "a b.png: cannot be read"},
+        {"render text.png out.png", 3, "text.png: is no valid picture"},
+        {"render empty.png out.png", 3, "empty.png: is no valid picture"},
+        {"render list.png out.png", 3, "list.png: is no valid picture"},
+        {"render short.png out.png", 3, "short.png: is no valid picture"},
+        {"render flipped.png out.png", 3, "flipped.png: is no valid picture .*CRC"},
+        {"render short.jpg out.png", 3, "short.jpg: is no valid picture"},
+        {"render huge.png out.png", 1, "huge.png: .*100000x100000"},
+        {"render in.png no/out.png --smooth 0 --whiten 0", 1, "no/out.png: cannot be written: No such file"},
+        {"render in.png /proc/out.png --smooth 0 --whiten 0", 1, "/proc/out.png: cannot be written: "},
+        {"render in.png out.png --compare no/b.png --smooth 0 --whiten 0", 1,
+         "no/b.png: cannot be written: "},
+        {"chart no/out.png", 1, "no/out.png: cannot be written: "},
+        {"render in.png out.png", 4, "in.png: no EGL with OpenGL ES 2.0: eglGetDisplay failed", kNoGl},
+        {"render in.png out.png", 4, "in.png: no EGL with OpenGL ES 2.0: eglInitialize failed",
+         "EGL_PLATFORM=bogus"},
+        {"info", 4, "no EGL", kNoGl},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(run(c.arguments, c.environment), c.code) << c.arguments;
+        EXPECT_THAT(errorText(), MatchesRegex("zebeauty: "s + c.reason + "[^\n]*\n")) << c.arguments;
+        EXPECT_EQ(outputText(), "") << c.arguments;
+        EXPECT_EQ(fileNames(), before) << c.arguments;
+    }
+    EXPECT_EQ(contentOf(m_directory / "kept.png"), "precious");
+    EXPECT_EQ(contentOf(m_directory / "in.png"), png);
+}
+
+TEST_F(Program, WritesTheSamePixelsInBothLayoutsWithoutAnEffectAndWithoutGl) {
+    Picture chart = drawChart(33, 17, ChartNoise::speckled);
+    chart.alpha.assign(33 * 17, 200);
+    write("in.png", chart);
+    ASSERT_EQ(run("render in.png a.png --smooth 0 --whiten 0 --compare both.png", kNoGl), 0) << errorText();
+    ASSERT_EQ(run("render in.png b.png --smooth 0 --whiten 0 --format nv21", kNoGl), 0) << errorText();
+    const Picture after = read("a.png");
+    EXPECT_EQ(contentOf(m_directory / "a.png"), contentOf(m_directory / "b.png"));
+    EXPECT_EQ(after.alpha, chart.alpha);
+
+    const Picture both = read("both.png");
+    ASSERT_EQ(std::pair(both.width, both.height), std::pair(66, 17));
+    for (int y = 0; y < 17; ++y)
+        for (int x = 0; x < 33; ++x) {
+            ASSERT_EQ(both.at(x, y), chart.at(x, y));
+            ASSERT_EQ(both.at(33 + x, y), after.at(x, y));
+        }
+    EXPECT_EQ(outputText() + errorText(), "");
+    EXPECT_EQ(fileNames(), (std::set<std::string>{"in.png", "a.png", "b.png", "both.png"}));
+}
+
+TEST_F(Program, OverwritesOnRequestBehindLinksWithTheOldPermissions) {
+    write("in.png", drawChart(40, 30, ChartNoise::speckled));
+    const std::string old = contentOf(m_directory / "in.png");
+    chmod((m_directory / "in.png").c_str(), 0640);
+    std::filesystem::create_symlink("in.png", m_directory / "link.png");
+    ASSERT_EQ(run("render -y in.png link.png --smooth 0 --whiten 0"), 0) << errorText();
+    EXPECT_TRUE(std::filesystem::is_symlink(m_directory / "link.png"));
+    EXPECT_NE(contentOf(m_directory / "in.png"), old);
+    struct stat now = {};
+    stat((m_directory / "in.png").c_str(), &now);
+    EXPECT_EQ(now.st_mode & 0777, 0640u);
+    EXPECT_EQ(read("in.png").width, 40);
+    ASSERT_EQ(run("chart -y in.png --size 7x5"), 0) << errorText();
+    EXPECT_EQ(read("in.png").rgb, drawChart(7, 5, ChartNoise::speckled).rgb);
+}
+
+TEST_F(Program, RendersUpToTheLimitOfTheGpu) {
+    if (run("info") == 4)
+        GTEST_SKIP() << "there is no OpenGL ES here";
+    const int limit = queryGl().maxTextureSize;
+    EXPECT_THAT(outputText(), MatchesRegex("EGL vendor: .+\nEGL version: .+\nGL vendor: .+\nGL renderer: .+\n"
+                                           "GL version: OpenGL ES .+\nGL_MAX_TEXTURE_SIZE: " +
+                                           std::to_string(limit) + "\n"));
+    write("limit.png", Picture(limit, 1));
+    write("over.png", Picture(1, limit + 1));
+    EXPECT_EQ(run("render limit.png out.jpg"), 0) << errorText();
+    EXPECT_EQ(read("out.jpg").width, limit);
+    EXPECT_EQ(run("render over.png out.png"), 1);
+    EXPECT_THAT(errorText(), HasSubstr("over.png: 1x" + std::to_string(limit + 1)));
+    EXPECT_THAT(errorText(), HasSubstr("limit is " + std::to_string(limit)));
+    EXPECT_FALSE(std::filesystem::exists(m_directory / "out.png"));
+}

@@ -1,0 +1,22 @@
+// What the machine offers for drawing.
+
+#pragma once
+
+#include <string>
+
+namespace ze::tool {
+
+struct GlInfo {
+    std::string eglVendor;
+    std::string eglVersion;
+    std::string vendor;
+    std::string renderer;
+    std::string version;
+    int maxTextureSize = 0; ///< Largest width and height of a frame, in pixels.
+};
+
+/// Asks an OpenGL ES 2.0 context of its own, which is gone again afterwards. Throws `Failure` (`noGl`) that
+/// names the step that failed when there is no EGL or no OpenGL ES.
+GlInfo queryGl();
+
+} // namespace ze::tool
