@@ -39,8 +39,10 @@ CZeByteArray& CZeByteArray::operator=(const char* text) {
     if (!fits) {
         constexpr std::less<> before;
         const bool isOwnText = !before(text, begin()) && before(text, end());
-        if (isOwnText)
-            return *this = CZeByteArray(text, int(length));
+        if (isOwnText) {
+            const CZeByteArray copy(text, int(length));
+            return copy.isNull() ? *this : *this = copy.constData();
+        }
         if (!m_array.reallocData(needed, m_array.keptOptions()))
             return *this;
     }

@@ -1,0 +1,237 @@
+#include "core/tools/array_data.h"
+
+#include "core/tools/block_size.h"
+#include "core/tools/shared_array.h"
+#include "tests/core/text.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <climits>
+
+namespace {
+
+constexpr size_t kImpossible = ze::BlockSize::kImpossible;
+constexpr size_t kMax = INT_MAX;
+constexpr size_t kHeader = sizeof(SZeArrayData);
+
+TEST(BlockSize, FollowsThe32BitRules) {
+    const struct {
+        size_t elementSize, capacity, headerSpace;
+        bool geometric;
+        size_t bytes, stored;
+    } rows[] = {
+        {1, 8, 24, false, 32, 8},
+        {2, 8, 24, false, 40, 8},
+        {1, 7, 24, true, 32, 8},
+        {1, 8, 24, true, 64, 40}, // an exact power of two is rounded up as well
+        {1, 9, 24, true, 64, 40},
+        {2, 4, 24, true, 64, 20},
+        {2, 5, 24, true, 64, 20},
+        {12, 1, 24, true, 64, 3},
+        {1, 8, 32, true, 64, 32}, // slack for alignment is no room for elements
+        {0, 100, 24, false, 24, 100},
+        {0, 100, 24, true, 32, 0},
+        {1, 0, 0, true, 1, 1},
+        {1, (1U << 30) - 25, 24, true, 1U << 30, (1U << 30) - 24},
+        {1, (1U << 30) - 24, 24, true, 3U << 29, (3U << 29) - 24}, // half the way to the limit
+        {1, (3U << 29) - 24, 24, true, 7U << 28, (7U << 28) - 24},
+        {1, kMax - 24, 24, true, kMax, kMax - 24},
+        {1, kMax - 24, 24, false, kMax, kMax - 24},
+        {1, kMax - 23, 24, false, kImpossible, kMax - 23},
+        {1, kMax - 23, 24, true, kImpossible, kMax - 23},
+        {2, (kMax - 24) / 2, 24, false, kMax - 1, (kMax - 24) / 2},
+        {2, (kMax - 24) / 2 + 1, 24, false, kImpossible, (kMax - 24) / 2 + 1},
+        {2, 1U << 31, 24, false, kImpossible, 1U << 31}, // the product wraps to 0 in 32 bits
+        {1U << 16, 1U << 16, 24, false, kImpossible, 1U << 16},
+        {SIZE_MAX, 2, 24, false, kImpossible, 2},
+        {2, SIZE_MAX, 24, true, kImpossible, SIZE_MAX},
+        {1, 1, kMax + 1, false, kImpossible, 1},
+    };
+    for (const auto& row : rows) {
+        const ze::BlockSize size =
+            ze::blockSize(row.elementSize, row.capacity, row.headerSpace, row.geometric);
+        SCOPED_TRACE(testing::Message() << row.elementSize << " x " << row.capacity << " + "
+                                        << row.headerSpace << (row.geometric ? " geometric" : ""));
+        EXPECT_EQ(size.bytes, row.bytes);
+        EXPECT_EQ(size.capacity, row.stored);
+    }
+}
+
+TEST(ArrayData, AllocateFillsTheHeader) {
+    using D = SZeArrayData;
+    const struct {
+        size_t elementSize, alignment, capacity;
+        int options, refCount;
+        uint32_t stored, reserved;
+    } rows[] = {
+        {1, 8, 5, 0, 1, 5, 0},
+        {2, 8, 5, D::ReserveCapacity, 1, 5, 1},
+        {4, 8, 5, D::NonShared | D::GrowGeometric, 0, 10, 0},
+        {1, 64, 100, D::ReserveCapacity | D::GrowGeometric, 1, 256 - 24 - 56, 1},
+        {8, 32, 3, 0, 1, 3, 0},
+        {1, 8, 0, D::HeaderOnly, 1, 0, 0},
+        {1, 4, 9, 0, 1, 9, 0},
+    };
+    for (const auto& row : rows) {
+        D* const block = D::allocate(row.elementSize, row.alignment, row.capacity, row.options);
+        ASSERT_TRUE(block);
+        EXPECT_EQ(block->refCount, row.refCount);
+        EXPECT_EQ(block->size, 0);
+        EXPECT_EQ(block->capacity, row.stored);
+        EXPECT_EQ(block->reserved, row.reserved);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(block->data()) % row.alignment, 0U);
+        EXPECT_GE(block->dataOffset, ptrdiff_t{kHeader});
+        EXPECT_TRUE(row.alignment > 8 || block->dataIsInline());
+        std::memset(block->data(), 0x66, block->capacity * row.elementSize);
+        D::deallocate(block, row.elementSize, row.alignment);
+    }
+}
+
+TEST(ArrayData, WithoutCapacityThereIsNothingToAllocate) {
+    SZeArrayData* const empty = SZeArrayData::allocate(1, 8, 0, SZeArrayData::ReserveCapacity);
+    SZeArrayData* const nonShared = SZeArrayData::allocate(2, 8, 0, SZeArrayData::NonShared);
+    EXPECT_EQ(empty, SZeArrayData::allocate(2, 64, 0, SZeArrayData::GrowGeometric));
+    EXPECT_NE(empty, nonShared);
+    EXPECT_EQ(empty->refCount, -1);
+    EXPECT_EQ(nonShared->refCount, 0);
+    for (SZeArrayData* block : {empty, nonShared, SZeArrayData::shared_null + 0}) {
+        EXPECT_EQ(block->size, 0);
+        EXPECT_EQ(block->capacity, 0U);
+        EXPECT_EQ(*static_cast<const uint64_t*>(block->data()) & 0xFFFFFFFF, 0U); // terminates any element
+    }
+    SZeArrayData::deallocate(nonShared, 2, 8);
+    EXPECT_TRUE(nonShared->release()); // its count says "free me", deallocate ignores it
+    SZeArrayData::deallocate(nonShared, 2, 8);
+}
+
+TEST(ArrayData, WhatCannotBeHadIsNull) {
+    SZeArrayData* const block = SZeArrayData::allocate(2, 8, 10, 0);
+    EXPECT_FALSE(SZeArrayData::allocate(2, 8, kMax / 2, 0));
+    EXPECT_FALSE(SZeArrayData::allocate(1, size_t{1} << 40, 1, 0));
+    EXPECT_FALSE(SZeArrayData::reallocateUnaligned(block, 2, kMax, SZeArrayData::GrowGeometric));
+    EXPECT_EQ(block->capacity, 10U);
+    SZeArrayData::deallocate(block, 2, 8);
+}
+
+TEST(ArrayData, ReallocateKeepsWhatItDoesNotSet) {
+    SZeArrayData* block = SZeArrayData::allocate(2, 8, 4, SZeArrayData::NonShared);
+    block->size = 3;
+    std::memcpy(block->data(), "abcdef", 6);
+    const int options = SZeArrayData::GrowGeometric | SZeArrayData::ReserveCapacity;
+    block = SZeArrayData::reallocateUnaligned(block, 2, 1000, options);
+    EXPECT_EQ(block->capacity, (2048 - kHeader) / 2);
+    EXPECT_EQ(block->reserved, 1U);
+    block = SZeArrayData::reallocateUnaligned(block, 2, 4, 0);
+    EXPECT_EQ(block->capacity, 4U);
+    EXPECT_EQ(block->reserved, 0U);
+    EXPECT_EQ(block->refCount, 0);
+    EXPECT_EQ(block->size, 3);
+    EXPECT_TRUE(block->dataIsInline());
+    EXPECT_EQ(std::memcmp(block->data(), "abcdef", 6), 0);
+    SZeArrayData::deallocate(block, 2, 8);
+}
+
+TEST(ArrayData, CountsOnlyBlocksThatMayBeShared) {
+    const struct {
+        int before;
+        bool mayShare, shared;
+        int acquired;
+        bool last;
+        int released;
+    } rows[] = {
+        {-1, true, false, -1, false, -1},
+        {0, false, false, 0, true, 0},
+        {1, true, false, 2, false, 1},
+        {2, true, true, 3, false, 2},
+    };
+    for (const auto& row : rows) {
+        SZeArrayData block = {{row.before}, 0, 0, 0, 0};
+        EXPECT_EQ(block.isShared(), row.shared) << row.before;
+        EXPECT_EQ(block.acquire(), row.mayShare) << row.before;
+        EXPECT_EQ(block.refCount, row.acquired) << row.before;
+        EXPECT_EQ(block.release(), row.last) << row.before;
+        EXPECT_EQ(block.refCount, row.released) << row.before;
+    }
+    SZeArrayData one = {{1}, 0, 0, 0, 0};
+    EXPECT_TRUE(one.release());
+}
+
+TEST(ArrayData, StaticBlocksAreNeverWritten) {
+    std::array<char, 2 * kHeader> null, empty;
+    const void* const emptyBlock = SZeArrayData::allocate(1, 8, 0, 0);
+    std::memcpy(null.data(), SZeArrayData::shared_null, null.size());
+    std::memcpy(empty.data(), emptyBlock, empty.size());
+    for (const CZeString& start : {CZeString(), CZeString(CZeLatin1String(""))}) {
+        CZeString s = start;
+        CZeString copy = s;
+        s.data();
+        s.fill('x');
+        s.resize(0);
+        s = start;
+        s.truncate(0);
+        s.insert(0, CZeString());
+        s = start;
+        s.reserve(4);
+        EXPECT_GE(s.capacity(), 5);
+        CZeByteArray b = std::move(copy).toLatin1();
+        b.resize(3);
+        b.resize(0);
+        CZeByteArray().resize(0);
+        CZeStringList list = start.split(',', CZeString::SkipEmptyParts);
+        list.append(start);
+    }
+    EXPECT_EQ(std::memcmp(null.data(), SZeArrayData::shared_null, null.size()), 0);
+    EXPECT_EQ(std::memcmp(empty.data(), emptyBlock, empty.size()), 0);
+}
+
+TEST(Cut, LeavesTheRangeInside) {
+    using ze::Cut;
+    const struct {
+        int length, position, count;
+        Cut cut;
+        int cutPosition, cutCount;
+    } rows[] = {
+        {10, 11, 0, Cut::Null, 0, 0},
+        {10, 10, 5, Cut::Empty, 0, 0},
+        {10, 10, -1, Cut::Empty, 0, 0},
+        {10, -2, 5, Cut::Subset, 0, 3},
+        {10, -2, 2, Cut::Null, 0, 0},
+        {10, -2, 1, Cut::Null, 0, 0},
+        {10, -2, 12, Cut::Full, 0, 0},
+        {10, -2, -1, Cut::Full, 0, 0},
+        {10, -2, 11, Cut::Subset, 0, 9},
+        {10, 0, 10, Cut::Full, 0, 0},
+        {10, 0, -1, Cut::Full, 0, 0},
+        {10, 0, 0, Cut::Empty, 0, 0},
+        {10, 3, 0, Cut::Empty, 0, 0},
+        {10, 3, 4, Cut::Subset, 3, 4},
+        {10, 3, INT_MAX, Cut::Subset, 3, 7},
+        {10, 3, INT_MIN, Cut::Subset, 3, 7},
+        {10, INT_MIN, INT_MAX, Cut::Null, 0, 0},
+        {0, 0, 0, Cut::Full, 0, 0},
+        {0, 0, 3, Cut::Full, 0, 0},
+        {0, 1, 0, Cut::Null, 0, 0},
+    };
+    for (const auto& row : rows) {
+        int position = row.position;
+        int count = row.count;
+        SCOPED_TRACE(testing::Message() << row.length << ": " << position << ", " << count);
+        EXPECT_EQ(ze::cutRange(row.length, position, count), row.cut);
+        if (row.cut == Cut::Subset) {
+            EXPECT_EQ(position, row.cutPosition);
+            EXPECT_EQ(count, row.cutCount);
+        }
+    }
+    const CZeByteArray array("0123456789");
+    EXPECT_TRUE(array.mid(11).isNull());
+    EXPECT_TRUE(array.mid(10).isEmpty() && !array.mid(10).isNull());
+    EXPECT_EQ(array.mid(-3, 20).constData(), array.constData());
+    EXPECT_EQ(array.left(-1).constData(), array.constData());
+    EXPECT_EQ(array.right(10).constData(), array.constData());
+    EXPECT_EQ(array.right(-1).constData(), array.constData());
+    EXPECT_EQ(array.left(3), CZeByteArray("012"));
+    EXPECT_EQ(array.right(3), CZeByteArray("789"));
+}
+
+} // namespace

@@ -1,0 +1,199 @@
+#include "core/tools/byte_array.h"
+
+#include "tests/core/text.h"
+
+#include <gmock/gmock.h>
+
+#include <climits>
+
+namespace {
+
+TEST(ByteArray, TellsNullFromEmpty) {
+    const struct {
+        const char* name;
+        CZeByteArray array;
+        bool null;
+        std::string contents;
+        int capacity;
+    } rows[] = {
+        {"default", CZeByteArray(), true, "", 0},
+        {"null pointer", CZeByteArray(nullptr, 5), true, "", 0},
+        {"length 0", CZeByteArray("abc", 0), false, "", 0},
+        {"empty text", CZeByteArray(""), false, "", 0},
+        {"text", CZeByteArray("abc"), false, "abc", 4},
+        {"zeros inside", CZeByteArray("a\0b", 3), false, std::string("a\0b", 3), 4},
+        {"fill", CZeByteArray(3, 'x'), false, "xxx", 4},
+        {"fill none", CZeByteArray(0, 'x'), false, "", 0},
+        {"fill negative", CZeByteArray(-1, 'x'), false, "", 0},
+        {"uninitialized none", CZeByteArray(0, Ze::Uninitialized), false, "", 1},
+        {"beyond the limit", CZeByteArray(INT_MAX, 'x'), true, "", 0},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.array.isNull(), row.null) << row.name;
+        EXPECT_EQ(bytes(row.array), row.contents) << row.name;
+        EXPECT_EQ(row.array.capacity(), row.capacity) << row.name;
+        EXPECT_EQ(row.array.constData()[row.array.size()], 0) << row.name;
+    }
+}
+
+/// `size` letters a, b, c and so on, in a block of exactly that size.
+CZeByteArray letters(int size) {
+    CZeByteArray array(size, Ze::Uninitialized);
+    for (int i = 0; i < size; ++i)
+        array[i] = char('a' + i % 26);
+    return array;
+}
+
+TEST(ByteArray, ResizeGrowsByPowersAndShrinksBelowHalf) {
+    const struct {
+        int from, to, capacity;
+    } rows[] = {
+        {0, 5, 6},          // out of the static block: exact
+        {1000, 1000, 1001}, // room for the terminator counts
+        {1000, 1001, 2048 - 24},
+        {1000, 499, 1001}, // 500 is half of 1001, not below
+        {1000, 498, 1024 - 24},
+        {1000, 10, 64 - 24},
+        {1000, 0, 0},
+        {1000, -7, 0},
+        {1000, INT_MAX, 1001}, // refused
+    };
+    for (const auto& row : rows) {
+        CZeByteArray array = row.from == 0 ? CZeByteArray() : letters(row.from);
+        const int size = row.to == INT_MAX ? row.from : std::max(row.to, 0);
+        array.resize(row.to);
+        EXPECT_EQ(array.size(), size) << row.from << " to " << row.to;
+        EXPECT_EQ(array.capacity(), row.capacity) << row.from << " to " << row.to;
+        EXPECT_EQ(array.constData()[size], 0);
+        EXPECT_EQ(array.left(std::min(row.from, size)), letters(std::min(row.from, size)));
+        EXPECT_FALSE(array.isNull());
+    }
+}
+
+TEST(ByteArray, ReservedCapacityIsKept) {
+    CZeByteArray array = letters(100);
+    array.reallocData(200, SZeArrayData::ReserveCapacity);
+    EXPECT_EQ(array, letters(100));
+    array.resize(3);
+    EXPECT_EQ(array.capacity(), 200);
+    array.resize(0);
+    EXPECT_EQ(array.capacity(), 200);
+    EXPECT_EQ(array.constData()[0], 0);
+    const CZeByteArray copy = array;
+    array.resize(50); // detaching takes the wish along
+    array.resize(1);
+    EXPECT_EQ(array.capacity(), 128 - 24);
+    array.reallocData(2, 0);
+    EXPECT_EQ(array.capacity(), 2);
+    array = "abc";
+    array.reallocData(2, 0);
+    EXPECT_EQ(array, CZeByteArray("a"));
+    array.reallocData(0, 0);
+    EXPECT_TRUE(array.isEmpty() && !array.isNull());
+    array.truncate(-1);
+    array = "abc";
+    array.truncate(3);
+    EXPECT_EQ(array, CZeByteArray("abc"));
+    array.truncate(-1);
+    EXPECT_TRUE(array.isEmpty());
+}
+
+TEST(ByteArray, ChangingACopyLeavesTheOriginal) {
+    const CZeByteArray original("abc");
+    CZeByteArray copy = original;
+    EXPECT_EQ(copy.constData(), original.constData());
+    copy[1] = 'X';
+    EXPECT_EQ(bytes(copy), "aXc");
+    copy = original;
+    copy.resize(3);
+    EXPECT_NE(copy.constData(), original.constData());
+    CZeByteArray moved = std::move(copy);
+    EXPECT_EQ(moved, original);
+    copy = original;
+    copy = "xyz";
+    copy = *&copy;
+    EXPECT_EQ(bytes(copy), "xyz");
+    EXPECT_EQ(bytes(original), "abc");
+
+    copy.reallocData(8, 0);
+    CZeByteArray unshared = original;
+    unshared.reallocData(8, SZeArrayData::NonShared);
+    CZeByteArray second = unshared; // must not end up with the same block
+    second[0] = 'Z';
+    EXPECT_EQ(bytes(unshared), "abc");
+}
+
+TEST(ByteArray, AssigningTextReusesABlockThatFitsWell) {
+    const struct {
+        const char* name;
+        int capacity, size, reserved, length, newCapacity;
+    } rows[] = {
+        {"fits", 100, 99, 0, 60, 100},         {"fills", 100, 10, 0, 99, 100},
+        {"half", 100, 99, 0, 49, 100},         {"below half", 100, 99, 0, 48, 49},
+        {"grows in place", 100, 9, 0, 9, 100}, {"below half and shorter", 100, 10, 0, 9, 10},
+        {"too long", 100, 99, 0, 100, 101},    {"too long, reserved", 100, 99, 1, 100, 101},
+    };
+    for (const auto& row : rows) {
+        CZeByteArray array = letters(row.size);
+        array.reallocData(uint32_t(row.capacity), row.reserved);
+        const CZeByteArray source = letters(row.length);
+        array = source.constData();
+        EXPECT_EQ(array, source) << row.name;
+        EXPECT_EQ(array.capacity(), row.newCapacity) << row.name;
+        array.resize(0);
+        EXPECT_EQ(array.capacity(), row.reserved ? row.newCapacity : 0) << row.name;
+    }
+    for (const int offset : {1, 40, 99}) {
+        CZeByteArray array = letters(100); // its own text, moved within the block or out of it
+        const CZeByteArray expected = array.mid(offset);
+        array = array.constData() + offset;
+        EXPECT_EQ(array, expected);
+    }
+    CZeByteArray array("abc");
+    EXPECT_TRUE((array = "").isEmpty() && !array.isNull());
+    EXPECT_TRUE((array = static_cast<const char*>(nullptr)).isNull());
+}
+
+TEST(ByteArray, ComparesBytesThenSizes) {
+    const struct {
+        CZeByteArray left, right;
+        int sign;
+    } rows[] = {
+        {"ab", "abc", -1}, {"abc", "abc", 0},       {"abd", "abc", 1}, {"b", "abc", 1},
+        {"", "a", -1},     {CZeByteArray(), "", 0}, {"\x80", "a", 1},
+    };
+    for (const auto& row : rows) {
+        const int order = CZeByteArray::compare(row.left, row.right);
+        EXPECT_EQ((order > 0) - (order < 0), row.sign) << bytes(row.left) << ' ' << bytes(row.right);
+        EXPECT_EQ(row.left < row.right, row.sign < 0);
+        EXPECT_EQ(row.left >= row.right, row.sign >= 0);
+        EXPECT_EQ(row.left == row.right, row.sign == 0);
+    }
+    EXPECT_EQ(CZeByteArray::compare("ab", "abcde"), -3);
+}
+
+TEST(ByteArray, SetNumFormatsAsPrintf) {
+    const struct {
+        double value;
+        char format;
+        int precision;
+        std::string text;
+    } rows[] = {
+        {0.1, 'g', 6, "0.1"},
+        {1234567, 'g', 6, "1.23457e+06"},
+        {1.5, 'g', -1, "1.5"},
+        {1.5, 'f', -1, "1.500000"},
+        {2.0 / 3, 'f', 2, "0.67"},
+        {-2.0 / 3, 'E', 1, "-6.7E-01"},
+        {1e300, 'G', 3, "1E+300"},
+        {0.5, 'f', 0, "0"},
+        {1, 'f', 200, "1." + std::string(125, '0')}, // cut at 127
+    };
+    for (const auto& row : rows) {
+        CZeByteArray array("before");
+        EXPECT_EQ(bytes(array.setNum(row.value, row.format, row.precision)), row.text);
+        EXPECT_FALSE(array.isNull());
+    }
+}
+
+} // namespace

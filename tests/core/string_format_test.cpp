@@ -1,0 +1,113 @@
+// Numbers and arguments in strings.
+
+#include "tests/core/text.h"
+#include "tests/support/log_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <climits>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(Number, FormatsIntegersInEveryBase) {
+    const struct {
+        long value;
+        int base;
+        std::string text;
+    } rows[] = {
+        {0, 10, "0"},
+        {255, 16, "ff"},
+        {-255, 16, "-ff"},
+        {35, 36, "z"},
+        {36, 36, "10"},
+        {5, 2, "101"},
+        {-10, 10, "-10"},
+        {42, 1, "42"},
+        {42, 37, "42"},
+        {42, -2, "42"},
+        {8, 8, "10"},
+        {LONG_MAX, 10, "9223372036854775807"},
+        {LONG_MIN, 10, "-9223372036854775808"},
+        {LONG_MIN, 2, "-1" + std::string(63, '0')},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(utf8(CZeString::number(row.value, row.base)), row.text);
+        EXPECT_EQ(utf8(text(u"before").setNum(row.value, row.base)), row.text);
+        const auto bits = static_cast<unsigned long>(row.value);
+        EXPECT_EQ(utf8(CZeString::number(bits, row.base)) == row.text, row.value >= 0);
+    }
+    EXPECT_EQ(utf8(CZeString::number(INT_MIN)), "-2147483648");
+    EXPECT_EQ(utf8(CZeString::number(UINT_MAX)), "4294967295");
+    EXPECT_EQ(utf8(CZeString::number(ULONG_MAX, 2)), std::string(64, '1'));
+    EXPECT_EQ(utf8(CZeString::number(0.1)), "0.1");
+    EXPECT_EQ(utf8(CZeString::number(2.5f, 'e', 1)), "2.5e+00");
+    EXPECT_EQ(utf8(CZeString().setNum(1e10)), "1e+10");
+}
+
+TEST(Arg, FillsTheLowestEscape) {
+    const struct {
+        const char16_t* string;
+        int fieldWidth;
+        const char* result;
+    } rows[] = {
+        {u"Error %1 in %1 and %2", 0, "Error x in x and %2"},
+        {u"%10 %9", 0, "%10 x"},
+        {u"%10", 0, "x"},
+        {u"%100", 0, "x0"},
+        {u"%0%1", 0, "x%1"},
+        {u"%01%1", 0, "xx"}, // both are the number 1, of different lengths
+        {u"%2%1%2%1", 0, "%2x%2x"},
+        {u"%%1%", 0, "%x%"},
+        {u"%a %L1 %9", 0, "%a %L1 x"},
+        {u"100% %1", 0, "100% x"},
+        {u"%\u0661%5", 0, "%\xD9\xA1x"}, // only ASCII digits
+        {u"[%1]", 3, "[..x]"},
+        {u"[%1]", -3, "[x..]"},
+        {u"[%1]", 1, "[x]"},
+        {u"[%1|%1]", 2, "[.x|.x]"},
+    };
+    LogCapture log;
+    for (const auto& row : rows) {
+        const CZeString s = text(row.string);
+        EXPECT_EQ(utf8(s.arg(text(u"x"), row.fieldWidth, CZeChar('.'))), row.result);
+        EXPECT_EQ(utf8(s.arg(CZeChar('x'), row.fieldWidth, CZeChar('.'))), row.result);
+        EXPECT_EQ(utf8(s.arg('x', row.fieldWidth, CZeChar('.'))), row.result);
+        EXPECT_EQ(s, text(row.string));
+    }
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST(Arg, TakesNumbers) {
+    LogCapture log;
+    const CZeString s = text(u"%1|%2|%3");
+    EXPECT_EQ(utf8(s.arg(-5, 4).arg(255U, -4, 16, CZeChar('_')).arg(7UL)), "  -5|ff__|7");
+    EXPECT_EQ(utf8(s.arg(LONG_MIN, 0, 16).arg(0.5).arg(2.0 / 3, 6, 'f', 2, CZeChar('*'))),
+              "-8000000000000000|0.5|**0.67");
+    EXPECT_EQ(utf8(s.arg(text(u"%2")).arg(short{9}).arg(1e9f)), "9|9|1e+09"); // filled text is filled again
+    EXPECT_EQ(utf8(s.arg(CZeString()).arg(text(u"")).arg('\xE9')), "||\xC3\xA9");
+    const CZeString emptied = text(u"%1").arg(CZeString());
+    EXPECT_TRUE(emptied.isEmpty() && !emptied.isNull());
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST(Arg, WarnsWithoutAnEscape) {
+    const CZeString s = text(u"no \u00E9% %x %");
+    LogCapture log;
+    for (const CZeString& result : {s.arg(text(u"\u20AC")), s.arg(-3), s.arg(8UL, 0, 2), s.arg('c'),
+                                    s.arg(CZeChar(0xE9)), s.arg(0.1234567, 0, 'f', 1)})
+        EXPECT_EQ(result.constData(), s.constData());
+    const std::string start = "CZeString::arg: Argument missing: no \xC3\xA9% %x %, ";
+    EXPECT_THAT(log.texts(), ElementsAre(start + "\xE2\x82\xAC", start + "-3", start + "1000", start + "c",
+                                         start + "\xC3\xA9", start + "0.123457"));
+    EXPECT_EQ(log.entries().at(0).priority, 5);
+}
+
+TEST(Arg, RefusesAResultBeyondTheLimit) {
+    EXPECT_TRUE(text(u"%1%1%1").arg(1, INT_MAX).isNull());
+    EXPECT_TRUE(text(u"%1").arg(1, INT_MIN).isNull());
+}
+
+} // namespace

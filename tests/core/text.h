@@ -1,0 +1,28 @@
+// Strings in tests: written as literals, printed as UTF-8.
+
+#pragma once
+
+#include "core/tools/string_ref.h"
+
+#include <ostream>
+#include <string>
+
+inline CZeString text(const char16_t* literal) {
+    return CZeString::fromUtf16(literal);
+}
+
+/// The bytes with embedded zeros.
+inline std::string bytes(const CZeByteArray& array) {
+    return std::string(array.constData(), size_t(array.size()));
+}
+
+inline std::string utf8(const CZeString& string) {
+    return bytes(string.toUtf8());
+}
+inline std::string utf8(const CZeStringRef& view) {
+    return utf8(view.toString());
+}
+
+inline void PrintTo(const CZeString& string, std::ostream* out) {
+    *out << (string.isNull() ? "null " : "") << '"' << utf8(string) << '"';
+}
