@@ -3,6 +3,8 @@
 #include "tests/support/gl_recorder_call.h"
 
 #include <algorithm>
+#include <regex>
+#include <sstream>
 #include <utility>
 
 namespace {
@@ -47,6 +49,11 @@ void GlRecorder::makeHostContextCurrent() {
     current.context->label = "hostContext";
     current.draw = &m_driver->surfaces.emplace_back(EglSurface{"hostDraw"});
     current.read = &m_driver->surfaces.emplace_back(EglSurface{"hostRead"});
+}
+
+std::string GlRecorder::callsFrom(const std::string& first) const {
+    const std::string all = calls();
+    return all.substr(std::min(all.find(first), all.size()));
 }
 
 int GlRecorder::glCallCount() const {
@@ -110,6 +117,11 @@ std::string GlRecorder::state() const {
     return text;
 }
 
+const GlRecorder::Texture& GlRecorder::boundTexture() const {
+    const GlContext& gl = *m_driver->current.at(std::this_thread::get_id()).context;
+    return gl.textures.at(gl.units[gl.activeUnit]);
+}
+
 std::string GlRecorder::currentContext() const {
     const auto found = m_driver->current.find(std::this_thread::get_id());
     if (found == m_driver->current.end() || !found->second.context)
@@ -147,15 +159,40 @@ std::vector<GLfloat> GlRecorder::uniform(const std::string& program, const std::
 }
 
 std::string recipe(std::string_view text) {
+    static const struct {
+        const char* step;
+        const char* calls; ///< "$1" and "$2" stand for the words after the step
+    } kSteps[] = {
+        {"check", "glGetError()\n"},
+        {"unit", "glActiveTexture(GL_TEXTURE$1)\n"},
+        {"bind", "glBindTexture(GL_TEXTURE_2D, $1)\n"},
+        {"nearest", "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST)\n"
+                    "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST)\n"},
+        {"linear", "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR)\n"
+                   "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR)\n"},
+        {"clamp", "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE)\n"
+                  "glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE)\n"},
+        {"attach", "glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, $1, 0)\n"},
+        {"clear", "glClear(GL_COLOR_BUFFER_BIT)\n"},
+        {"point", "glVertexAttribPointer($1, 2, GL_FLOAT, GL_FALSE, $2)\n"},
+        {"enable", "glEnableVertexAttribArray($1)\n"},
+        {"disable", "glDisableVertexAttribArray($1)\n"},
+        {"draw", "glDrawArrays(GL_TRIANGLE_STRIP, 0, 4)\n"},
+    };
     std::string lines;
-    while (!text.empty()) {
-        const size_t end = std::min(text.find_first_of(";\n"), text.size());
-        std::string_view call = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
-        const size_t first = std::min(call.find_first_not_of(' '), call.size());
-        call = call.substr(first, call.find_last_not_of(' ') + 1 - first);
-        if (!call.empty())
-            lines += std::string(call == "check" ? "glGetError()" : call) + '\n';
+    std::istringstream steps(std::regex_replace(std::string(text), std::regex("; *"), "\n"));
+    for (std::string step; std::getline(steps, step);) {
+        step.erase(0, std::min(step.find_first_not_of(' '), step.size()));
+        std::istringstream words(step);
+        std::string first, second, third;
+        words >> first >> second >> third;
+        const auto* known = std::ranges::find(kSteps, first, [](const auto& entry) { return entry.step; });
+        if (known == std::end(kSteps))
+            lines += step + (step.empty() ? "" : "\n");
+        else
+            lines +=
+                std::regex_replace(std::regex_replace(std::string(known->calls), std::regex("\\$1"), second),
+                                   std::regex("\\$2"), third);
     }
     return lines;
 }

@@ -75,6 +75,8 @@ public:
     /// Recorded calls, one a line; all of them or those of `functions`. Locations are printed by name,
     /// programs as "yuvToRgb", "rgbToYuv", "blur", "mix", "lutRatio" and "lutMapped", after their uniforms.
     std::string calls(std::initializer_list<std::string_view> functions = {}) const;
+    /// From the first call that is written so on.
+    std::string callsFrom(const std::string& first) const;
     int glCallCount() const; ///< calls that `raise` counts for ""
     const std::vector<Draw>& draws() const;
     std::vector<std::string> drawTexts(std::string (Draw::*form)() const = &Draw::text) const;
@@ -83,6 +85,8 @@ public:
 
     /// What is bound and set in this thread's context.
     std::string state() const;
+    /// The texture that is bound to the active unit.
+    const Texture& boundTexture() const;
     /// This thread's context and surfaces: "hostContext hostDraw hostRead", or "none".
     std::string currentContext() const;
     /// What was created and not deleted: "hostContext, texture luma, program mix".
@@ -99,6 +103,8 @@ private:
     GlRecorder* m_outer;
 };
 
-/// The calls of `text`, one a line, to be compared with `GlRecorder::calls`: lines and semicolons separate
-/// calls, "check" is a look at glGetError.
+/// The calls that a recipe stands for, one a line, to be compared with `GlRecorder::calls`. Steps are
+/// separated by semicolons and line ends: calls, or "check" (a look at glGetError), "unit 1", "bind luma",
+/// "nearest", "linear" (MIN, then MAG filter), "clamp", "attach output" ("attach 0" detaches), "clear",
+/// "point posAttr 16" (by stride), "enable posAttr", "disable posAttr", "draw".
 std::string recipe(std::string_view text);
