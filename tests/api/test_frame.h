@@ -36,6 +36,7 @@ void fillPicture(const ZecImage& image, int width, int height, Value value) {
 struct RowLayout {
     int padding = 0; ///< bytes between two rows; none after the last
     bool bottomUp = false;
+    int roundTo = 1; ///< the row size is rounded up to a multiple of this before the padding
 };
 
 /// A frame whose planes are heap blocks of the exact size, so that AddressSanitizer sees one byte too many.
@@ -43,7 +44,9 @@ struct RowLayout {
 struct TestFrame {
     TestFrame(int width, int height, RowLayout layout = {}) {
         for (int plane = 0; plane < 2; ++plane) {
-            const int pitch = rowBytes(plane, width) + layout.padding;
+            const int rounded =
+                (rowBytes(plane, width) + layout.roundTo - 1) / layout.roundTo * layout.roundTo;
+            const int pitch = rounded + layout.padding;
             const int lastRow = (rowCount(plane, height) - 1) * pitch;
             planes[plane].assign(size_t(lastRow + rowBytes(plane, width)), 0x66);
             image.planes[plane] = planes[plane].data() + (layout.bottomUp ? lastRow : 0);

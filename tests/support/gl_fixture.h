@@ -1,0 +1,59 @@
+// Tests that draw on the driver.
+
+#pragma once
+
+#include "tests/support/reference_picture.h"
+
+#include <EGL/egl.h>
+#include <GLES2/gl2.h>
+
+#include <cstdint>
+
+#include <gmock/gmock.h>
+
+/// How far levels of 0 to 255 may lie from what was worked out.
+struct Tolerance {
+    double levels;
+    double share = 0; ///< of all levels may lie further off
+};
+
+/// Correct rounding to 8 bits, with a hundredth for the arithmetic before it.
+inline constexpr Tolerance kRounding = {0.51};
+
+/// Has an OpenGL ES 2.0 context and a frame buffer of its own current. Skips where no driver gives one. What
+/// a test makes in the context goes with it.
+class GlTest : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    /// Software rendering (llvmpipe) holds `precise` when GALLIUM_OVERRIDE_CPU_CAPS=sse4.1 makes it compute
+    /// lowp and mediump in full floats and GALLIVM_PERF=no_aos_sampling interpolate texels in floats. Without
+    /// them it takes half floats, and interpolates in steps of 1/256 with a result of 8 bits; this and what
+    /// other drivers do has to hold `loose`.
+    Tolerance tolerance(Tolerance precise, Tolerance loose) const { return m_isPrecise ? precise : loose; }
+
+    /// Ends what this thread and process hold of the driver.
+    static void releaseDriver();
+
+    /// A texture that holds `picture`, rounded to 8 bits.
+    static GLuint textureOf(const reference::Picture& picture);
+
+    /// A texture to draw into, every byte of it 0x66.
+    static GLuint targetTexture(int width, int height);
+
+    /// The R, G, B and A of each texel, row by row. Leaves the frame buffer without a target.
+    static std::vector<uint8_t> contentOf(GLuint texture, int width, int height);
+
+private:
+    bool m_isPrecise = false;
+};
+
+/// Whether all levels agree; `expected` is clamped to 0 to 255 first. The message shows the worst place,
+/// `rowLength` levels making a row.
+testing::AssertionResult agree(const std::vector<uint8_t>& actual, const std::vector<double>& expected,
+                               int rowLength, Tolerance tolerance);
+
+/// The same for the content of a texture.
+testing::AssertionResult agree(const std::vector<uint8_t>& actual, const reference::Picture& expected,
+                               Tolerance tolerance);

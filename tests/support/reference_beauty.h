@@ -1,0 +1,18 @@
+// The beauty effect, worked out in double precision.
+
+#pragma once
+
+#include "tests/support/reference_picture.h"
+
+namespace reference {
+
+struct BeautyParams {
+    double mixFactor;
+    double whitenFactor;
+};
+
+/// The picture with the effect, before an 8-bit target clamps and rounds it. The horizontally filtered
+/// picture is kept in 8 bits between the passes.
+Picture beautify(const Picture& source, BeautyParams params);
+
+} // namespace reference
