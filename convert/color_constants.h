@@ -1,8 +1,9 @@
 // The numbers of both colour conversions, per colour description.
 //
-// They follow from the luma weights of ITU-R BT.601 and BT.709, rounded to five decimals. Luma spans the codes
-// 0 to 255 in full range and 16 to 235 in video range; chroma reaches 127 or 112 codes to either side of 128.
-// Full-range chroma thus spans 254 codes, not 255: the BT.709 V to R factor is 1.5748 · 255 / 254 = 1.581.
+// They follow from the luma weights of ITU-R BT.601 and BT.709, rounded to five decimals. Luma spans the
+// codes 0 to 255 in full range and 16 to 235 in video range; chroma reaches 127 or 112 codes to either side
+// of 128. Full-range chroma thus spans 254 codes, not 255: the BT.709 V to R factor is 1.5748 · 255 / 254
+// = 1.581.
 
 #pragma once
 
