@@ -1,0 +1,212 @@
+// The beauty effect: its calls, what it keeps between frames, and its failures.
+
+#include "effects/beauty/beauty_effect.h"
+#include "gl/framebuffer.h"
+#include "gl/texture.h"
+#include "tests/support/gl_recorder.h"
+#include "tests/support/log_capture.h"
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include <gmock/gmock.h>
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace ze {
+namespace {
+
+using Floats = std::vector<GLfloat>;
+const Floats kPositions = {-1, 1, -1, -1, 1, 1, 1, -1};
+const Floats kWholeTexture = {0, 1, 0, 0, 1, 1, 1, 0};
+
+class Beauty : public testing::Test {
+protected:
+    Beauty() {
+        gl.makeHostContextCurrent();
+        createFramebuffer();
+        gl.labelTextures({"source", "target", "smallSource", "smallTarget", "intermediate"});
+        source = createTexture(720, 1280, GL_RGBA);
+        target = createTexture(720, 1280, GL_RGBA);
+        smallSource = createTexture(5, 3, GL_RGBA);
+        smallTarget = createTexture(5, 3, GL_RGBA);
+        gl.clear();
+        effect.emplace();
+    }
+
+    bool render() { return effect->render(source, 720, 1280, target); }
+    bool renderSmall() { return effect->render(smallSource, 5, 3, smallTarget); }
+
+    GlRecorder gl;
+    LogCapture log;
+    GLuint source = 0, target = 0, smallSource = 0, smallTarget = 0;
+    std::optional<BeautyEffect> effect;
+};
+
+TEST_F(Beauty, TouchesNoGlBeforeItRenders) {
+    effect->setParams(1, 1);
+    EXPECT_FALSE(effect->isInactive());
+    effect.reset();
+    EXPECT_EQ(gl.calls(), "");
+}
+
+TEST_F(Beauty, IsActiveAboveOneThresholdAndFromTheOtherOn) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float below = std::nextafter(0.001f, 0.0f); // 0.001f itself widens to more than 0.001
+    const struct {
+        float mix, whiten;
+        bool isInactive;
+    } cases[] = {{0, 0, true},       {below, below, true}, {0.0005f, 0.0005f, true}, {0.001f, 0, false},
+                 {0, 0.001f, false}, {-1, below, true},    {-1, -1, true},           {0, 0.5f, false},
+                 {nan, 0, false},    {0, nan, false}};
+    EXPECT_TRUE(effect->isInactive());
+    for (const auto& c : cases) {
+        effect->setParams(c.mix, c.whiten);
+        EXPECT_EQ(effect->isInactive(), c.isInactive) << c.mix << ' ' << c.whiten;
+    }
+}
+
+const char kDraws[] = R"(
+    glViewport(0, 0, 720, 1280); check; glDisable(GL_BLEND)
+
+    unit 0; bind intermediate; check; nearest; attach intermediate; check; clear
+    bind source; check; linear; clamp
+    glUseProgram(blur); check
+    glUniform2fv(blurTexelSampleStep, 1); glUniform1f(distanceNormalizationFactor, 4); check
+    point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr
+    draw; check
+    disable posAttr; disable texCoordAttr; attach 0
+
+    bind target; check; nearest; attach target; check; clear
+    unit 1; bind intermediate; check; linear; clamp; check
+    unit 0; bind source; check; linear; clamp; check
+    glUseProgram(mix); check
+    glUniform2fv(blurTexelSampleStep, 1); glUniform1f(distanceNormalizationFactor, 4)
+    glUniform1f(mixFactor, 0.75); glUniform1f(whitenFactor, -2); check
+    point posAttr 24; point texCoordAttr 24; point blurTexCoordAttr 24; check
+    enable posAttr; enable texCoordAttr; enable blurTexCoordAttr; check
+    draw; check
+    disable posAttr; disable texCoordAttr; disable blurTexCoordAttr; attach 0)";
+
+TEST_F(Beauty, BuildsBothProgramsAndItsTextureOnce) {
+    ASSERT_TRUE(render());
+    EXPECT_EQ(gl.calls({"glGetAttribLocation", "glGetUniformLocation", "glUniform1i", "glUniform1fv",
+                        "glUseProgram", "glTexImage2D", "glViewport"}),
+              recipe(R"(
+        glGetAttribLocation(blur, posAttr); glGetAttribLocation(blur, texCoordAttr)
+        glGetUniformLocation(blur, blurTexelSampleStep); glGetUniformLocation(blur, distanceNormalizationFactor)
+        glUseProgram(blur); glGetUniformLocation(blur, sampler); glUniform1i(sampler, 0)
+        glGetUniformLocation(blur, gaussianWeight); glUniform1fv(gaussianWeight, 7); glUseProgram(0)
+        glGetAttribLocation(mix, posAttr); glGetAttribLocation(mix, texCoordAttr)
+        glGetAttribLocation(mix, blurTexCoordAttr)
+        glGetUniformLocation(mix, blurTexelSampleStep); glGetUniformLocation(mix, distanceNormalizationFactor)
+        glGetUniformLocation(mix, mixFactor); glGetUniformLocation(mix, whitenFactor)
+        glUseProgram(mix); glGetUniformLocation(mix, originalSampler); glUniform1i(originalSampler, 0)
+        glGetUniformLocation(mix, blurSampler); glUniform1i(blurSampler, 1)
+        glGetUniformLocation(mix, gaussianWeight); glUniform1fv(gaussianWeight, 7); glUseProgram(0)
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 720, 1280, 0, GL_RGBA, GL_UNSIGNED_BYTE, null)
+        glViewport(0, 0, 720, 1280); glUseProgram(blur); glUseProgram(mix))"));
+
+    gl.clear();
+    effect->setParams(0.75f, -2); // as they are
+    ASSERT_TRUE(render());
+    EXPECT_EQ(gl.calls(), recipe(kDraws));
+    EXPECT_EQ(gl.state(), "active 0, unit 0 source, unit 1 intermediate, framebuffer to -");
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(Beauty, BlursAcrossAndThenDownByOneStep) {
+    ASSERT_TRUE(render());
+    ASSERT_THAT(gl.drawTexts(),
+                ElementsAre("blur(source) -> intermediate", "mix(source, intermediate) -> target"));
+    for (const GlRecorder::Draw& draw : gl.draws())
+        for (const auto& [name, corners] : draw.attributes)
+            EXPECT_EQ(corners, name == "posAttr" ? kPositions : kWholeTexture) << draw.program << ' ' << name;
+    EXPECT_EQ(gl.uniform("blur", "blurTexelSampleStep"), (Floats{1 / 240.0f, 0}));
+    EXPECT_EQ(gl.uniform("mix", "blurTexelSampleStep"), (Floats{0, 1 / 240.0f}));
+    EXPECT_FLOAT_EQ(blurSampleStep(5, 3), float(5.0 / 45 / 3 / 3));
+    EXPECT_FLOAT_EQ(blurSampleStep(1, 16384), float(1.0 / 135 / 16384));
+
+    const uint32_t weights[] = {0x3D160C53, 0x3DE3E72B, 0x3E5DF27D, 0x3E8A96DA,
+                                0x3E5DF27D, 0x3DE3E72B, 0x3D160C53};
+    for (const char* program : {"blur", "mix"}) {
+        const Floats loaded = gl.uniform(program, "gaussianWeight");
+        ASSERT_EQ(loaded.size(), 7u);
+        double sum = 0;
+        for (int tap = 0; tap < 7; ++tap)
+            sum += std::exp(-(tap - 3) * (tap - 3) / (2 * 1.5 * 1.5));
+        for (int tap = 0; tap < 7; ++tap) {
+            EXPECT_EQ(std::bit_cast<uint32_t>(loaded[size_t(tap)]), weights[tap]);
+            EXPECT_NEAR(loaded[size_t(tap)], std::exp(-(tap - 3) * (tap - 3) / (2 * 1.5 * 1.5)) / sum, 1e-6);
+        }
+    }
+}
+
+TEST_F(Beauty, ReplacesItsTextureForANewSizeAlone) {
+    ASSERT_TRUE(render());
+    gl.clear();
+    ASSERT_TRUE(renderSmall());
+    EXPECT_EQ(gl.calls({"glDeleteTextures", "glGenTextures"}),
+              recipe("glDeleteTextures(1, intermediate); glGenTextures(1)"));
+    ASSERT_TRUE(renderSmall());
+    EXPECT_EQ(gl.drawTexts(&GlRecorder::Draw::sizes),
+              (std::vector<std::string>{"blur(5x3) -> 5x3", "mix(5x3, 5x3) -> 5x3", "blur(5x3) -> 5x3",
+                                        "mix(5x3, 5x3) -> 5x3"}));
+}
+
+TEST_F(Beauty, TriesAFailedTextureTwiceForANewSizeAndAgainInTheNextFrame) {
+    const struct {
+        bool isFirst;
+        std::vector<int> refused;
+        bool isRendered;
+    } cases[] = {{true, {1}, false}, {false, {1}, true}, {false, {1, 2}, false}};
+    for (const auto& c : cases)
+        for (bool returnsToOldSize : {false, true}) {
+            SCOPED_TRACE(testing::Message()
+                         << c.refused.size() << " refused" << (c.isFirst ? ", first frame" : ""));
+            effect.emplace();
+            EXPECT_TRUE(c.isFirst || render());
+            gl.clear();
+            for (int nth : c.refused)
+                gl.refuse("glGenTextures", nth);
+            EXPECT_EQ(renderSmall(), c.isRendered);
+            EXPECT_EQ(gl.draws().size(), c.isRendered ? 2u : 0u);
+            gl.clear();
+            EXPECT_TRUE(returnsToOldSize ? render() : renderSmall());
+            EXPECT_EQ(gl.draws()[0].sizes(),
+                      returnsToOldSize ? "blur(720x1280) -> 720x1280" : "blur(5x3) -> 5x3");
+        }
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(Beauty, DrawsNothingWithoutBothProgramsAndDeletesOneOfThemByName) {
+    const struct {
+        int refused;
+        bool isRendered;
+        const char* deletions;
+    } cases[] = {{1, false, ""},
+                 {2, false, "glDeleteProgram(blur)"},
+                 {0, true, "glDeleteProgram(blur); glDeleteTextures(1, intermediate)"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.refused);
+        effect.emplace();
+        gl.clear();
+        gl.refuse("glCreateProgram", c.refused);
+        EXPECT_EQ(render(), c.isRendered);
+        EXPECT_EQ(gl.draws().empty(), !c.isRendered);
+        gl.clear();
+        effect.reset(); // the mix program goes with the context
+        EXPECT_EQ(gl.calls(), recipe(c.deletions));
+    }
+    effect.emplace();
+    gl.refuse("glCreateProgram", 2);
+    EXPECT_FALSE(render());
+    EXPECT_TRUE(render());
+    EXPECT_EQ(gl.calls({"glLinkProgram"}), recipe("glLinkProgram(blur); glLinkProgram(mix)"));
+}
+
+} // namespace
+} // namespace ze
