@@ -19,9 +19,7 @@ namespace {
 constexpr int kNV21 = 1;
 
 bool isActive(const ZecEffect& handle) {
-    if (handle.type != kBeautyType || !handle.effect)
-        return false;
-    return !static_cast<const BeautyEffect*>(handle.effect)->isInactive();
+    return handle.type == kBeautyType && !static_cast<const BeautyEffect*>(handle.effect)->isInactive();
 }
 
 std::vector<ZecEffect*> activeEffects(const std::vector<ZecEffect*>& effects) {
@@ -125,6 +123,7 @@ bool renderFrame(ZecRenderCore& core, const std::vector<ZecEffect*>& effects, co
         return false;
     }
 
+    // A frame that fails from here on leaves the core's context current and the snapshot allocated.
     EglContextRecord* callerContext = snapshotCurrentContext();
     if (!enterContext(core))
         return false;

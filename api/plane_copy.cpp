@@ -28,6 +28,8 @@ void copyFrame(const ZecImage& input, const ZecImage& output, int pixelFormat, i
     for (int plane = 0; plane < 2; ++plane) {
         const size_t rowBytes = planeRowBytes(pixelFormat, plane, width);
         const size_t rows = planeRows(pixelFormat, plane, height);
+        if (rows == 0)
+            continue; // an invalid format
         copyPlane(input.planes[plane], input.pitches[plane], output.planes[plane], output.pitches[plane],
                   rowBytes, rows);
     }

@@ -1,15 +1,9 @@
 #include "api/plane_geometry.h"
 
+#include "convert/half_up.h"
 #include "log/log_stream.h"
 
 namespace ze {
-namespace {
-
-size_t halfUp(int value) {
-    return (static_cast<size_t>(value) + 1) / 2;
-}
-
-} // namespace
 
 bool isValidPixelFormat(int pixelFormat) {
     return pixelFormat == 0 || pixelFormat == 1;
@@ -20,7 +14,7 @@ size_t planeRowBytes(int pixelFormat, int plane, int width) {
         ZeLogError() << "ZecGetLineInfoForImagePlane(): Invalid pixel format!";
         return 0;
     }
-    return plane == 0 ? static_cast<size_t>(width) : 2 * halfUp(width);
+    return plane == 0 ? static_cast<size_t>(width) : size_t{2} * halfUp(uint32_t(width));
 }
 
 size_t planeRows(int pixelFormat, int plane, int height) {
@@ -28,11 +22,11 @@ size_t planeRows(int pixelFormat, int plane, int height) {
         ZeLogError() << "ZecGetActualHeightForImagePlane(): Invalid pixel format!";
         return 0;
     }
-    return plane == 0 ? static_cast<size_t>(height) : halfUp(height);
+    return plane == 0 ? static_cast<size_t>(height) : halfUp(uint32_t(height));
 }
 
 size_t stagingPitch(int width) {
-    return 4 * halfUp(width);
+    return size_t{4} * halfUp(uint32_t(width));
 }
 
 size_t stagingSize(int width, int height) {

@@ -1,4 +1,4 @@
-// The sizes of a frame's planes and of the staging buffer, in pure arithmetic.
+// The sizes of a frame's planes and of the staging buffer, as arithmetic.
 
 #pragma once
 

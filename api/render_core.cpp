@@ -7,7 +7,7 @@
 #include "gl/texture.h"
 #include "log/log_stream.h"
 
-#include <cstdlib>
+#include <stdlib.h> // posix_memalign
 
 namespace ze {
 
@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kStagingAlignment = 64;
 
 void freeStagingBuffer(ZecRenderCore& core) {
-    std::free(core.staging->planes[0]);
+    free(core.staging->planes[0]);
     core.staging->planes[0] = nullptr;
 }
 
@@ -31,11 +31,6 @@ bool allocateStagingBuffer(ZecRenderCore& core, int width, int height) {
     return true;
 }
 
-void deleteFrameTexture(GLuint& texture) {
-    deleteTexture(&texture);
-    texture = 0;
-}
-
 bool createFrameTexture(GLuint& texture, int width, int height) {
     texture = createTexture(width, height, GL_RGBA);
     return texture != 0;
@@ -45,15 +40,15 @@ bool createFrameTexture(GLuint& texture, int width, int height) {
 
 bool isConfiguredFor(const ZecRenderCore& core, int pixelFormat, int width, int height) {
     const bool complete = core.configured && core.staging->planes[0] && core.inputTexture &&
-                          core.scratchTexture && core.outputTexture;
+                          core.scratchTexture && core.outputTexture && core.framebuffer;
     return complete && core.width == width && core.height == height && core.pixelFormat == pixelFormat;
 }
 
 bool rebuildFrameResources(ZecRenderCore& core, int width, int height) {
     freeStagingBuffer(core);
-    deleteFrameTexture(core.inputTexture);
-    deleteFrameTexture(core.scratchTexture);
-    deleteFrameTexture(core.outputTexture);
+    discardTexture(core.inputTexture);
+    discardTexture(core.scratchTexture);
+    discardTexture(core.outputTexture);
 
     if (!allocateStagingBuffer(core, width, height))
         return false;
@@ -80,9 +75,9 @@ bool releaseRenderCore(ZecRenderCore& core) {
     deleteFramebuffer(&core.framebuffer);
     if (core.staging)
         freeStagingBuffer(core);
-    deleteFrameTexture(core.inputTexture);
-    deleteFrameTexture(core.scratchTexture);
-    deleteFrameTexture(core.outputTexture);
+    discardTexture(core.inputTexture);
+    discardTexture(core.scratchTexture);
+    discardTexture(core.outputTexture);
     delete core.staging;
     core.staging = nullptr;
     releaseContext(*core.context);

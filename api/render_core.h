@@ -41,8 +41,9 @@ namespace ze {
 bool isConfiguredFor(const ZecRenderCore& core, int pixelFormat, int width, int height);
 
 /// Replaces the staging buffer and the three textures by ones for `width` × `height`, and makes the frame
-/// buffer if there is none. False at the first buffer or texture that cannot be made, with a message; what is
-/// missing then counts as not configured. Call with the core's context current.
+/// buffer if there is none. False at once when the staging buffer or a texture cannot be made. Whatever is
+/// missing afterwards, a frame buffer included, counts as not configured. Call with the core's context
+/// current.
 bool rebuildFrameResources(ZecRenderCore& core, int width, int height);
 
 /// Releases all that the core owns, except the record itself. A context that was current on the calling

@@ -1,6 +1,6 @@
 // libZeBeautyEffect: beautifies NV12 and NV21 camera frames in memory.
 //
-//     ZecRenderCore* core = ZecCreateRenderCore();
+//     ZecRenderCore* core = ZecCreateRenderCore() noexcept;
 //     ZecEffect* beauty = ZecCreateEffect(0);
 //     ZecSetBeautyParams(beauty, 0.8f, 0.2f);
 //     ZecRender(core, {beauty}, &frame, &frame, 0, 0, 1, width, height, 0);   // once per frame, in place
@@ -8,9 +8,9 @@
 //     ZecDestroyRenderCore(core);
 //
 // Names are unmangled, but two functions take objects of the C++ standard library: host and library must be
-// built against the same one. No function throws. Failures are told by `false` and named in the log
-// (log/log_settings.h). Nothing is locked: use a render core and its effects on one thread, the one on which
-// the library's own OpenGL ES context is to live.
+// built against the same one. No function throws; memory that cannot be had ends the program. Failures are
+// told by `false` and named in the log (log/log_settings.h). Nothing is locked: use a render core and its
+// effects on one thread, the one on which the library's own OpenGL ES context is to live.
 
 #pragma once
 
@@ -30,7 +30,7 @@ extern "C" {
 
 /// Makes a render core. No GL or EGL call is made: the context comes with the first frame that needs it.
 /// Never null; `ZecDestroyRenderCore` frees it.
-ZE_EXPORT ZecRenderCore* ZecCreateRenderCore();
+ZE_EXPORT ZecRenderCore* ZecCreateRenderCore() noexcept;
 
 /// Frees `core` with its context and GL objects, and returns true. `core` must not be null.
 ///
@@ -38,31 +38,31 @@ ZE_EXPORT ZecRenderCore* ZecCreateRenderCore();
 /// log says "There is no opengl context", the result is false and the core stays allocated. The same holds
 /// when its context cannot be made current. A context that was current on the calling thread is made current
 /// again and then destroyed together with its draw surface; EGL defers that until it stops being current.
-ZE_EXPORT bool ZecDestroyRenderCore(ZecRenderCore* core);
+ZE_EXPORT bool ZecDestroyRenderCore(ZecRenderCore* core) noexcept;
 
 /// Makes an effect: `type` 0 is the beauty effect (skin smoothing and whitening), 1 the colour look-up table.
 /// Any other type gives a handle without an effect, which `ZecRender` skips. Never null. A new effect is
 /// inactive until its parameters are set. `ZecDestoryEffect` frees it.
-ZE_EXPORT ZecEffect* ZecCreateEffect(int type);
+ZE_EXPORT ZecEffect* ZecCreateEffect(int type) noexcept;
 
 /// Frees `handle` and its effect, and returns true. Call it while an EGL context is current on this thread,
-/// which is the core's after `ZecRender`; without one the log says "There is no opengl context", the result is
-/// false and nothing is freed. The current context and its draw surface are destroyed, as EGL does it: once
-/// they stop being current. `handle` must not be null. The name is spelt this way on purpose.
-ZE_EXPORT bool ZecDestoryEffect(ZecEffect* handle);
+/// which is the core's after `ZecRender`; without one the log says "There is no opengl context", the result
+/// is false and nothing is freed. The current context and its draw surface are destroyed, as EGL does it:
+/// once they stop being current. `handle` must not be null. The name is spelt this way on purpose.
+ZE_EXPORT bool ZecDestoryEffect(ZecEffect* handle) noexcept;
 
 /// Sets the two amounts of a beauty effect; they hold from the next frame on. Both are meant to lie in 0 to 1
 /// and go to the shader as they are, without clamping. `mixFactor` smooths skin, `whitenFactor` lifts red,
-/// green and blue of the whole frame by 0.15 times its value. The effect is active when `mixFactor` > 0.001 or
-/// `whitenFactor` >= 0.001, both compared as doubles. False, and nothing changed, for a null handle, a handle
-/// without an effect and a type other than 0.
-ZE_EXPORT bool ZecSetBeautyParams(ZecEffect* handle, float mixFactor, float whitenFactor);
+/// green and blue of the whole frame by 0.15 times its value. The effect is active when `mixFactor` > 0.001
+/// or `whitenFactor` >= 0.001, both compared as doubles. False, and nothing changed, for a null handle, a
+/// handle without an effect and a type other than 0.
+ZE_EXPORT bool ZecSetBeautyParams(ZecEffect* handle, float mixFactor, float whitenFactor) noexcept;
 
 /// Names the table file of a colour look-up-table effect, a path in UTF-8, and sets how much of the graded
 /// colour is mixed in, 0 to 1. True whatever becomes of the file: one that cannot be loaded is told by the
 /// log alone. False, and nothing changed, for a null handle, a handle without an effect and a type other
 /// than 1.
-ZE_EXPORT bool ZecSetLutParams(ZecEffect* handle, const std::string& lutPath, float intensity);
+ZE_EXPORT bool ZecSetLutParams(ZecEffect* handle, const std::string& lutPath, float intensity) noexcept;
 
 /// Renders one frame synchronously: applies the active ones among `effects`, in order, to `input` and writes
 /// the planes of `output`, which may describe the same memory. With no active effect the planes are copied
@@ -74,15 +74,19 @@ ZE_EXPORT bool ZecSetLutParams(ZecEffect* handle, const std::string& lutPath, fl
 /// range. `width`, `height`: pixels, 1 to GL_MAX_TEXTURE_SIZE; 0 and less is refused without a message.
 /// `extra` is recorded and has no effect.
 ///
-/// A pitch is honoured up to the row size rounded to 8 bytes; more padding shears the uploaded picture.
-/// When some entries of `effects` are inactive and others active, `output` receives what the last complete
-/// chain left behind: hand over active effects only, or all of them active.
+/// Pitches are at least a row's bytes. The output and the plain copy honour any; with an active effect the
+/// input's pitch is honoured when it is the row size rounded up to 1, 2, 4 or 8 bytes, and more padding
+/// shears the picture. `input` and `output` may share memory when their pitches are the same. When some
+/// entries of `effects` are inactive and others active, `output` receives what the last complete chain left
+/// behind, or undefined content after a change of size or format: hand over active effects only.
 ///
-/// False on an empty `effects` ("effect array is empty."), on refused arguments, and when EGL or GL fail, with
-/// the reason in the log. The library's context stays current on this thread afterwards unless another context
-/// was current before; that one is made current again, and is destroyed once it stops being current.
-/// `core`, and with active effects `input` and `output`, must not be null.
+/// False on an empty `effects` ("effect array is empty."), on refused arguments, and when the context, the
+/// staging buffer, a texture or the first conversion's program cannot be made, with the reason in the log. GL
+/// errors after that are logged and the result is true. The library's context stays current on this thread
+/// afterwards unless another context was current before; that one is made current again, and is destroyed
+/// once it stops being current. After a failure the library's context stays current in any case. `core`, and
+/// with active effects `input` and `output`, must not be null.
 ZE_EXPORT bool ZecRender(ZecRenderCore* core, const std::vector<ZecEffect*>& effects, const ZecImage* input,
                          ZecImage* output, int pixelFormat, int colorStandard, int colorRange, int width,
-                         int height, int extra);
+                         int height, int extra) noexcept;
 }

@@ -10,8 +10,7 @@ namespace {
 
 void deletePlaneTextures(ColorConverter& converter) {
     for (GLuint* texture : {&converter.lumaTexture, &converter.chromaTexture, &converter.packedTexture}) {
-        deleteTexture(texture);
-        *texture = 0;
+        discardTexture(*texture);
     }
 }
 

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "convert/half_up.h"
+
 #include <GLES2/gl2.h>
 
 #include <cstdint>
@@ -45,11 +47,6 @@ struct ColorConverter {
     YuvToRgbProgram yuvToRgb;
     RgbToYuvProgram rgbToYuv;
 };
-
-/// Half of `n`, rounded up.
-constexpr uint32_t halfUp(uint32_t n) {
-    return (n + 1) >> 1;
-}
 
 /// Re-creates the three textures when the frame size differs from theirs or one of them is missing. False at
 /// the first that cannot be made; its field is 0 then and the next call tries again.

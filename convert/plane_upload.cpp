@@ -7,8 +7,6 @@ namespace ze {
 
 namespace {
 
-constexpr GLint kDefaultAlignment = 4;
-
 int componentCount(GLenum format) {
     switch (format) {
     case GL_LUMINANCE:
@@ -65,7 +63,7 @@ void uploadPlane(const uint8_t* data, int32_t pitch, GLenum format, int32_t widt
     }
 
     if (changesAlignment) {
-        glPixelStorei(GL_UNPACK_ALIGNMENT, kDefaultAlignment);
+        glPixelStorei(GL_UNPACK_ALIGNMENT, kDefaultRowAlignment);
         checkGlError();
     }
 }

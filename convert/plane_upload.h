@@ -12,6 +12,9 @@ namespace ze {
 /// GL_LUMINANCE, GL_LUMINANCE_ALPHA, GL_RGB and GL_RGBA.
 int64_t roundedRowSize(GLenum format, int32_t width);
 
+/// The row alignment that GL starts with, for uploads and read-backs alike.
+inline constexpr GLint kDefaultRowAlignment = 4;
+
 /// The largest row alignment of GL, 8, 4, 2 or 1 bytes, that divides `pitch`.
 GLint rowAlignment(int32_t pitch);
 

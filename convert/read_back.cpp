@@ -1,5 +1,6 @@
 #include "convert/read_back.h"
 
+#include "convert/plane_upload.h"
 #include "convert/rgb_to_yuv.h"
 #include "gl/error.h"
 #include "gl/target.h"
@@ -40,7 +41,7 @@ bool readBack(ColorConverter& c, GLuint sourceTexture, ZecImage& staging, int32_
 
     detachTarget();
     if (alignment != 0) {
-        glPixelStorei(GL_PACK_ALIGNMENT, 4);
+        glPixelStorei(GL_PACK_ALIGNMENT, kDefaultRowAlignment);
         checkGlError();
     }
     return true;

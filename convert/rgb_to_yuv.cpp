@@ -31,10 +31,10 @@ void main()
     lowp vec4 leftRGBA = texture2D(sampler, texCoord - texelOffset);
     lowp vec4 rightRGBA = texture2D(sampler, texCoord + texelOffset);
     lowp vec4 left = vec4(leftRGBA.rgb, 1.0);
-    lowp float y0 = dot(left, coefY);
-    lowp float y1 = dot(vec4(rightRGBA.rgb, 1.0), coefY);
-    lowp float u = dot(left, coefU);
-    lowp float v = dot(left, coefV);
+    mediump float y0 = dot(left, coefY);
+    mediump float y1 = dot(vec4(rightRGBA.rgb, 1.0), coefY);
+    mediump float u = dot(left, coefU);
+    mediump float v = dot(left, coefV);
     gl_FragColor = vec4(y0, u, y1, v);
 }
 )glsl";

@@ -1,4 +1,4 @@
-// The vertex shader of passes that read one texture.
+// The vertex shader of passes that read one texture at one place.
 
 #pragma once
 

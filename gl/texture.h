@@ -17,4 +17,10 @@ GLuint createTexture(GLsizei width, GLsizei height, GLenum format);
 /// Call on the thread that has the context current.
 void deleteTexture(const GLuint* texture);
 
+/// Deletes `texture` unless it is 0 and forgets the name, so that it cannot be used again.
+inline void discardTexture(GLuint& texture) {
+    deleteTexture(&texture);
+    texture = 0;
+}
+
 } // namespace ze
