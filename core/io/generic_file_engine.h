@@ -1,0 +1,62 @@
+// Files of the local file system.
+
+#pragma once
+
+#include "core/io/file_engine.h"
+
+#include <cstdio>
+#include <vector>
+
+/// Serves the file system through the platform's calls. A call that a signal interrupts is made again.
+class ZE_EXPORT CZeGenericFileEngine : public CZeFileEngine {
+public:
+    explicit CZeGenericFileEngine(const CZeString& fileName);
+    /// Closes the file.
+    ~CZeGenericFileEngine() override;
+
+    /// The directory for temporary files: the environment's TMPDIR, or "/tmp" when that is unset or empty.
+    static CZeString tempPath();
+
+    /// An empty name is refused with a warning.
+    bool open(int mode) override;
+    /// Takes over `descriptor`, which is open on this engine's file and fits `mode`.
+    void adoptDescriptor(int descriptor, int mode);
+    bool close() override;
+
+    int64_t read(char* data, int64_t maxSize) override;
+    int64_t write(const char* data, int64_t size) override;
+    bool seek(int64_t pos) override;
+    /// Waits until what was written is on the disk.
+    bool sync();
+
+    // A closed file is asked for by its name; when there is none, that is logged as a warning.
+
+    int64_t size() const override;
+    bool isSequential() const override;
+    bool exists() const override;
+    bool isDirectory() const override;
+
+    bool remove() override;
+    bool rename(const CZeString& newName) override;
+
+    bool supportsMap() const override;
+    /// A range that ends behind the end of the file is refused with a warning.
+    unsigned char* map(int64_t offset, int64_t size) override;
+    bool unmap(unsigned char* address) override;
+
+private:
+    struct Mapping {
+        unsigned char* address; ///< as returned
+        unsigned char* start;   ///< of the first page
+        size_t length;          ///< from `start`
+    };
+
+    bool failSystemCall(int error);
+    const char* streamMode(int mode) const;
+
+    CZeString m_fileName;
+    std::FILE* m_stream = nullptr; ///< Of a file opened by name. Only opens and closes, never buffers.
+    int m_descriptor = -1;
+    int m_mode = 0;
+    std::vector<Mapping> m_mappings;
+};
