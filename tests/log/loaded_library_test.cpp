@@ -9,9 +9,10 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <sstream>
-#include <stdexcept>
 #include <thread>
 
 #include <dlfcn.h>
@@ -22,7 +23,6 @@ using namespace std::chrono_literals;
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 constexpr SZeLogContext kToFile = {.alwaysToFile = true};
@@ -39,21 +39,11 @@ class LoadedLibraryTest : public testing::Test {
 protected:
     using Printf = void(const SZeLogContext&, const char*, ...);
 
-    LoadedLibraryTest() {
-        load(setFilter, "_Z14ZeSetLogFilteri");
-        load(setFileLogging, "_Z16ZeSetFileLoggingb");
-        load(setRootDirectory, "_Z21ZeSetLogRootDirectoryPKc");
-        load(info, "_Z10ZeLogInfofRK13SZeLogContextPKcz");
-        load(warning, "_Z13ZeLogWarningfRK13SZeLogContextPKcz");
-        load(error, "_Z11ZeLogErrorfRK13SZeLogContextPKcz");
-    }
     ~LoadedLibraryTest() override { unload(); }
 
     template <class Function>
-    void load(Function*& function, const char* symbol) {
-        function = reinterpret_cast<Function*>(dlsym(library, symbol));
-        if (!function)
-            throw std::runtime_error(dlerror());
+    Function* load(const char* symbol) const {
+        return reinterpret_cast<Function*>(dlsym(library, symbol));
     }
 
     void unload() {
@@ -62,45 +52,42 @@ protected:
         library = nullptr;
     }
 
-    /// The lines up to now, without their time stamps. What is in the file's buffer is pushed out by so much
-    /// more.
+    std::string pathOfToday() const {
+        const std::time_t now = std::time(nullptr);
+        char name[64];
+        std::strftime(name, sizeof name, "glowkit/log/glowkitlog(%Y-%m-%d).log", std::localtime(&now));
+        return directory / name;
+    }
+
+    /// The lines up to now, without their stamps. More lines push them out of the file's buffer.
     std::vector<std::string> writtenLines() {
         for (int i = 0; i < 100; ++i)
             error(kToFile, "%01000d", 0);
-        std::string path, text;
+        std::string text;
         EXPECT_TRUE(becomesTrue([&] {
-            path = directory / ("glowkit/log/glowkitlog(" + today() + ").log");
-            text = contentOf(path);
+            text = contentOf(pathOfToday());
             return text.find("] 000") != text.npos;
         }));
         std::vector<std::string> lines;
         std::istringstream stream(text);
-        constexpr std::size_t kStampSize = sizeof "[2024-03-05 23:59:59] " - 1;
         for (std::string line; std::getline(stream, line) && line.find("] 000") == line.npos;) {
             std::tm time = {};
             const char* const end = strptime(line.c_str(), "[%Y-%m-%d %H:%M:%S] ", &time);
-            EXPECT_EQ(end, line.c_str() + kStampSize) << line;
-            lines.push_back(line.substr(kStampSize));
+            EXPECT_EQ(end, line.c_str() + std::strlen("[2024-03-05 23:59:59] ")) << line;
+            lines.push_back(end ? end : "");
         }
         return lines;
-    }
-
-    static std::string today() {
-        const std::time_t now = std::time(nullptr);
-        std::tm date = {};
-        char text[16];
-        return {text, std::strftime(text, sizeof text, "%Y-%m-%d", localtime_r(&now, &date))};
     }
 
     LogCapture log;
     TempDirectory directory;
     void* library = dlopen(ZE_LIBRARY_PATH, RTLD_NOW | RTLD_LOCAL);
-    void (*setFilter)(int) = nullptr;
-    void (*setFileLogging)(bool) = nullptr;
-    void (*setRootDirectory)(const char*) = nullptr;
-    Printf* info = nullptr;
-    Printf* warning = nullptr;
-    Printf* error = nullptr;
+    void (*setFilter)(int) = load<void(int)>("_Z14ZeSetLogFilteri");
+    void (*setFileLogging)(bool) = load<void(bool)>("_Z16ZeSetFileLoggingb");
+    void (*setRootDirectory)(const char*) = load<void(const char*)>("_Z21ZeSetLogRootDirectoryPKc");
+    Printf* info = load<Printf>("_Z10ZeLogInfofRK13SZeLogContextPKcz");
+    Printf* warning = load<Printf>("_Z13ZeLogWarningfRK13SZeLogContextPKcz");
+    Printf* error = load<Printf>("_Z11ZeLogErrorfRK13SZeLogContextPKcz");
 };
 
 TEST_F(LoadedLibraryTest, LeavesNoThreadAndNoOpenFileBehind) {
@@ -110,7 +97,7 @@ TEST_F(LoadedLibraryTest, LeavesNoThreadAndNoOpenFileBehind) {
     EXPECT_EQ(taskCount(), tasks + 1);
     setFileLogging(true);
     info({}, "last words");
-    const std::string path = directory / ("glowkit/log/glowkitlog(" + today() + ").log");
+    const std::string path = pathOfToday();
     ASSERT_TRUE(becomesTrue([&] { return std::filesystem::exists(path); }));
     EXPECT_EQ(contentOf(path), ""); // in the buffer of the file
     const auto start = std::chrono::steady_clock::now();
@@ -143,20 +130,18 @@ TEST_F(LoadedLibraryTest, TakesLinesOfManyThreads) {
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t) {
         threads.emplace_back([this, t] {
-            for (int i = 0; i < kLines; ++i) {
-                setFileLogging(true);
-                setFilter(3);
+            setFileLogging(true);
+            for (int i = 0; i < kLines; ++i)
                 info({}, "%d %d", t, i);
-            }
         });
     }
     for (std::thread& thread : threads)
         thread.join();
     int next[kThreads] = {};
     for (const std::string& line : writtenLines()) {
-        std::size_t t = 0, space = 0;
-        t = std::stoul(line, &space);
-        EXPECT_EQ(std::stoi(line.substr(space)), next[t]++);
+        int t = 0, i = 0;
+        ASSERT_EQ(std::sscanf(line.c_str(), "%d %d", &t, &i), 2);
+        EXPECT_EQ(i, next[t]++);
     }
     EXPECT_THAT(next, testing::Each(kLines));
 }
@@ -178,9 +163,9 @@ TEST_F(LoadedLibraryTest, DropsLinesWhileNoThreadCanBeStarted) {
     GTEST_SKIP() << "ThreadSanitizer's pthread_once does not let exceptions through";
 #endif
     pthread_attr_t normal, huge;
-    ASSERT_EQ(pthread_getattr_default_np(&normal), 0);
-    ASSERT_EQ(pthread_getattr_default_np(&huge), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&huge, std::size_t(1) << 50), 0);
+    pthread_getattr_default_np(&normal);
+    pthread_getattr_default_np(&huge);
+    pthread_attr_setstacksize(&huge, std::size_t(1) << 50);
     ASSERT_EQ(pthread_setattr_default_np(&huge), 0);
     info(kToFile, "dropped");
     ASSERT_EQ(pthread_setattr_default_np(&normal), 0);
