@@ -14,7 +14,7 @@ namespace {
 using reference::ColourDescription;
 using reference::Picture;
 
-constexpr ColourDescription kDescriptions[] = {{0, 0}, {0, 1}, {1, 0}, {1, 1}};
+constexpr ColourDescription kDescriptions[] = {{0, 0}, {0, 1}, {1, 0}, {1, 1}, {2, -1}};
 constexpr struct { int width, height; } kSizes[] = {{1, 1}, {2, 2}, {4, 2}, {1, 4}, {5, 3}, {6, 5}, {33, 17}};
 
 class ConversionPixel : public GlTest {
