@@ -1,8 +1,9 @@
-# The platform's own libraries: EGL with OpenGL ES 2.0, the log of Android, threads.
+# The platform's own libraries: EGL with OpenGL ES 2.0, the log of Android, zlib, threads.
 # On Linux the log is the liblog of Debian's package android-liblog-dev, which sits in a folder of its own;
 # programs find it there again through their run path.
 
 find_package(Threads REQUIRED)
+find_package(ZLIB REQUIRED)
 
 add_library(ze_gl_driver INTERFACE)
 target_link_libraries(ze_gl_driver INTERFACE EGL GLESv2)

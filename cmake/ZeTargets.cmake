@@ -8,7 +8,8 @@ function(ze_add_part name)
   add_library(ze_${name} OBJECT ${arg_SOURCES})
   target_link_libraries(ze_${name} PRIVATE ze_options)
   target_include_directories(ze_${name} SYSTEM PRIVATE
-    $<TARGET_PROPERTY:ze_android_log,INTERFACE_SYSTEM_INCLUDE_DIRECTORIES>)
+    $<TARGET_PROPERTY:ze_android_log,INTERFACE_SYSTEM_INCLUDE_DIRECTORIES>
+    $<TARGET_PROPERTY:ZLIB::ZLIB,INTERFACE_INCLUDE_DIRECTORIES>)
   set_property(GLOBAL APPEND PROPERTY ZE_PARTS ze_${name})
   foreach(header IN LISTS arg_PUBLIC_HEADERS)
     cmake_path(ABSOLUTE_PATH header BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR})
@@ -32,7 +33,7 @@ function(ze_add_shared_library)
   add_library(ZeBeautyEffect SHARED ${objects})
   set_target_properties(ZeBeautyEffect PROPERTIES LINKER_LANGUAGE CXX LINK_DEPENDS ${map})
   target_include_directories(ZeBeautyEffect INTERFACE ${PROJECT_SOURCE_DIR})
-  target_link_libraries(ZeBeautyEffect PRIVATE ze_options ze_gl_driver ze_android_log Threads::Threads)
+  target_link_libraries(ZeBeautyEffect PRIVATE ze_options ze_gl_driver ze_android_log ZLIB::ZLIB Threads::Threads)
   target_link_options(ZeBeautyEffect PRIVATE -Wl,--version-script=${map} -Wl,--no-undefined)
 endfunction()
 
@@ -48,7 +49,7 @@ function(ze_add_test name)
   else()
     target_link_libraries(${name} PRIVATE ze_gl_driver)
   endif()
-  target_link_libraries(${name} PRIVATE ze_options ze_test_support ze_android_log Threads::Threads
+  target_link_libraries(${name} PRIVATE ze_options ze_test_support ze_android_log ZLIB::ZLIB Threads::Threads
     ${arg_LIBRARIES} GTest::gmock)
   add_test(NAME ${name} COMMAND ${name})
   ze_set_test_environment(${name} ${arg_ENVIRONMENT})
@@ -68,6 +69,6 @@ function(ze_add_bench name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
   ze_part_objects(objects)
   add_executable(${name} ${arg_SOURCES} ${objects})
-  target_link_libraries(${name} PRIVATE ze_options ze_gl_driver ze_android_log Threads::Threads
+  target_link_libraries(${name} PRIVATE ze_options ze_gl_driver ze_android_log ZLIB::ZLIB Threads::Threads
     ${arg_LIBRARIES} benchmark::benchmark)
 endfunction()

@@ -1,6 +1,6 @@
 #include "core/io/io_device.h"
 
-#include "core/tools/array_data.h"
+#include "core/tools/byte_array_limit.h"
 #include "core/tools/error_text.h"
 #include "core/warning.h"
 
@@ -10,13 +10,10 @@
 
 namespace {
 
-/// The largest byte array: a block's header and the terminator take the rest of the 31 bits.
-constexpr int64_t kMaxArraySize = INT32_MAX - int64_t{sizeof(SZeArrayData)} - 1;
-
 bool fitsArray(int64_t size) {
-    if (size > kMaxArraySize)
+    if (size > ze::kMaxByteArraySize)
         ze::coreWarning("maxSize argument exceeds CZeByteArray size limit");
-    return size <= kMaxArraySize;
+    return size <= ze::kMaxByteArraySize;
 }
 
 } // namespace
@@ -82,7 +79,7 @@ CZeByteArray CZeIODevice::read(int64_t maxSize) {
 }
 
 CZeByteArray CZeIODevice::readAll() {
-    return mayRead(0) && fitsArray(size() - pos()) ? readArray(kMaxArraySize, true) : CZeByteArray();
+    return mayRead(0) && fitsArray(size() - pos()) ? readArray(ze::kMaxByteArraySize, true) : CZeByteArray();
 }
 
 int64_t CZeIODevice::peek(char* data, int64_t maxSize) {
