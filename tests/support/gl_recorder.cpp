@@ -240,11 +240,11 @@ GlRecorder::Texture& RecordedCall::target() const {
     return object(gl->textures, object(gl->framebuffers, gl->framebuffer).texture);
 }
 
-const std::string& RecordedCall::variable(GLuint location, bool isUniform) const {
+const GlVariable& RecordedCall::variable(GLuint location, bool isUniform) const {
     const GlVariable& found = driver.variables[location];
     if (found.program != gl->program || found.isUniform != isUniform)
         fail("not of the current program");
-    return found.name;
+    return found;
 }
 
 std::string RecordedCall::show(Enum value) {

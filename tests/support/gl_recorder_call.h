@@ -155,8 +155,8 @@ public:
     GlRecorder::Texture& boundTexture() const { return object(gl->textures, gl->units[gl->activeUnit]); }
     /// The texture attached to the bound frame buffer.
     GlRecorder::Texture& target() const;
-    /// The name of an attribute or uniform, which has to belong to the current program.
-    const std::string& variable(GLuint location, bool isUniform) const;
+    /// The attribute or uniform at `location`, which has to belong to the current program.
+    const GlVariable& variable(GLuint location, bool isUniform) const;
 
     GlRecorder& recorder;
     GlDriver& driver;

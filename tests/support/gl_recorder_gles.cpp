@@ -19,34 +19,19 @@ bool declares(const std::string& source, const std::string& qualifier, const std
     return false;
 }
 
-const char* programLabel(const std::string& source) {
-    constexpr struct {
-        const char *uniform, *label;
-    } kLabels[] = {{"matYuvToRgb", "yuvToRgb"},
-                   {"sPerHalfTexel", "rgbToYuv"},
-                   {"mixFactor", "mix"},
-                   {"distanceNormalizationFactor", "blur"},
-                   {"rgbToTexCoordRatio", "lutRatio"},
-                   {"texCoordLut1D", "lutMapped"}};
-    for (const auto& entry : kLabels)
-        if (declares(source, "uniform", entry.uniform))
-            return entry.label;
+std::string programLabel(const std::string& source) {
+    const std::pair<const char*, const char*> labels[] = {
+        {"matYuvToRgb", "yuvToRgb"},    {"sPerHalfTexel", "rgbToYuv"},
+        {"mixFactor", "mix"},           {"distanceNormalizationFactor", "blur"},
+        {"texCoordLut1D", "lutMapped"}, {"rgbToTexCoordRatio", "lutRatio"}};
+    for (const auto& [uniform, label] : labels)
+        if (declares(source, "uniform", uniform))
+            return label;
     return "program";
 }
 
 int bytesPerTexel(GLenum format) {
-    switch (format) {
-    case GL_LUMINANCE:
-        return 1;
-    case GL_LUMINANCE_ALPHA:
-        return 2;
-    case GL_RGB:
-        return 3;
-    case GL_RGBA:
-        return 4;
-    default:
-        return 0;
-    }
+    return format == GL_LUMINANCE ? 1 : format == GL_LUMINANCE_ALPHA ? 2 : format == GL_RGB ? 3 : 4;
 }
 
 /// Bytes from row to row as GL reads and writes host memory.
@@ -54,9 +39,14 @@ size_t rowPitch(int width, GLenum format, GLint alignment) {
     return size_t((width * bytesPerTexel(format) + alignment - 1) / alignment * alignment);
 }
 
-void setUniform(const RecordedCall& call, GLint location, const GLfloat* values, GLsizei count) {
-    const std::string& name = call.variable(GLuint(location), true);
-    call.object(call.gl->programs, call.gl->program).uniforms[name].assign(values, values + count);
+void setUniform(const RecordedCall& call, GLint location, const GLfloat* values, int count) {
+    const GlVariable& variable = call.variable(GLuint(location), true);
+    call.gl->programs[variable.program].uniforms[variable.name].assign(values, values + count);
+}
+
+void setUniforms(const char* function, GLint location, const GLfloat* values, GLsizei count, int components) {
+    setUniform(RecordedCall(function, Location{GLuint(location)}, count), location, values,
+               count * components);
 }
 
 GLint lookUp(const RecordedCall& call, GLuint program, const GLchar* name, bool isUniform) {
@@ -198,7 +188,7 @@ void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
             continue;
         }
         const auto& [size, stride, data] = gl.pointers.at(location);
-        auto& values = draw.attributes[call.variable(location, false)];
+        auto& values = draw.attributes[call.variable(location, false).name];
         for (int corner = first; corner < first + count; ++corner) {
             const auto* floats =
                 reinterpret_cast<const GLfloat*>(static_cast<const char*>(data) + corner * stride);
@@ -332,30 +322,26 @@ void glUniform1f(GLint location, GLfloat value) {
     setUniform(call, location, &value, 1);
 }
 
-void glUniform1fv(GLint location, GLsizei count, const GLfloat* values) {
-    const RecordedCall call("glUniform1fv", Location{GLuint(location)}, count);
-    setUniform(call, location, values, count);
-}
-
 void glUniform1i(GLint location, GLint value) {
     const RecordedCall call("glUniform1i", Location{GLuint(location)}, value);
     const auto number = GLfloat(value);
     setUniform(call, location, &number, 1);
 }
 
+void glUniform1fv(GLint location, GLsizei count, const GLfloat* values) {
+    setUniforms("glUniform1fv", location, values, count, 1);
+}
+
 void glUniform2fv(GLint location, GLsizei count, const GLfloat* values) {
-    const RecordedCall call("glUniform2fv", Location{GLuint(location)}, count);
-    setUniform(call, location, values, 2 * count);
+    setUniforms("glUniform2fv", location, values, count, 2);
 }
 
 void glUniform3fv(GLint location, GLsizei count, const GLfloat* values) {
-    const RecordedCall call("glUniform3fv", Location{GLuint(location)}, count);
-    setUniform(call, location, values, 3 * count);
+    setUniforms("glUniform3fv", location, values, count, 3);
 }
 
 void glUniform4fv(GLint location, GLsizei count, const GLfloat* values) {
-    const RecordedCall call("glUniform4fv", Location{GLuint(location)}, count);
-    setUniform(call, location, values, 4 * count);
+    setUniforms("glUniform4fv", location, values, count, 4);
 }
 
 void glUniformMatrix3fv(GLint location, GLsizei count, GLboolean transpose, const GLfloat* values) {
