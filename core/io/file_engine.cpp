@@ -1,12 +1,16 @@
 #include "core/io/file_engine.h"
 
 #include "core/io/generic_file_engine.h"
+#include "core/io/resource_file_engine.h"
+#include "core/io/resource_info.h"
 
 CZeFileEngine::CZeFileEngine() = default;
 
 CZeFileEngine::~CZeFileEngine() = default;
 
 std::unique_ptr<CZeFileEngine> CZeFileEngine::create(const CZeString& fileName) {
+    if (CZeResourceInfo::isResourcePath(fileName))
+        return std::make_unique<CZeResourceFileEngine>(fileName);
     return std::make_unique<CZeGenericFileEngine>(fileName);
 }
 
