@@ -1,13 +1,15 @@
 #include "core/io/dir.h"
 
+#include "core/io/native_path.h"
+#include "core/io/tree_removal.h"
 #include "core/tools/ze_string.h"
 #include "core/warning.h"
 
 #include <cerrno>
-#include <cstddef>
 #include <string>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -44,11 +46,30 @@ bool CZeDir::mkpath(const CZeString& path) {
         ze::coreWarning("CZeDir::mkpath: Empty or null path name");
         return false;
     }
-    const CZeByteArray bytes = path.toLocal8Bit();
-    const std::string name(bytes.constData(), std::size_t(bytes.size()));
-    if (name.front() != '/') {
+    if (path[0] != u'/') {
         ze::coreWarning("CZeDir::mkpath: only accept absolute dir path!");
         return false;
     }
-    return makeWithParents(name);
+    return makeWithParents(ze::nativePath(path).constData());
+}
+
+bool CZeDir::rmdir(const CZeString& path) {
+    if (path.isEmpty()) {
+        ze::coreWarning("CZeDir::rmdir: Empty or null path name");
+        return false;
+    }
+    if (path[0] != u'/') {
+        ze::coreWarning("CZeDir::rmdir: only accept absolute dir path!");
+        return false;
+    }
+    return ::rmdir(ze::nativePath(path).constData()) == 0;
+}
+
+bool CZeDir::removeRecursively(const CZeString& path) {
+    if (path.isEmpty() || path[0] != u'/') {
+        ze::coreWarning("CZeDir::removeRecursively: only accept absolute dir path!");
+        return false;
+    }
+    const CZeByteArray name = ze::nativePath(path);
+    return !name.isEmpty() && ze::removeTree(name.constData());
 }

@@ -12,4 +12,15 @@ public:
     /// ignored. True when the directory exists afterwards. False for an empty or a relative path, which is
     /// also logged as a warning, and when something stands in the way; parents made by then stay.
     static bool mkpath(const CZeString& path);
+
+    /// Removes the directory `path`, which must be empty. False when that fails, and for an empty or a
+    /// relative path, which is also logged as a warning.
+    static bool rmdir(const CZeString& path);
+
+    /// Removes the directory `path` with all that is in it. Symbolic links are removed, never followed; when
+    /// `path` itself is one, nothing is done. What cannot be removed does not keep the rest from going. True
+    /// when nothing is left, also when there was no such directory. False when something is, for the root of
+    /// the file system, and for an empty or a relative path, which is also logged as a warning. Needs three
+    /// file descriptors, however deep the tree is.
+    static bool removeRecursively(const CZeString& path);
 };
