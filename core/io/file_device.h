@@ -46,6 +46,8 @@ protected:
     bool openEngine(std::unique_ptr<CZeFileEngine> engine, int mode);
     /// The open engine; null while the device is closed.
     CZeFileEngine* engine() const { return m_engine.get(); }
+    /// Gives up what is buffered for writing.
+    void forgetPending() { m_pendingSize = 0; }
     /// A write has failed since the device was opened.
     bool hasWriteFailed() const { return m_hasWriteFailed; }
 
