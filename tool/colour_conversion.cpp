@@ -12,11 +12,9 @@ namespace ze::tool {
 namespace {
 
 // Exact arithmetic, the same on every processor. Area averages four pixels into one chroma sample on the way
-// down; on the way up it is what FFmpeg takes for bilinear.
+// down; on the way up it is what FFmpeg takes for bilinear. Without further settings FFmpeg places chroma in
+// the centre.
 constexpr int kScaling = SWS_AREA | SWS_ACCURATE_RND | SWS_BITEXACT | SWS_FULL_CHR_H_INT;
-
-// In 1/256 of a luma sample, as FFmpeg counts it.
-constexpr int kCentre = 128;
 
 int isFullRange(const AVFrame& frame) {
     const auto* description = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
@@ -31,10 +29,8 @@ void convertColours(const AVFrame& from, AVFrame& to) {
         const char* name;
         int value;
     } settings[] = {
-        {"srcw", from.width},       {"srch", from.height},      {"src_format", from.format},
-        {"dstw", to.width},         {"dsth", to.height},        {"dst_format", to.format},
-        {"sws_flags", kScaling},    {"src_h_chr_pos", kCentre}, {"src_v_chr_pos", kCentre},
-        {"dst_h_chr_pos", kCentre}, {"dst_v_chr_pos", kCentre},
+        {"srcw", from.width}, {"srch", from.height}, {"src_format", from.format}, {"sws_flags", kScaling},
+        {"dstw", to.width},   {"dsth", to.height},   {"dst_format", to.format},
     };
     for (const auto& setting : settings)
         av_opt_set_int(scaler.get(), setting.name, setting.value, 0);

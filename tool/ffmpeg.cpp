@@ -13,7 +13,8 @@ bool isWhole(const std::string& message) {
     return !message.empty() && message.back() == '\n';
 }
 
-void rememberError(void*, int level, const char* format, va_list arguments) {
+__attribute__((format(printf, 3, 0))) void rememberError(void*, int level, const char* format,
+                                                         va_list arguments) {
     if (level > AV_LOG_ERROR)
         return;
     char text[512];

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 #include <unistd.h>
 
@@ -43,7 +44,7 @@ int refuseHugePicture(AVCodecContext* codec, AVFrame* frame, int flags) {
 
 class PictureDecoder {
 public:
-    PictureDecoder(const std::string& path, int64_t memory) : m_path(path), m_budget{memory, {}} {
+    PictureDecoder(std::string path, int64_t memory) : m_path(std::move(path)), m_budget{memory, {}} {
         startFfmpegLog();
         openFile();
         openDecoder();
@@ -117,14 +118,14 @@ private:
 
     Failure damaged(int error) const {
         if (!m_budget.refusal.empty())
-            return Failure(ExitCode::failed, m_path, m_budget.refusal);
+            return {ExitCode::failed, m_path, m_budget.refusal};
         const std::string reason = ffmpegReason(error);
         int width = 0;
         int height = 0;
         if (std::sscanf(reason.c_str(), "Picture size %dx%d", &width, &height) == 2 && width > 0 &&
             height > 0)
-            return Failure(ExitCode::failed, m_path, "is larger than FFmpeg reads (" + reason + ")");
-        return Failure(ExitCode::badInput, m_path, "is no valid picture (" + reason + ")");
+            return {ExitCode::failed, m_path, "is larger than FFmpeg reads (" + reason + ")"};
+        return {ExitCode::badInput, m_path, "is no valid picture (" + reason + ")"};
     }
 
     std::string m_path;

@@ -30,7 +30,7 @@ FfmpegPtr<AVFrame> transparentFrame(const Picture& picture) {
     for (int y = 0; y < picture.height; ++y) {
         uint8_t* target = frame->data[0] + static_cast<ptrdiff_t>(y) * frame->linesize[0];
         for (int x = 0; x < picture.width; ++x, target += 4) {
-            std::memcpy(target, picture.row(y) + 3 * x, 3);
+            std::memcpy(target, picture.row(y) + 3 * static_cast<ptrdiff_t>(x), 3);
             target[3] = picture.alpha[picture.index(x, y)];
         }
     }

@@ -25,8 +25,8 @@ FfmpegPtr<AVFrame> makeYuvFrame(int width, int height, const YuvDescription& des
     return frame;
 }
 
-// Repeats the last of `size` bytes-wide elements of `row` up to the even size.
-void repeatLast(uint8_t* row, int size, int bytes) {
+// Repeats the last of the `size` elements in `row`, each of `bytes`, up to the even size.
+void repeatLast(uint8_t* row, int size, ptrdiff_t bytes) {
     if (size % 2 != 0)
         std::memcpy(row + size * bytes, row + (size - 1) * bytes, static_cast<size_t>(bytes));
 }

@@ -142,6 +142,10 @@ TEST_F(Program, WritesTheSamePixelsInBothLayoutsWithoutAnEffectAndWithoutGl) {
     const Picture after = read("a.png");
     EXPECT_EQ(contentOf(m_directory / "a.png"), contentOf(m_directory / "b.png"));
     EXPECT_EQ(after.alpha, chart.alpha);
+    for (const char* option : {"--standard bt709", "--range video"}) {
+        ASSERT_EQ(run("render in.png -y b.png --smooth 0 --whiten 0 "s + option, kNoGl), 0) << errorText();
+        EXPECT_NE(read("b.png").rgb, after.rgb) << option;
+    }
 
     const Picture both = read("both.png");
     ASSERT_EQ(std::pair(both.width, both.height), std::pair(66, 17));

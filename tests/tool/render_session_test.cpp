@@ -82,13 +82,16 @@ TEST(RenderSession, SmoothsMediumSkinAndKeepsHairAndOtherColours) {
     const Picture chart = drawChart(640, 480, ChartNoise::speckled);
     const Picture before = rendered(chart, 0, 0);
     const Picture after = rendered(chart, 1, 0);
+    const Picture swapped = rendered(chart, 1, 0, {.order = ChromaOrder::nv21});
+    for (size_t i = 0; i < after.rgb.size(); ++i)
+        ASSERT_NEAR(swapped.rgb[i], after.rgb[i], 6) << "the layout makes no difference";
     for (const ChartPatch& patch : chartPatches(640, 480)) {
         const double ratio = detail(after, patch.area) / detail(before, patch.area);
         const int red = patch.colour.red;
         if (patch.kind == PatchKind::skin && red > 0x5f && red < 0xd8) {
             EXPECT_LT(ratio, 0.75) << red;
         } else if (patch.kind != PatchKind::skin && patch.kind != PatchKind::grey) {
-            EXPECT_GT(ratio, 0.9) << static_cast<int>(patch.kind) << " " << red;
+            EXPECT_GT(ratio, 0.85) << static_cast<int>(patch.kind) << " " << red;
         }
     }
 }
