@@ -1,6 +1,6 @@
 // libZeBeautyEffect: beautifies NV12 and NV21 camera frames in memory.
 //
-//     ZecRenderCore* core = ZecCreateRenderCore() noexcept;
+//     ZecRenderCore* core = ZecCreateRenderCore();
 //     ZecEffect* beauty = ZecCreateEffect(0);
 //     ZecSetBeautyParams(beauty, 0.8f, 0.2f);
 //     ZecRender(core, {beauty}, &frame, &frame, 0, 0, 1, width, height, 0);   // once per frame, in place
