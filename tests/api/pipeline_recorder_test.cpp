@@ -1,5 +1,6 @@
 // The frame pipeline: order, laziness, reuse, the effect chain, and what failures leave behind.
 
+#include "convert/color_constants.h"
 #include "tests/api/recorded_host.h"
 #include "tests/support/log_capture.h"
 
@@ -7,9 +8,10 @@
 #include <sstream>
 
 #include <gmock/gmock.h>
+#include <gtest/gtest-spi.h>
 
-using testing::AnyOf;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 namespace {
@@ -109,10 +111,14 @@ TEST_F(Pipeline, TheFirstFrameMakesEverythingInOrder) {
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
-TEST_F(Pipeline, WritesWhatWasReadBackInTheChromaOrderOfTheFormat) {
-    RecordedHost host;
+TEST_F(Pipeline, ConvertsAsToldAndWritesWhatWasReadBack) {
     for (int format : {0, 1}) {
-        ASSERT_TRUE(host.render(5, 3, format));
+        const GlRecorder recorder;
+        RecordedHost host;
+        ASSERT_TRUE(host.render(5, 3, format, 0, 1));
+        const auto matrix = yuvToRgbMatrix(kBt601FullToRgb, format == 1);
+        EXPECT_THAT(recorder.uniform("yuvToRgb", "matYuvToRgb"), ElementsAreArray(matrix));
+        EXPECT_EQ(recorder.uniform("rgbToYuv", "coefY")[0], kRgbToBt601Full.yR);
         TestFrame expected(5, 3);
         fillPicture(expected.image, 5, 3, [&](int plane, int x, int y) {
             const bool isFirst = x % 2 == 0;
@@ -377,6 +383,20 @@ TEST_F(Pipeline, AFailedRebuildIsMadeUpForWhateverSizeComesNext) {
                 EXPECT_EQ(recorder.drawTexts(&GlRecorder::Draw::sizes), drawSizes(width, height));
                 EXPECT_THAT(log.texts(), IsEmpty());
             }
+}
+
+TEST_F(Pipeline, AMissingFrameBufferIsMadeByTheNextFrame) {
+    RecordedHost host;
+    gl.refuse("glGenFramebuffers", 1);
+    {
+        testing::TestPartResultArray misuse; // without a frame buffer there is no target
+        const testing::ScopedFakeTestPartResultReporter reporter(&misuse);
+        EXPECT_TRUE(host.render());
+    }
+    EXPECT_EQ(log.texts()[0], "Failed to create fbo!");
+    gl.clear();
+    EXPECT_TRUE(host.render());
+    EXPECT_EQ(gl.drawTexts(&GlRecorder::Draw::sizes), drawSizes(5, 3));
 }
 
 Strings lines(const std::string& text) {

@@ -178,7 +178,7 @@ void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
     for (const auto& [unit, name] : sources) {
         draw.sources.push_back(call.object(call.gl->textures, name));
         checkSource(call, draw.sources.back());
-        if (name == gl.framebuffers.at(gl.framebuffer).texture)
+        if (&call.object(call.gl->textures, name) == &call.target())
             call.fail("samples its own target");
     }
 
