@@ -22,9 +22,10 @@ void rememberError(const __android_logger_data* data, const char* message) {
 } // namespace
 
 void startLibraryLog() {
+    // Not under the mutex: the log holds a lock of its own here, and also when it calls the logger.
+    __android_log_set_logger(rememberError);
     const std::lock_guard lock(g_mutex);
     g_lastError.clear();
-    __android_log_set_logger(rememberError);
 }
 
 std::string libraryReason() {
