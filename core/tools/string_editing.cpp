@@ -12,10 +12,8 @@
 /// is no memory.
 CZeChar* CZeString::openGap(int position, int size) {
     const int oldSize = this->size();
-    const int64_t newSize = int64_t{std::max(position, oldSize)} + size;
-    if (newSize >= INT32_MAX)
-        return nullptr;
-    const auto needed = uint32_t(newSize) + 1;
+    const uint32_t newSize = uint32_t(std::max(position, oldSize)) + uint32_t(size);
+    const uint32_t needed = newSize + 1; // two sizes fit even when no block can
     if (m_array.isShared() || needed > m_array.capacity()) {
         const int options = SZeArrayData::GrowGeometric | m_array.keptOptions();
         if (!m_array.reallocData(needed, options))

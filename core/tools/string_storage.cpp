@@ -36,9 +36,8 @@ CZeString CZeString::fromRawData(const CZeChar* units, int size) {
 }
 
 const char16_t* CZeString::utf16() {
-    if (m_array.wrapsForeignMemory())
-        m_array.detach();
-    return reinterpret_cast<const char16_t*>(unicode());
+    const bool isTerminated = !m_array.wrapsForeignMemory() || m_array.detach();
+    return isTerminated ? reinterpret_cast<const char16_t*>(unicode()) : nullptr;
 }
 
 void CZeString::resize(int size, CZeChar fill) {

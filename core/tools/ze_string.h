@@ -66,7 +66,7 @@ public:
     const CZeChar* begin() const { return m_array.units(); }
     const CZeChar* end() const { return m_array.units() + m_array.size(); }
     /// The units with a terminating zero. A string that wraps foreign memory first takes a private copy for
-    /// that.
+    /// that; null when there is no memory.
     const char16_t* utf16();
 
     /// The unit at `index`, from 0 to `size()` − 1.
@@ -241,9 +241,9 @@ public:
     }
 
     // Formatting: a copy in which every occurrence of the lowest escape %0 to %99 gives way to the argument,
-    // so that chained calls fill %1, %2 and so on. `fill` pads the argument to the field width, before it
-    // when that is positive, behind it when negative. Without an escape the copy is unchanged and a warning
-    // is logged. A result that would be too long is the null string.
+    // so that chained calls fill %1, %2 and so on. `fill`, to be given as a CZeChar, pads the argument to the
+    // field width, before it when that is positive, behind it when negative. Without an escape the copy is
+    // unchanged and a warning is logged. A result that would be too long is the null string.
 
     CZeString arg(const CZeString& argument, int fieldWidth = 0, CZeChar fill = ' ') const;
     CZeString arg(CZeChar argument, int fieldWidth = 0, CZeChar fill = ' ') const;

@@ -48,15 +48,13 @@ TEST(ByteArray, ResizeGrowsByPowersAndShrinksBelowHalf) {
     const struct {
         int from, to, capacity;
     } rows[] = {
-        {0, 5, 6},          // out of the static block: exact
+        // clang-format off
+        {0, 5, 6}, // out of the static block: exact
         {1000, 1000, 1001}, // room for the terminator counts
-        {1000, 1001, 2048 - 24},
-        {1000, 499, 1001}, // 500 is half of 1001, not below
-        {1000, 498, 1024 - 24},
-        {1000, 10, 64 - 24},
-        {1000, 0, 0},
-        {1000, -7, 0},
+        {1000, 1001, 2048 - 24}, {1000, 499, 1001}, // 500 is half of 1001, not below
+        {1000, 498, 1024 - 24}, {1000, 10, 64 - 24}, {1000, 0, 0}, {1000, -7, 0},
         {1000, INT_MAX, 1001}, // refused
+        // clang-format on
     };
     for (const auto& row : rows) {
         CZeByteArray array = row.from == 0 ? CZeByteArray() : letters(row.from);
@@ -179,15 +177,12 @@ TEST(ByteArray, SetNumFormatsAsPrintf) {
         int precision;
         std::string text;
     } rows[] = {
-        {0.1, 'g', 6, "0.1"},
-        {1234567, 'g', 6, "1.23457e+06"},
-        {1.5, 'g', -1, "1.5"},
-        {1.5, 'f', -1, "1.500000"},
-        {2.0 / 3, 'f', 2, "0.67"},
-        {-2.0 / 3, 'E', 1, "-6.7E-01"},
-        {1e300, 'G', 3, "1E+300"},
-        {0.5, 'f', 0, "0"},
+        // clang-format off
+        {0.1, 'g', 6, "0.1"}, {1234567, 'g', 6, "1.23457e+06"}, {1.5, 'g', -1, "1.5"},
+        {1.5, 'f', -1, "1.500000"}, {2.0 / 3, 'f', 2, "0.67"}, {-2.0 / 3, 'E', 1, "-6.7E-01"},
+        {1e300, 'G', 3, "1E+300"}, {0.5, 'f', 0, "0"},
         {1, 'f', 200, "1." + std::string(125, '0')}, // cut at 127
+        // clang-format on
     };
     for (const auto& row : rows) {
         CZeByteArray array("before");

@@ -18,20 +18,12 @@ TEST(Number, FormatsIntegersInEveryBase) {
         int base;
         std::string text;
     } rows[] = {
-        {0, 10, "0"},
-        {255, 16, "ff"},
-        {-255, 16, "-ff"},
-        {35, 36, "z"},
-        {36, 36, "10"},
-        {5, 2, "101"},
-        {-10, 10, "-10"},
-        {42, 1, "42"},
-        {42, 37, "42"},
-        {42, -2, "42"},
-        {8, 8, "10"},
-        {LONG_MAX, 10, "9223372036854775807"},
-        {LONG_MIN, 10, "-9223372036854775808"},
+        // clang-format off
+        {0, 10, "0"}, {255, 16, "ff"}, {-255, 16, "-ff"}, {35, 36, "z"}, {36, 36, "10"}, {5, 2, "101"},
+        {-10, 10, "-10"}, {42, 1, "42"}, {42, 37, "42"}, {42, -2, "42"}, {8, 8, "10"},
+        {LONG_MAX, 10, "9223372036854775807"}, {LONG_MIN, 10, "-9223372036854775808"},
         {LONG_MIN, 2, "-1" + std::string(63, '0')},
+        // clang-format on
     };
     for (const auto& row : rows) {
         EXPECT_EQ(utf8(CZeString::number(row.value, row.base)), row.text);
@@ -53,21 +45,14 @@ TEST(Arg, FillsTheLowestEscape) {
         int fieldWidth;
         const char* result;
     } rows[] = {
-        {u"Error %1 in %1 and %2", 0, "Error x in x and %2"},
-        {u"%10 %9", 0, "%10 x"},
-        {u"%10", 0, "x"},
-        {u"%100", 0, "x0"},
-        {u"%0%1", 0, "x%1"},
+        // clang-format off
+        {u"Error %1 in %1 and %2", 0, "Error x in x and %2"}, {u"%10 %9", 0, "%10 x"}, {u"%10", 0, "x"},
+        {u"%100", 0, "x0"}, {u"%0%1", 0, "x%1"},
         {u"%01%1", 0, "xx"}, // both are the number 1, of different lengths
-        {u"%2%1%2%1", 0, "%2x%2x"},
-        {u"%%1%", 0, "%x%"},
-        {u"%a %L1 %9", 0, "%a %L1 x"},
-        {u"100% %1", 0, "100% x"},
-        {u"%\u0661%5", 0, "%\xD9\xA1x"}, // only ASCII digits
-        {u"[%1]", 3, "[..x]"},
-        {u"[%1]", -3, "[x..]"},
-        {u"[%1]", 1, "[x]"},
-        {u"[%1|%1]", 2, "[.x|.x]"},
+        {u"%2%1%2%1", 0, "%2x%2x"}, {u"%%1%", 0, "%x%"}, {u"%a %L1 %9", 0, "%a %L1 x"},
+        {u"100% %1", 0, "100% x"}, {u"%\u0661%5", 0, "%\xD9\xA1x"}, // only ASCII digits
+        {u"[%1]", 3, "[..x]"}, {u"[%1]", -3, "[x..]"}, {u"[%1]", 1, "[x]"}, {u"[%1|%1]", 2, "[.x|.x]"},
+        // clang-format on
     };
     LogCapture log;
     for (const auto& row : rows) {
