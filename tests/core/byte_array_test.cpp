@@ -10,29 +10,26 @@ namespace {
 
 TEST(ByteArray, TellsNullFromEmpty) {
     const struct {
-        const char* name;
         CZeByteArray array;
         bool null;
         std::string contents;
         int capacity;
     } rows[] = {
-        {"default", CZeByteArray(), true, "", 0},
-        {"null pointer", CZeByteArray(nullptr, 5), true, "", 0},
-        {"length 0", CZeByteArray("abc", 0), false, "", 0},
-        {"empty text", CZeByteArray(""), false, "", 0},
-        {"text", CZeByteArray("abc"), false, "abc", 4},
-        {"zeros inside", CZeByteArray("a\0b", 3), false, std::string("a\0b", 3), 4},
-        {"fill", CZeByteArray(3, 'x'), false, "xxx", 4},
-        {"fill none", CZeByteArray(0, 'x'), false, "", 0},
-        {"fill negative", CZeByteArray(-1, 'x'), false, "", 0},
-        {"uninitialized none", CZeByteArray(0, Ze::Uninitialized), false, "", 1},
-        {"beyond the limit", CZeByteArray(INT_MAX, 'x'), true, "", 0},
+        // clang-format off
+        {CZeByteArray(), true, "", 0}, {CZeByteArray(nullptr, 5), true, "", 0},
+        {CZeByteArray("abc", 0), false, "", 0}, {CZeByteArray(""), false, "", 0},
+        {CZeByteArray("abc"), false, "abc", 4}, {CZeByteArray("a\0b", 3), false, std::string("a\0b", 3), 4},
+        {CZeByteArray(3, 'x'), false, "xxx", 4}, {CZeByteArray(0, 'x'), false, "", 0},
+        {CZeByteArray(-1, 'x'), false, "", 0}, {CZeByteArray(INT_MAX, 'x'), true, "", 0},
+        {CZeByteArray(0, Ze::Uninitialized), false, "", 1}, {CZeByteArray(-1, Ze::Uninitialized), false, "", 1},
+        // clang-format on
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(row.array.isNull(), row.null) << row.name;
-        EXPECT_EQ(bytes(row.array), row.contents) << row.name;
-        EXPECT_EQ(row.array.capacity(), row.capacity) << row.name;
-        EXPECT_EQ(row.array.constData()[row.array.size()], 0) << row.name;
+        SCOPED_TRACE(&row - rows);
+        EXPECT_EQ(row.array.isNull(), row.null);
+        EXPECT_EQ(bytes(row.array), row.contents);
+        EXPECT_EQ(row.array.capacity(), row.capacity);
+        EXPECT_EQ(row.array.constData()[row.array.size()], 0);
     }
 }
 

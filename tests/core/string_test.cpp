@@ -12,40 +12,31 @@ namespace {
 TEST(String, TellsNullFromEmpty) {
     const CZeChar abc[] = {'a', 'b', 'c', CZeChar()};
     const struct {
-        const char* name;
         CZeString string;
         bool null;
         const char* contents;
     } rows[] = {
-        {"default", CZeString(), true, ""},
-        {"null pointer", CZeString(nullptr, 3), true, ""},
-        {"null Latin-1", CZeLatin1String(nullptr), true, ""},
-        {"empty Latin-1", CZeLatin1String(""), false, ""},
-        {"units", CZeString(abc, 2), false, "ab"},
-        {"units to the zero", CZeString(abc), false, "abc"},
-        {"no units", CZeString(abc, 0), false, ""},
-        {"fill", CZeString(3, CZeChar('x')), false, "xxx"},
-        {"fill none", CZeString(-3, CZeChar('x')), false, ""},
-        {"uninitialized none", CZeString(0, Ze::Uninitialized), false, ""},
-        {"unit", CZeString(CZeChar('x')), false, "x"},
-        {"assigned unit", CZeString() = CZeChar('y'), false, "y"},
-        {"assigned Latin-1", CZeString() = CZeLatin1String("\xE9"), false, "\xC3\xA9"},
-        {"units set", CZeString(3, 'z').setUnicode(abc, 2), false, "ab"},
-        {"beyond the limit", CZeString(1 << 30, CZeChar('x')), true, ""},
-        {"raw null", CZeString::fromRawData(nullptr, 2), true, ""},
-        {"raw empty", CZeString::fromRawData(abc, 0), false, ""},
-        {"raw", CZeString::fromRawData(abc, 2), false, "ab"},
+        // clang-format off
+        {CZeString(), true, ""}, {CZeString(nullptr, 3), true, ""}, {CZeString(abc, 0), false, ""},
+        {CZeString(abc, 2), false, "ab"}, {CZeString(abc), false, "abc"}, {CZeChar('x'), false, "x"},
+        {CZeLatin1String(nullptr), true, ""}, {CZeLatin1String(""), false, ""},
+        {CZeString(3, CZeChar('x')), false, "xxx"}, {CZeString(-3, CZeChar('x')), false, ""},
+        {CZeString(0, Ze::Uninitialized), false, ""}, {CZeString(1 << 30, CZeChar('x')), true, ""},
+        {CZeString() = CZeChar('y'), false, "y"}, {CZeString() = CZeLatin1String("\xE9"), false, "\xC3\xA9"},
+        {CZeString(3, 'z').setUnicode(abc, 2), false, "ab"}, {CZeString::fromRawData(abc, 2), false, "ab"},
+        {CZeString::fromRawData(nullptr, 2), true, ""}, {CZeString::fromRawData(abc, 0), false, ""},
+        // clang-format on
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(row.string.isNull(), row.null) << row.name;
-        EXPECT_EQ(utf8(row.string), row.contents) << row.name;
-        EXPECT_EQ(row.string == CZeString(), row.string.isEmpty()) << row.name;
+        SCOPED_TRACE(&row - rows);
+        EXPECT_EQ(row.string.isNull(), row.null);
+        EXPECT_EQ(utf8(row.string), row.contents);
+        EXPECT_EQ(row.string == CZeString(), row.string.isEmpty());
     }
 }
 
 TEST(String, WrappedMemoryIsNeverWritten) {
     const std::vector<CZeChar> foreign = {'a', 'b', 'c', 'd'};
-    const std::vector<CZeChar> before = foreign;
     const auto wrap = [&foreign] { return CZeString::fromRawData(foreign.data(), 4); };
     CZeString s = wrap();
     EXPECT_EQ(s.constData(), foreign.data());
@@ -65,7 +56,7 @@ TEST(String, WrappedMemoryIsNeverWritten) {
     s.setRawData(foreign.data(), 4);
     s.resize(6, '.');
     EXPECT_EQ(utf8(s), "abcd..");
-    EXPECT_EQ(foreign, before);
+    EXPECT_EQ(foreign, (std::vector<CZeChar>{'a', 'b', 'c', 'd'}));
 }
 
 TEST(String, StorageMembers) {
