@@ -61,7 +61,7 @@ class FramePixel : public GlTest {
 protected:
     void SetUp() override {
         GlTest::SetUp();
-        releaseDriver();
+        releaseContext();
     }
 
     void TearDown() override {
@@ -202,10 +202,11 @@ TEST_F(FramePixel, SizesAndFormatsChangeBetweenFramesAndTheMatrixWithTheDescript
     const struct {
         Format format;
         bool nv21Matrix;
-    } frames[] = {{{40, 30, false, {0, 1}}, false}, {{5, 3, false, {0, 1}}, false},
-                  {{40, 30, true, {0, 1}}, false},  {{30, 40, true, {1, 1}}, true},
-                  {{30, 40, false, {1, 1}}, true},  {{30, 40, false, {1, 0}}, false},
-                  {{1, 1, false, {1, 0}}, false},   {{64, 2, true, {0, 0}}, true}};
+    } frames[] = {
+        {{40, 30, false, {0, 1}}, false}, {{40, 20, false, {0, 1}}, false}, {{60, 20, false, {0, 1}}, false},
+        {{40, 30, true, {0, 1}}, false},  {{30, 40, true, {1, 1}}, true},   {{30, 40, false, {1, 1}}, true},
+        {{30, 40, false, {1, 0}}, false}, {{1, 1, false, {1, 0}}, false},   {{64, 2, true, {0, 0}}, true},
+    };
     for (const auto& [f, nv21Matrix] : frames) {
         TestFrame input(f.width, f.height), output(f.width, f.height);
         fillWithNoise(input.image, f);

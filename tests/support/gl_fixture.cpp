@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 
 using reference::Picture;
 
@@ -21,14 +22,14 @@ void GlTest::SetUp() {
     const EGLint surfaceAttributes[] = {EGL_WIDTH, 1, EGL_HEIGHT, 1, EGL_NONE};
     EGLConfig config = nullptr;
     EGLint count = 0;
-    EGLDisplay display = eglGetDisplay(EGL_DEFAULT_DISPLAY);
-    if (!eglInitialize(display, nullptr, nullptr) ||
-        !eglChooseConfig(display, configAttributes, &config, 1, &count) || count == 0)
+    m_display = eglGetDisplay(EGL_DEFAULT_DISPLAY);
+    if (!eglInitialize(m_display, nullptr, nullptr) ||
+        !eglChooseConfig(m_display, configAttributes, &config, 1, &count) || count == 0)
         GTEST_SKIP() << "There is no EGL display with OpenGL ES 2.0 here.";
     eglBindAPI(EGL_OPENGL_ES_API);
-    EGLSurface surface = eglCreatePbufferSurface(display, config, surfaceAttributes);
-    EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, contextAttributes);
-    if (!eglMakeCurrent(display, surface, surface, context))
+    m_surface = eglCreatePbufferSurface(m_display, config, surfaceAttributes);
+    m_context = eglCreateContext(m_display, config, EGL_NO_CONTEXT, contextAttributes);
+    if (!eglMakeCurrent(m_display, m_surface, m_surface, m_context))
         GTEST_SKIP() << "EGL gives no OpenGL ES 2.0 context here.";
 
     const std::string_view renderer(reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
@@ -40,13 +41,13 @@ void GlTest::SetUp() {
 }
 
 void GlTest::TearDown() {
-    releaseDriver();
+    releaseContext();
 }
 
-void GlTest::releaseDriver() {
-    EGLDisplay display = eglGetDisplay(EGL_DEFAULT_DISPLAY);
-    eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-    eglTerminate(display);
+void GlTest::releaseContext() {
+    eglMakeCurrent(m_display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    eglDestroyContext(m_display, std::exchange(m_context, EGL_NO_CONTEXT));
+    eglDestroySurface(m_display, std::exchange(m_surface, EGL_NO_SURFACE));
     eglReleaseThread();
 }
 

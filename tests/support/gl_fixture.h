@@ -33,8 +33,8 @@ protected:
     /// other drivers do has to hold `loose`.
     Tolerance tolerance(Tolerance precise, Tolerance loose) const { return m_isPrecise ? precise : loose; }
 
-    /// Ends what this thread and process hold of the driver.
-    static void releaseDriver();
+    /// Leaves this thread without a context.
+    void releaseContext();
 
     /// A texture that holds `picture`, rounded to 8 bits.
     static GLuint textureOf(const reference::Picture& picture);
@@ -46,6 +46,10 @@ protected:
     static std::vector<uint8_t> contentOf(GLuint texture, int width, int height);
 
 private:
+    // The display stays initialised: unloaded drivers would leave blocks behind that look leaked.
+    EGLDisplay m_display = EGL_NO_DISPLAY;
+    EGLSurface m_surface = EGL_NO_SURFACE;
+    EGLContext m_context = EGL_NO_CONTEXT;
     bool m_isPrecise = false;
 };
 
