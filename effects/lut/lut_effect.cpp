@@ -1,0 +1,177 @@
+#include "effects/lut/lut_effect.h"
+
+#include "effects/lut/lut_file_reader.h"
+#include "effects/lut/lut_shaders.h"
+#include "gl/error.h"
+#include "gl/plain_vertex_shader.h"
+#include "gl/program.h"
+#include "gl/quad.h"
+#include "gl/target.h"
+#include "gl/texture.h"
+#include "log/log_stream.h"
+
+namespace ze {
+
+namespace {
+
+constexpr double kActiveThreshold = 0.001;
+
+} // namespace
+
+CLutEffect::CLutEffect() : m_tables(std::make_unique<LutTables>()) {}
+
+CLutEffect::~CLutEffect() {
+    deleteTexture(&m_lutTexture);
+    m_tables.reset();
+    if (m_ratio.name != 0)
+        glDeleteProgram(m_ratio.name);
+    if (m_mapped.name != 0)
+        glDeleteProgram(m_mapped.name);
+}
+
+void CLutEffect::setParams(const CZeString& path, float intensity) {
+    m_intensity = intensity;
+    if (!m_path.isEmpty()) {
+        ZeLogError() << "Lut path is already setted.";
+        return;
+    }
+    m_path = path;
+}
+
+bool CLutEffect::isBypass() const {
+    return !m_tables || !(double(m_intensity) >= kActiveThreshold);
+}
+
+bool CLutEffect::draw(GLuint sourceTexture, uint32_t width, uint32_t height, GLuint targetTexture) {
+    if (m_lutTexture == 0 && !loadTable())
+        return false;
+    const bool isUniform = m_tables->uniformLevels;
+    if (!(isUniform ? prepareRatioProgram() : prepareMappedProgram())) {
+        ZeLogError() << "Failed to prepare 3d lut program";
+        return false;
+    }
+    if (isUniform)
+        useRatioProgram();
+    else
+        useMappedProgram();
+
+    attachAndClear(targetTexture);
+    glViewport(0, 0, GLsizei(width), GLsizei(height));
+    checkGlError();
+    glActiveTexture(GL_TEXTURE1);
+    bindWithFilter(m_lutTexture, GL_LINEAR);
+    glActiveTexture(GL_TEXTURE0);
+    bindWithFilter(sourceTexture, GL_NEAREST);
+
+    const auto corners = quadCorners({});
+    const QuadAttribute attributes[] = {{isUniform ? m_ratio.posAttr : m_mapped.posAttr, 0},
+                                        {isUniform ? m_ratio.texCoordAttr : m_mapped.texCoordAttr, 2}};
+    pointAttributes(attributes, corners);
+    enableAttributes(attributes);
+    drawStrip();
+    checkGlError();
+    disableAttributes(attributes);
+    detachTarget();
+    return true;
+}
+
+bool CLutEffect::loadTable() {
+    if (m_path.isEmpty()) {
+        ZeLogError() << "lut path is empty";
+        return false;
+    }
+    const CLutFileReader file(m_path);
+    if (!file.isValid()) {
+        ZeLogError() << "failed to read lut file";
+        return false;
+    }
+    if (!file.isThreeDimensional()) {
+        ZeLogError() << "we only support 3D lut now";
+        return false;
+    }
+
+    const uint32_t levelCount = file.levelCount();
+    const uint32_t width = levelCount * levelCount;
+    const uint32_t height = levelCount;
+    discardTexture(m_lutTexture);
+    m_lutTexture = createTexture(GLsizei(width), GLsizei(height), GL_RGB);
+    if (m_lutTexture == 0) {
+        ZeLogError() << "failed to allocate texture";
+        return false;
+    }
+    const std::vector<uint8_t> texels = lutTexels(file.colorData(), levelCount);
+    glBindTexture(GL_TEXTURE_2D, m_lutTexture);
+    clampBoundTexture();
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, GLsizei(width), GLsizei(height), GL_RGB, GL_UNSIGNED_BYTE,
+                    texels.data());
+    glBindTexture(GL_TEXTURE_2D, 0);
+
+    const std::span<const float> levels(file.levelValues(), levelCount);
+    fillCoordinateMap(levels, m_tables->coordinateMap);
+    m_tables->uniformLevels = hasUniformLevels(levels);
+    m_tables->levelCount = levelCount;
+    m_tables->textureWidth = width;
+    m_tables->textureHeight = height;
+    return true;
+}
+
+bool CLutEffect::prepareRatioProgram() {
+    if (m_ratio.name != 0)
+        return true;
+    m_ratio.name = createProgram(kPlainVertexShader, kLutRatioFragmentShader);
+    if (m_ratio.name == 0)
+        return false;
+    m_ratio.posAttr = glGetAttribLocation(m_ratio.name, "posAttr");
+    m_ratio.texCoordAttr = glGetAttribLocation(m_ratio.name, "texCoordAttr");
+    m_ratio.texelSize1D = glGetUniformLocation(m_ratio.name, "texelSize1D");
+    m_ratio.rgbToTexCoordRatio = glGetUniformLocation(m_ratio.name, "rgbToTexCoordRatio");
+    m_ratio.intensity = glGetUniformLocation(m_ratio.name, "intensity");
+
+    glUseProgram(m_ratio.name);
+    glUniform1i(glGetUniformLocation(m_ratio.name, "sampler"), 0);
+    glUniform1i(glGetUniformLocation(m_ratio.name, "lutSampler"), 1);
+    checkGlError();
+    glUseProgram(0);
+    return true;
+}
+
+bool CLutEffect::prepareMappedProgram() {
+    if (m_mapped.name != 0)
+        return true;
+    m_mapped.name = createProgram(kPlainVertexShader, kLutMappedFragmentShader);
+    if (m_mapped.name == 0)
+        return false;
+    m_mapped.posAttr = glGetAttribLocation(m_mapped.name, "posAttr");
+    m_mapped.texCoordAttr = glGetAttribLocation(m_mapped.name, "texCoordAttr");
+    m_mapped.texelSize1D = glGetUniformLocation(m_mapped.name, "texelSize1D");
+    m_mapped.texCoordLut1D = glGetUniformLocation(m_mapped.name, "texCoordLut1D");
+    m_mapped.intensity = glGetUniformLocation(m_mapped.name, "intensity");
+
+    glUseProgram(m_mapped.name);
+    glUniform1i(glGetUniformLocation(m_mapped.name, "sampler"), 0);
+    glUniform1i(glGetUniformLocation(m_mapped.name, "lutSampler"), 1);
+    checkGlError();
+    glUseProgram(0);
+    return true;
+}
+
+void CLutEffect::useRatioProgram() const {
+    const auto levelCount = GLfloat(m_tables->levelCount);
+    glUseProgram(m_ratio.name);
+    checkGlError();
+    glUniform1f(m_ratio.texelSize1D, 1.0f / levelCount);
+    glUniform1f(m_ratio.rgbToTexCoordRatio, (levelCount - 1.0f) / levelCount);
+    glUniform1f(m_ratio.intensity, m_intensity);
+}
+
+void CLutEffect::useMappedProgram() const {
+    const auto levelCount = GLfloat(m_tables->levelCount);
+    glUseProgram(m_mapped.name);
+    checkGlError();
+    glUniform1f(m_mapped.texelSize1D, 1.0f / levelCount);
+    glUniform1fv(m_mapped.texCoordLut1D, GLsizei(m_tables->coordinateMap.size()),
+                 m_tables->coordinateMap.data());
+    glUniform1f(m_mapped.intensity, m_intensity);
+}
+
+} // namespace ze
