@@ -3,10 +3,23 @@
 #include "api/render_core.h"
 #include "api/ze_beauty_effect.h"
 #include "effects/beauty/beauty_effect.h"
+#include "effects/lut/lut_effect.h"
 #include "gl/egl_context.h"
 #include "log/log_stream.h"
 
 using namespace ze;
+
+namespace {
+
+void* makeEffect(int type) {
+    if (type == kBeautyType)
+        return new BeautyEffect;
+    if (type == kLutType)
+        return new CLutEffect;
+    return nullptr;
+}
+
+} // namespace
 
 ZecRenderCore* ZecCreateRenderCore() noexcept {
     return new ZecRenderCore;
@@ -20,7 +33,7 @@ bool ZecDestroyRenderCore(ZecRenderCore* core) noexcept {
 }
 
 ZecEffect* ZecCreateEffect(int type) noexcept {
-    return new ZecEffect{type, type == kBeautyType ? new BeautyEffect : nullptr};
+    return new ZecEffect{type, makeEffect(type)};
 }
 
 bool ZecDestoryEffect(ZecEffect* handle) noexcept {
@@ -31,6 +44,8 @@ bool ZecDestoryEffect(ZecEffect* handle) noexcept {
     }
     if (handle->type == kBeautyType)
         delete static_cast<BeautyEffect*>(handle->effect);
+    else if (handle->type == kLutType)
+        delete static_cast<CLutEffect*>(handle->effect);
     handle->effect = nullptr;
     releaseContext(*callerContext);
     delete callerContext;
@@ -45,8 +60,12 @@ bool ZecSetBeautyParams(ZecEffect* handle, float mixFactor, float whitenFactor) 
     return true;
 }
 
-bool ZecSetLutParams(ZecEffect* /*handle*/, const std::string& /*lutPath*/, float /*intensity*/) noexcept {
-    return false; // handles of this type hold no effect yet
+bool ZecSetLutParams(ZecEffect* handle, const std::string& lutPath, float intensity) noexcept {
+    if (!handle || !handle->effect || handle->type != kLutType)
+        return false;
+    static_cast<CLutEffect*>(handle->effect)
+        ->setParams(CZeString::fromUtf8(lutPath.data(), int(lutPath.size())), intensity);
+    return true;
 }
 
 bool ZecRender(ZecRenderCore* core, const std::vector<ZecEffect*>& effects, const ZecImage* input,

@@ -9,6 +9,7 @@
 #include "convert/read_back.h"
 #include "convert/yuv_to_rgb.h"
 #include "effects/beauty/beauty_effect.h"
+#include "effects/lut/lut_effect.h"
 #include "gl/egl_context.h"
 #include "log/log_stream.h"
 
@@ -19,7 +20,11 @@ namespace {
 constexpr int kNV21 = 1;
 
 bool isActive(const ZecEffect& handle) {
-    return handle.type == kBeautyType && !static_cast<const BeautyEffect*>(handle.effect)->isInactive();
+    if (handle.type == kBeautyType)
+        return !static_cast<const BeautyEffect*>(handle.effect)->isInactive();
+    if (handle.type == kLutType)
+        return !static_cast<const CLutEffect*>(handle.effect)->isBypass();
+    return false;
 }
 
 std::vector<ZecEffect*> activeEffects(const std::vector<ZecEffect*>& effects) {
@@ -95,13 +100,21 @@ GLuint chooseTarget(const ZecRenderCore& core, size_t position, size_t entryCoun
     return position == 0 ? core.scratchTexture : previousSource;
 }
 
+/// Nobody asks whether an effect could draw: it has said so in the log.
+void draw(const ZecRenderCore& core, const ZecEffect& handle, GLuint source, GLuint target) {
+    const auto width = uint32_t(core.width), height = uint32_t(core.height);
+    if (handle.type == kLutType)
+        static_cast<CLutEffect*>(handle.effect)->draw(source, width, height, target);
+    else
+        static_cast<BeautyEffect*>(handle.effect)->render(source, width, height, target);
+}
+
 void runEffects(const ZecRenderCore& core, const std::vector<ZecEffect*>& active, size_t entryCount) {
     GLuint previousSource = 0;
     GLuint source = core.inputTexture;
     for (size_t position = 0; position < active.size(); ++position) {
         const GLuint target = chooseTarget(core, position, entryCount, previousSource);
-        static_cast<BeautyEffect*>(active[position]->effect)
-            ->render(source, uint32_t(core.width), uint32_t(core.height), target);
+        draw(core, *active[position], source, target);
         previousSource = source;
         source = target;
     }
