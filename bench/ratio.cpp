@@ -1,5 +1,7 @@
 #include "bench/ratio.h"
 
+#include "bench/median.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -19,12 +21,6 @@ double secondsPerCall(const std::function<void()>& run, int calls) {
         run();
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
     return seconds.count() / calls;
-}
-
-double median(std::vector<double> values) {
-    const auto middle = values.begin() + ptrdiff_t(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 /// Measures `contenders`, of which the first is the library.

@@ -1,0 +1,205 @@
+// A whole frame with the beauty effect, step by step, as it is and with its shaders in highp.
+
+#include "api/render_core.h"
+#include "bench/driver_probe.h"
+#include "bench/highp_shaders.h"
+#include "bench/median.h"
+#include "gl/egl_context.h"
+#include "tool/chart.h"
+#include "tool/headless.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <vector>
+
+#include <libyuv/convert.h>
+#include <libyuv/planar_functions.h>
+
+namespace {
+
+constexpr int kWidth = 1280;
+constexpr int kHeight = 720;
+constexpr size_t kPixels = size_t{kWidth} * kHeight;
+constexpr float kSmooth = 0.8f;
+constexpr float kWhiten = 0.2f;
+
+constexpr int kWarmUpFrames = 2;
+constexpr size_t kMaxRounds = 41;
+constexpr std::chrono::seconds kMaxDuration{75};
+
+/// An NV12 frame without padding.
+struct Frame {
+    std::vector<uint8_t> bytes = std::vector<uint8_t>(kPixels * 3 / 2);
+
+    ZecImage image() { return {{bytes.data(), bytes.data() + kPixels}, {kWidth, kWidth}}; }
+};
+
+Frame chartFrame() {
+    const ze::tool::Picture chart = ze::tool::drawChart(kWidth, kHeight, ze::tool::ChartNoise::speckled);
+    std::vector<uint8_t> u(kPixels / 4), v(kPixels / 4);
+    Frame frame;
+    const ZecImage to = frame.image();
+    libyuv::RAWToJ420(chart.rgb.data(), 3 * kWidth, to.planes[0], kWidth, u.data(), kWidth / 2, v.data(),
+                      kWidth / 2, kWidth, kHeight);
+    libyuv::MergeUVPlane(u.data(), kWidth / 2, v.data(), kWidth / 2, to.planes[1], kWidth, kWidth / 2,
+                         kHeight / 2);
+    return frame;
+}
+
+/// A render core with its effect. Several may be used in turn on one thread.
+class Beautifier {
+public:
+    Beautifier() { ZecSetBeautyParams(m_beauty, kSmooth, kWhiten); }
+    ~Beautifier() {
+        enter();
+        ZecDestoryEffect(m_beauty);
+        ZecDestroyRenderCore(m_core);
+        eglReleaseThread();
+    }
+    Beautifier(const Beautifier&) = delete;
+    Beautifier& operator=(const Beautifier&) = delete;
+
+    FrameTimes render(Frame& input, Splits splits) {
+        enter();
+        const ZecImage from = input.image();
+        ZecImage to = output.image();
+        const std::vector<ZecEffect*> effects{m_beauty};
+        bool rendered = false;
+        const FrameTimes times = timeFrame(
+            splits, [&] { rendered = ZecRender(m_core, effects, &from, &to, 0, 0, 1, kWidth, kHeight, 0); });
+        if (!rendered || times.draws != 4)
+            throw std::runtime_error("a frame failed or did not take four draws");
+        return times;
+    }
+
+    Frame output;
+
+private:
+    /// Another context that is current would be destroyed by the frame.
+    void enter() {
+        eglMakeCurrent(eglGetDisplay(EGL_DEFAULT_DISPLAY), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        if (m_core->context)
+            ze::makeContextCurrent(*m_core->context);
+    }
+
+    ZecRenderCore* m_core = ZecCreateRenderCore();
+    ZecEffect* m_beauty = ZecCreateEffect(0);
+};
+
+struct Precision {
+    Beautifier beautifier;
+    std::vector<FrameTimes> split{}, whole{}; ///< Of each round, with Splits::finished and without.
+};
+
+double meanLuma(const Frame& frame) {
+    double sum = 0;
+    for (size_t i = 0; i < kPixels; ++i)
+        sum += frame.bytes[i];
+    return sum / double(kPixels);
+}
+
+int largestDifference(const Frame& a, const Frame& b) {
+    int largest = 0;
+    for (size_t i = 0; i < a.bytes.size(); ++i)
+        largest = std::max(largest, std::abs(a.bytes[i] - b.bytes[i]));
+    return largest;
+}
+
+/// Smoothing keeps the mean; whitening lifts it by 0.15 of its amount, a little less where white is reached.
+void checkFrames(const Frame& input, const Frame& shipped, const Frame& highp) {
+    const double lift = meanLuma(highp) - meanLuma(input);
+    const double fullLift = 255 * 0.15 * double{kWhiten};
+    std::printf("mean luma lifted by %.1f of %.1f levels, highp differs by up to %d levels\n", lift, fullLift,
+                largestDifference(shipped, highp));
+    if (lift < 0.8 * fullLift || lift > 1.02 * fullLift)
+        throw std::runtime_error("the frame is not lifted as whitening does it");
+    if (largestDifference(shipped, highp) > 8)
+        throw std::runtime_error("the precisions make different frames");
+}
+
+void printEnvironment() {
+    const auto variable = [](const char* name) {
+        const char* value = std::getenv(name);
+        return value ? value : "not set";
+    };
+    std::printf("renderer %s\nEGL_PLATFORM %s, GALLIUM_OVERRIDE_CPU_CAPS %s\n",
+                reinterpret_cast<const char*>(glGetString(GL_RENDERER)), variable("EGL_PLATFORM"),
+                variable("GALLIUM_OVERRIDE_CPU_CAPS"));
+}
+
+using Pick = std::function<double(const FrameTimes&)>;
+
+/// One line of medians: times in milliseconds, the share of the frame, and how many times as long highp
+/// takes.
+void printLine(const char* name, const std::vector<FrameTimes>& shipped, const std::vector<FrameTimes>& highp,
+               const Pick& pick) {
+    std::vector<double> seconds, shares, highpSeconds, ratios;
+    for (size_t round = 0; round < shipped.size(); ++round) {
+        seconds.push_back(pick(shipped[round]));
+        shares.push_back(pick(shipped[round]) / shipped[round].whole);
+        highpSeconds.push_back(pick(highp[round]));
+        ratios.push_back(pick(highp[round]) / pick(shipped[round]));
+    }
+    std::printf("%-28s %9.3f %8.2f %% %9.3f %9.2f\n", name, 1e3 * median(seconds), 100 * median(shares),
+                1e3 * median(highpSeconds), median(ratios));
+}
+
+void printTable(const Precision& shipped, const Precision& highp) {
+    constexpr const char* kNames[kStepCount] = {
+        "upload",     "YUV to RGB", "horizontal blur", "vertical blur and mix",
+        "RGB to YUV", "read-back",  "unpacking",       "the rest"};
+    std::printf("%-28s %9s %10s %9s %9s\n", "", "ms", "of frame", "highp ms", "to highp");
+    for (size_t step = 0; step < kStepCount; ++step)
+        printLine(kNames[step], shipped.split, highp.split,
+                  [step](const FrameTimes& times) { return times.steps[step]; });
+    const Pick whole = &FrameTimes::whole;
+    printLine("frame, every step finished", shipped.split, highp.split, whole);
+    printLine("frame", shipped.whole, highp.whole, whole);
+    printLine("  of it not the driver's", shipped.whole, highp.whole, &FrameTimes::outsideDriver);
+}
+
+void measure() {
+    Frame input = chartFrame();
+    Precision shipped, highp;
+    Precision* const both[] = {&shipped, &highp};
+
+    shipped.beautifier.render(input, Splits::asDriverLikes);
+    printEnvironment();
+    {
+        const HighpShaders switched;
+        highp.beautifier.render(input, Splits::asDriverLikes);
+        if (switched.replacedWords() == 0)
+            throw std::runtime_error("the shaders name no lower precision");
+    }
+    checkFrames(input, shipped.beautifier.output, highp.beautifier.output);
+
+    for (int i = 0; i < kWarmUpFrames; ++i)
+        for (Precision* precision : both)
+            precision->beautifier.render(input, Splits::finished);
+    const auto end = std::chrono::steady_clock::now() + kMaxDuration;
+    while (shipped.split.size() < kMaxRounds && std::chrono::steady_clock::now() < end) {
+        for (Precision* precision : both)
+            precision->whole.push_back(precision->beautifier.render(input, Splits::asDriverLikes));
+        for (Precision* precision : both)
+            precision->split.push_back(precision->beautifier.render(input, Splits::finished));
+    }
+    std::printf("%d x %d, NV12, smooth %.1f, whiten %.1f, medians of %zu rounds\n\n", kWidth, kHeight,
+                double{kSmooth}, double{kWhiten}, shipped.split.size());
+    printTable(shipped, highp);
+}
+
+} // namespace
+
+int main() {
+    ze::tool::prepareEnvironment();
+    try {
+        measure();
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
+    return 0;
+}

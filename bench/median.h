@@ -1,0 +1,14 @@
+// The middle of a set of measurements.
+
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+/// The value that at least half of `values` do not exceed; there is at least one.
+inline double median(std::vector<double> values) {
+    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
