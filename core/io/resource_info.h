@@ -48,7 +48,7 @@ public:
     /// The last name of its path; empty for the root.
     CZeString name() const { return m_name; }
     /// The nodes of a directory in the order of their names.
-    const std::vector<CZeResourceInfo>& children() const { return m_children; }
+    std::vector<CZeResourceInfo> children() const { return m_children; }
 
     /// Gives the file's bytes; those of a compressed one are uncompressed by each call. False when that
     /// fails, of which ZeUncompress warns, and when this is no file.

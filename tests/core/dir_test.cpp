@@ -1,13 +1,18 @@
 #include "core/io/dir.h"
 
-#include "core/tools/ze_string.h"
+#include "tests/core/file_system_double.h"
+#include "tests/core/test_file.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/temp_directory.h"
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
+#include <cerrno>
+#include <climits>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -15,7 +20,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 bool mkpath(const std::string& path) {
-    return CZeDir::mkpath(CZeString::fromLocal8Bit(path.c_str()));
+    return CZeDir::mkpath(name(path));
 }
 
 TEST(Dir, MkpathMakesWhatIsMissing) {
@@ -76,6 +81,76 @@ TEST(Dir, MkpathKeepsParentsMadeBeforeAFailure) {
     const TempDirectory root;
     EXPECT_FALSE(mkpath(root / ("parent/child/" + std::string(300, 'n') + "/x")));
     EXPECT_TRUE(std::filesystem::is_directory(root / "parent/child"));
+}
+
+bool removeRecursively(const std::string& path) {
+    return CZeDir::removeRecursively(name(path));
+}
+
+TEST(Dir, RmdirRemovesOneEmptyDirectory) {
+    const LogCapture log;
+    const TempDirectory root;
+    std::filesystem::create_directories(root / "a/\xC3\xA9");
+    EXPECT_FALSE(CZeDir::rmdir(name(root / "a")));
+    EXPECT_TRUE(CZeDir::rmdir(name(root / "a/\xC3\xA9/")) && CZeDir::rmdir(name(root / "a")));
+    EXPECT_FALSE(CZeDir::rmdir(name(root / "a")));
+    EXPECT_FALSE(CZeDir::rmdir(CZeString()) || CZeDir::rmdir(name("tmp")));
+    EXPECT_FALSE(removeRecursively("") || removeRecursively("tmp/x"));
+    EXPECT_THAT(log.texts(), ElementsAre("CZeDir::rmdir: Empty or null path name",
+                                         "CZeDir::rmdir: only accept absolute dir path!",
+                                         "CZeDir::removeRecursively: only accept absolute dir path!",
+                                         "CZeDir::removeRecursively: only accept absolute dir path!"));
+}
+
+TEST(Dir, RemoveRecursivelyStaysInsideTheTree) {
+    const TempDirectory root;
+    std::filesystem::create_directories(root / "outside/kept");
+    std::filesystem::create_directories(root / "tree/.a/b/c");
+    madeFile(root / "outside/file", "kept");
+    madeFile(root / "tree/.a/b/file", "gone");
+    std::filesystem::create_directory_symlink(root / "outside", root / "tree/.a/link");
+    std::filesystem::create_symlink("../outside/file", root / "tree/file link");
+    std::filesystem::create_directory_symlink(root / "tree", root / "link");
+    for (const std::string& path :
+         {root / "link", root / "link/", root / "outside/file", (root / "tree") + '\0'})
+        EXPECT_FALSE(removeRecursively(path)) << path;
+    EXPECT_TRUE(std::filesystem::exists(root / "tree/.a/b/file"));
+    EXPECT_TRUE(removeRecursively(root / "tree//") && removeRecursively(root / "tree")); // or is not there
+    EXPECT_EQ(listing(root), "link outside ");
+    EXPECT_TRUE(std::filesystem::exists(root / "outside/kept") && contentOf(root / "outside/file") == "kept");
+}
+
+TEST(Dir, RemoveRecursivelyNeedsFewDescriptorsHoweverDeep) {
+    const TempDirectory root;
+    int at = open(root.path().c_str(), O_RDONLY);
+    for (int depth = 0; depth < 300; ++depth) { // a path longer than the system takes
+        ASSERT_EQ(mkdirat(at, "a long name for a directory", 0700) + mkdirat(at, "b", 0700), 0);
+        const int below = openat(at, "a long name for a directory", O_RDONLY);
+        close(at);
+        at = below;
+    }
+    rlimit old = {};
+    getrlimit(RLIMIT_NOFILE, &old);
+    const rlimit few = {rlim_t(at) + 3, old.rlim_max}; // `at` is one of the three
+    close(at);
+    setrlimit(RLIMIT_NOFILE, &few);
+    EXPECT_TRUE(removeRecursively(root.path()));
+    setrlimit(RLIMIT_NOFILE, &old);
+}
+
+TEST(Dir, RemoveRecursivelyRemovesWhatItCan) {
+    const TempDirectory root;
+    for (const char* const path : {"tree/a/1", "tree/b/2", "tree/c/3"})
+        ASSERT_TRUE(mkpath(root / path));
+    FileSystemDouble system;
+    system.failures["unlinkat"] = {EPERM, 1, 2};
+    EXPECT_FALSE(removeRecursively(root / "tree"));
+    EXPECT_EQ(std::distance(std::filesystem::recursive_directory_iterator(root / "tree"), {}), 2);
+    // The double keeps everything safe, should the root not be recognised.
+    system.failures["unlinkat"] = {EPERM, INT_MAX};
+    system.calls.clear();
+    EXPECT_FALSE(removeRecursively("/") || removeRecursively("//") || removeRecursively("/tmp/.."));
+    EXPECT_EQ(system.calls["unlinkat"], 0);
 }
 
 } // namespace

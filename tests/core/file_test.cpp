@@ -1,0 +1,377 @@
+// Devices and files: opening, reading, writing and seeking.
+
+#include "core/io/file.h"
+#include "core/io/generic_file_engine.h"
+#include "tests/core/file_system_double.h"
+#include "tests/core/test_file.h"
+#include "tests/core/text.h"
+#include "tests/support/log_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+#include <functional>
+#include <random>
+#include <thread>
+
+#include <sys/stat.h>
+
+using namespace std::string_literals;
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A device in memory that counts how often it is asked whether it is sequential.
+class MemoryDevice : public CZeIODevice {
+public:
+    bool isSequential() const override { return ++asked, sequential; }
+    bool seek(int64_t pos) override { return CZeIODevice::seek(pos) && (at = size_t(pos), true); }
+    int64_t readData(char* data, int64_t maxSize) override {
+        const size_t count = content.copy(data, size_t(std::min<int64_t>(maxSize, 4)), at);
+        return at += count, int64_t(count);
+    }
+    int64_t writeData(const char* data, int64_t size) override {
+        if (content.empty())
+            return -1;
+        content.replace(at, size_t(size), data, size_t(size));
+        return at += size_t(size), size;
+    }
+
+    std::string content = "0123456789";
+    size_t at = 0;
+    bool sequential = false;
+    mutable int asked = 0;
+};
+
+TEST(File, RefusesWithTheseWarnings) {
+    const LogCapture log;
+    const TempDirectory directory;
+    const std::string path = madeFile(directory / "f", "0123456789");
+    char data[8] = "";
+    CZeFile closed, reader(name(path)), writer(name(directory / "g"));
+    MemoryDevice memory, pipe;
+    pipe.sequential = true;
+    ASSERT_TRUE(reader.open(Ze::ReadOnly) && writer.open(Ze::WriteOnly) && pipe.open(Ze::ReadWrite));
+    constexpr char kTooLong[] = "maxSize argument exceeds CZeByteArray size limit";
+    const struct {
+        const char* warning; ///< '%' stands for the path
+        int64_t result;
+        std::function<int64_t()> call;
+    } rows[] = {
+        {"CZeIODevice::open: File access not specified", 0, [&] { return closed.open(0); }},
+        {"CZeIODevice::open: File access not specified", 0,
+         [&] { return closed.open(Ze::Append | Ze::Text); }},
+        {"CZeGenericFileEngine::open: No file name specified", 0, [&] { return closed.open(Ze::ReadOnly); }},
+        {"Cannot call seek on a sequential device", 0, [&] { return pipe.seek(-1); }},
+        {"The device is not open", 0, [&] { return memory.seek(-1); }},
+        {"CZeIODevice::seek: Invalid pos: -9223372036854775808", 0, [&] { return reader.seek(INT64_MIN); }},
+        {"CZeFileDevice::seek: IODevice is not open", 0, [&] { return closed.seek(-1); }},
+        {"CZeFileDevice::flush: No file engine. Is IODevice open?", 0, [&] { return closed.flush(); }},
+        {"Called with maxSize < 0", -1, [&] { return closed.read(data, -5); }},
+        {"Called with maxSize < 0", -1, [&] { return writer.write(data, -1); }},
+        {"WriteOnly device", -1, [&] { return writer.read(data, 1); }},
+        {"WriteOnly device", -1, [&] { return writer.readLine(data, 8); }},
+        {"device not open", -1, [&] { return closed.read(data, 0); }},
+        {"device not open", -1, [&] { return closed.write(data, 0); }},
+        {"ReadOnly device", -1, [&] { return reader.write(data, 1); }},
+        {kTooLong, 1, [&] { return reader.read(0x7FFFFFE7).isNull(); }},
+        {kTooLong, 1, [&] { return reader.peek(0x7FFFFFE7).isNull(); }},
+        {"Peeking data for sequential device is not supported!", -1, [&] { return pipe.peek(data, 1); }},
+        {"Called with maxSize < 2", -1, [&] { return closed.readLine(data, 1); }},
+        {"CZeFile::open: File (%) already open", 0, [&] { return reader.open(0); }},
+        {"CZeFile::setFileName: File (%) is already opened", 1,
+         [&] { return reader.setFileName(name("x")), reader.fileName() == name(path); }},
+        {"CZeFile::remove: Empty or null file name", 0, [&] { return closed.remove(); }},
+        {"CZeFile::rename: Empty or null file name", 0, [&] { return closed.rename(name("x")); }},
+        {"CZeGenericFileEngine::map: Mapping a file beyond its size is not portable", 1,
+         [&] { return !reader.map(3, 8); }},
+        {"CZeGenericFileEngine::map: Mapping a file beyond its size is not portable", 1,
+         [&] { return !reader.map(INT64_MAX, INT64_MAX); }},
+        {"No file engine available or engine does not support MapExtension", 1,
+         [&] { return !closed.map(0, 1); }},
+        {"No file engine available or engine does not support UnMapExtension", 0,
+         [&] { return closed.unmap(nullptr); }},
+        {"stat() ZE_FAILED for '%?'", 0, [&] { return CZeFile(name(path + "?")).exists(); }},
+    };
+    std::vector<std::string> warnings;
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.call(), row.result) << row.warning;
+        warnings.push_back(row.warning);
+        if (const size_t mark = warnings.back().find('%'); mark != std::string::npos)
+            warnings.back().replace(mark, 1, path);
+    }
+    EXPECT_EQ(log.texts(), warnings);
+    EXPECT_EQ(bytes(reader.readAll()), "0123456789");
+    EXPECT_EQ(pipe.asked, 1);
+}
+
+TEST(File, OpensWithTheModeStringThatTheAccessCallsFor) {
+    const LogCapture log;
+    constexpr int r = Ze::ReadOnly, w = Ze::WriteOnly, a = Ze::Append, t = Ze::Truncate;
+    const struct {
+        int mode;
+        const char* missing; ///< null: no file comes of it
+        const char* existing;
+        const char* content; ///< of the existing file after "new" was written, where that is allowed
+    } rows[] = {
+        {r, nullptr, "rb", "old text"},           {w, "wb", "wb", "new"},
+        {r | w, "wb+", "rb+", "new text"},        {w | t | Ze::Text, "wb", "wb", "new"},
+        {w | a, "ab", "ab", "old textnew"},       {r | w | t, "wb+", "wb+", "new"},
+        {r | w | a, "ab+", "ab+", "old textnew"}, {w | a | t, "ab", "ab", "old textnew"},
+        {r | a, "ab+", "ab+", "old text"},
+    };
+    for (const auto& row : rows) {
+        for (const bool exists : {false, true}) {
+            const FileSystemDouble system;
+            const TempDirectory directory;
+            CZeFile file(name(exists ? madeFile(directory / "f", "old text") : directory / "f"));
+            ASSERT_EQ(file.open(row.mode), exists || row.missing) << row.mode;
+            EXPECT_THAT(system.modes, ElementsAre(exists ? row.existing : row.missing ? row.missing : "rb"));
+            EXPECT_EQ(file.pos(), exists && row.mode & a ? 8 : 0);
+            EXPECT_TRUE(!(row.mode & w) || file.write("new", 3) == 3);
+            EXPECT_TRUE(file.close());
+            EXPECT_TRUE(!exists || contentOf(directory / "f") == row.content) << row.mode;
+        }
+    }
+}
+
+TEST(File, SaysWhyItCannotBeOpened) {
+    const LogCapture log;
+    const TempDirectory directory;
+    std::filesystem::create_symlink("nowhere", directory / "dangling");
+    const std::string file = madeFile(directory / "\xC3\xA9\xE2\x82\xAC", "x");
+    const struct {
+        std::string path;
+        int mode;
+        FileSystemDouble::Failure failure;
+        int code;
+        const char* text;
+    } rows[] = {
+        {file + "?", Ze::ReadOnly, {0, 0}, 5, "No such file or directory"},
+        {file + "\0?"s, Ze::ReadOnly, {0, 0}, 5, "No such file or directory"}, // not the file before the zero
+        {directory / "dangling", Ze::ReadOnly, {0, 0}, 5, "No such file or directory"},
+        {directory.path(), Ze::ReadOnly, {0, 0}, 5, "file to open is a directory"},
+        {directory.path(), Ze::WriteOnly, {0, 0}, 5, "Is a directory"},
+        {file, Ze::ReadOnly | Ze::Truncate, {0, 0}, 5, "Invalid argument"},
+        {file, Ze::ReadOnly, {EACCES}, 5, "Permission denied"},
+        {file, Ze::ReadOnly, {EMFILE}, 4, "Too many open files"},
+        {file, Ze::ReadOnly, {EINTR, 3}, 0, ""}, // tried again
+    };
+    CZeFile opened;
+    for (const auto& row : rows) {
+        FileSystemDouble system;
+        system.failures["fopen"] = row.failure;
+        opened.setFileName(name(row.path));
+        EXPECT_EQ(opened.open(row.mode), row.code == 0) << row.text;
+        EXPECT_EQ(opened.isOpen(), row.code == 0);
+        EXPECT_EQ(opened.error(), row.code) << row.text;
+        EXPECT_EQ(utf8(opened.errorString()), row.text);
+    }
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+// Random operations on a file against the same ones on a string, with short and interrupted transfers.
+TEST(File, ReadsAndWritesLikeAStringInMemory) {
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        std::mt19937 random(seed);
+        const auto below = [&](size_t limit) { return size_t(random() % limit); };
+        const bool appends = seed % 3 == 0;
+        const TempDirectory directory;
+        std::string model = pattern(below(40000));
+        CZeFile file(name(madeFile(directory / "f", model)));
+        ASSERT_TRUE(file.open(Ze::ReadWrite | (appends ? Ze::Append : 0)));
+        FileSystemDouble system;
+        system.mostBytes = seed % 2 ? 1 + below(5000) : SIZE_MAX;
+        system.interrupted = seed % 2 ? 3 : 0;
+        size_t pos = appends ? model.size() : 0;
+        for (int step = 0; step < 300; ++step) {
+            const size_t sizes[] = {1, 1 + below(64), 1 + below(3000), 16383 + below(3), 20000};
+            std::string data(sizes[below(5)], '\0');
+            std::string rest = pos < model.size() ? model.substr(pos, data.size()) : "";
+            switch (below(7)) {
+            case 0:
+            case 1:
+                ASSERT_EQ(file.read(data.data(), int64_t(data.size())), rest.size()) << seed << ' ' << step;
+                ASSERT_EQ(data.substr(0, rest.size()), rest);
+                pos += rest.size();
+                break;
+            case 2:
+                ASSERT_EQ(bytes(file.peek(int64_t(data.size()))), rest);
+                ASSERT_EQ(file.atEnd(), rest.empty());
+                break;
+            case 3:
+            case 4:
+                std::generate(data.begin(), data.end(), [&] { return char(random()); });
+                ASSERT_EQ(file.write(data.data(), int64_t(data.size())), data.size());
+                pos = appends ? model.size() : pos;
+                model.resize(std::max(model.size(), pos));
+                model.replace(pos, data.size(), data);
+                pos += data.size();
+                break;
+            case 5:
+                pos = below(2) ? below(model.size() + 100) : pos - std::min(pos, below(50));
+                ASSERT_TRUE(file.seek(int64_t(pos)));
+                break;
+            case 6:
+                data.push_back('\0');
+                rest.resize(std::min(rest.find('\n'), rest.size() - 1) + 1);
+                ASSERT_EQ(file.readLine(data.data(), int64_t(data.size())), rest.size());
+                ASSERT_EQ(data.substr(0, rest.size() + 1), rest + '\0');
+                pos += rest.size();
+            }
+            ASSERT_EQ(file.pos(), pos) << seed << ' ' << step;
+            ASSERT_EQ(file.size(), model.size()) << seed << ' ' << step;
+        }
+        ASSERT_TRUE(file.close());
+        ASSERT_EQ(contentOf(directory / "f"), model) << seed;
+    }
+}
+
+TEST(File, SmallReadsCostNoSystemCallEach) {
+    const TempDirectory directory;
+    const std::string content = pattern(1 << 20);
+    CZeFile file(name(madeFile(directory / "f", content)));
+    ASSERT_TRUE(file.open(Ze::ReadOnly));
+    const FileSystemDouble system;
+    std::string read(content.size(), ' ');
+    for (size_t i = 0; i < read.size(); i += 64)
+        ASSERT_TRUE(file.read(&read[i], 64) == 64 && file.seek(int64_t(i)) && file.seek(int64_t(i) + 64));
+    EXPECT_EQ(read, content);
+    EXPECT_LE(system.calls.at("read"), 65);
+}
+
+TEST(File, TextModeDropsCarriageReturns) {
+    const TempDirectory directory;
+    const std::string path =
+        madeFile(directory / "f", "one\r\n\r\r\n\0x\rlast"s + std::string(20000, '\r') + "!");
+    for (const bool isText : {false, true}) {
+        CZeFile file(name(path));
+        ASSERT_TRUE(file.open(Ze::ReadOnly | (isText ? Ze::Text : 0)));
+        char line[5];
+        std::string lines;
+        for (int i = 0; i < 4; ++i)
+            lines += std::string(line, size_t(file.readLine(line, sizeof line))) + "|";
+        EXPECT_EQ(lines, isText ? "one\n|\n|\0xla|st!|"s : "one\r|\n|\r\r\n|\0x\rl|"s);
+        ASSERT_TRUE(file.seek(3));
+        EXPECT_EQ(file.read(line, 1), 1);
+        EXPECT_EQ(line[0], isText ? '\n' : '\r');
+        EXPECT_EQ(file.pos(), isText ? 5 : 4); // counts what was dropped
+        ASSERT_TRUE(file.seek(0));
+        EXPECT_EQ(file.readAll().size(), isText ? 12 : 20016);
+        EXPECT_EQ(file.read(line, 1) + file.readLine(line, 5), 0);
+    }
+}
+
+TEST(File, KeepsWhatADiskDidNotTakeUntilItDoes) {
+    const TempDirectory directory;
+    const std::string content = pattern(30000);
+    CZeFile file(name(directory / "f"));
+    ASSERT_TRUE(file.open(Ze::WriteOnly));
+    FileSystemDouble system;
+    system.mostBytes = 5000;
+    system.failures["write"] = {ENOSPC, 2, 1};
+    EXPECT_TRUE(file.write(content.data(), 10000) == 10000 && !file.flush() && !file.seek(1));
+    EXPECT_TRUE(file.pos() == 10000 && file.size() == 10000 && file.error() == Ze::FileErrWrite &&
+                file.flush());
+    system.failures["write"] = {EIO, 1, 2};
+    EXPECT_EQ(file.write(content.data() + 10000, 20000), 10000); // not buffered: two transfers went well
+    EXPECT_EQ(file.write(content.data() + 20000, 10000), 10000);
+    EXPECT_TRUE(file.close());
+    EXPECT_EQ(contentOf(directory / "f"), content);
+}
+
+TEST(File, TellsOfErrorsUpToTheEnd) {
+    const LogCapture log;
+    const TempDirectory directory;
+    {
+        CZeFile full(name("/dev/full"));
+        ASSERT_TRUE(full.open(Ze::WriteOnly) && full.write("x", 1) == 1 && !full.flush() && !full.flush());
+        EXPECT_EQ(full.write(pattern(16384).data(), 16384), -1);
+        EXPECT_FALSE(full.close());
+        EXPECT_EQ(full.error(), 2);
+        EXPECT_EQ(utf8(full.errorString()), "No space left on device");
+        ASSERT_TRUE(full.open(Ze::WriteOnly) && full.error() == 0 && full.write("x", 1) == 1);
+    }
+    EXPECT_THAT(log.texts(),
+                ElementsAre("CZeFile::~CZeFile: File (/dev/full) is incomplete: No space left on device"));
+    CZeFile file(name(madeFile(directory / "f", "abc")));
+    FileSystemDouble system;
+    char data[8];
+    system.failures["read"] = {EIO};
+    EXPECT_TRUE(file.open(Ze::ReadOnly) && file.read(data, 2) == -1 && file.error() == Ze::FileErrRead);
+    EXPECT_EQ(utf8(file.errorString()), "Input/output error");
+    system.failures["read"] = {EIO, 1, 1};
+    EXPECT_EQ(file.read(data, 8), 3); // what came before the error
+    EXPECT_TRUE(file.remove() && !file.isOpen() && !file.remove() && file.error() == Ze::FileErrRemove);
+}
+
+TEST(File, GoesBeyondFourGigabytesAndMaps) {
+    const LogCapture log;
+    const TempDirectory directory;
+    constexpr int64_t kFar = (int64_t{5} << 30) + 7;
+    CZeFile file(name(directory / "sparse"));
+    ASSERT_TRUE(file.open(Ze::ReadWrite) && file.seek(kFar) && file.write("far", 3) == 3);
+    unsigned char* const mapped = file.map(kFar - 5, 8);
+    ASSERT_TRUE(mapped && std::memcmp(mapped + 5, "far", 3) == 0) << utf8(file.errorString());
+    ASSERT_TRUE(file.seek(kFar - 1));
+    EXPECT_EQ(bytes(file.read(100)), "\0far"s);
+    mapped[0] = 'x';
+    std::filesystem::remove(directory / "sparse");
+    EXPECT_EQ(file.size(), kFar + 3);
+    EXPECT_TRUE(file.seek(kFar - 5) && file.readAll().at(0) == 'x');
+    EXPECT_FALSE(file.unmap(mapped + 1) || file.map(-1, 2) || file.map(0, 0));
+    EXPECT_TRUE(file.error() == Ze::FileErrMap && file.unmap(mapped) && !file.unmap(mapped));
+    EXPECT_TRUE(file.seek(0) && file.readAll().isNull());
+    EXPECT_EQ(log.texts().back(), "maxSize argument exceeds CZeByteArray size limit");
+}
+
+TEST(File, ReadsAPipeAsItComes) {
+    const TempDirectory directory;
+    const std::string path = directory / "pipe";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    std::thread writer([&] {
+        CZeFile pipe(name(path));
+        EXPECT_TRUE(pipe.open(Ze::WriteOnly) && pipe.write("line\nrest", 9) == 9);
+    });
+    CZeFile pipe(name(path));
+    ASSERT_TRUE(pipe.open(Ze::ReadOnly));
+    char data[32768];
+    EXPECT_EQ(pipe.readLine(data, 100), 5);
+    EXPECT_EQ(pipe.read(data, 100), 4); // without waiting for more
+    writer.join();
+    EXPECT_TRUE(pipe.readAll().isEmpty() && pipe.atEnd());
+    CZeFile noSize(name("/proc/self/status"));
+    ASSERT_TRUE(noSize.open(Ze::ReadOnly));
+    EXPECT_EQ(bytes(noSize.readAll()).substr(0, 5), "Name:");
+}
+
+TEST(File, BuffersForASubclassThatSeeks) {
+    MemoryDevice device, pipe;
+    pipe.sequential = true;
+    ASSERT_TRUE(device.open(Ze::ReadWrite) && pipe.open(Ze::ReadWrite));
+    char data[16];
+    EXPECT_EQ(device.read(data, 2), 2);
+    EXPECT_EQ(device.write("XY", 2), 2); // at 2, though 4 bytes have been read
+    EXPECT_EQ(device.content, "01XY456789");
+    EXPECT_EQ(device.read(data, 16), 6);
+    EXPECT_TRUE(device.seek(12) && device.pos() == 12 && device.seek(1));
+    EXPECT_EQ(bytes(device.peek(3)), "1XY");
+    device.content.clear();
+    EXPECT_EQ(device.write("x", 1), -1);
+    EXPECT_EQ(utf8(device.errorString()), "Unknown error");
+    EXPECT_TRUE(pipe.read(data, 1) == 1 && pipe.write("XY", 2) == 2);
+    EXPECT_EQ(bytes(pipe.read(9)), "123"); // both directions are apart
+}
+
+TEST(File, TheTemporaryDirectoryComesFromTheEnvironment) {
+    const std::string kept = std::filesystem::temp_directory_path();
+    for (const auto& [value, path] : {std::pair{"/some/where", "/some/where"}, {"", "/tmp"}}) {
+        setenv("TMPDIR", value, 1);
+        EXPECT_EQ(utf8(CZeGenericFileEngine::tempPath()), path);
+    }
+    setenv("TMPDIR", kept.c_str(), 1);
+}
+
+} // namespace

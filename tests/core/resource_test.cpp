@@ -1,0 +1,97 @@
+#include "core/io/file.h"
+#include "core/io/resource_info.h"
+#include "core/tools/compression.h"
+#include "tests/core/test_file.h"
+#include "tests/core/text.h"
+#include "tests/support/log_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <thread>
+
+namespace {
+
+bool add(const std::string& path, const std::string& content) {
+    return CZeResourceInfo::registerResource(name(path), CZeByteArray(content.data(), int(content.size())));
+}
+bool addCompressed(const std::string& path, const CZeByteArray& content) {
+    return CZeResourceInfo::registerResource(name(path), content, CZeResourceInfo::Compressed);
+}
+bool take(const std::string& path) {
+    return CZeResourceInfo::unregisterResource(name(path));
+}
+
+TEST(Resource, ReadsLikeAFile) {
+    const LogCapture log;
+    const std::string content = pattern(50000);
+    ASSERT_TRUE(add(":/luts/warm", content) && add(":/luts/empty", ""));
+    ASSERT_TRUE(addCompressed(":/luts//\xC3\xA9", ZeCompress(content.data(), 50000)));
+    ASSERT_TRUE(addCompressed(":/none", ZeCompress("", 0)));
+    std::string tree;
+    for (const CZeResourceInfo& node : CZeResourceInfo::find(name(":/luts")).children())
+        tree += utf8(node.name()) + (node.isCompressed() ? " compressed, " : ", ");
+    EXPECT_EQ(tree, "empty, warm, \xC3\xA9 compressed, ");
+    for (const char* const path : {":/luts/warm", ":/luts/\xC3\xA9"}) {
+        CZeFile file(name(path));
+        EXPECT_TRUE(file.exists() && file.size() == 50000 && file.open(Ze::ReadOnly)) << path;
+        EXPECT_TRUE(take(path) && !file.exists());
+        EXPECT_EQ(bytes(file.readAll()), content);
+        EXPECT_TRUE(file.seek(49990));
+        EXPECT_EQ(bytes(file.read(100)), content.substr(49990));
+        EXPECT_TRUE(file.seek(60000) && file.read(100).isEmpty() && file.size() == 50000);
+        EXPECT_FALSE(file.map(0, 1) || file.unmap(nullptr));
+    }
+    for (const char* const path : {":/luts/empty", ":/none"})
+        EXPECT_TRUE(CZeFile(name(path)).open(Ze::ReadOnly) && take(path) && !take(path)) << path;
+    EXPECT_TRUE(CZeResourceInfo::find(name(":/")).children().empty());
+}
+
+TEST(Resource, RefusesWhatIsNotRegisteredOrNotReading) {
+    const LogCapture log;
+    const TempDirectory directory;
+    ASSERT_TRUE(addCompressed(":/a/broken", "no stream") && add(":/a/plain", "plain"));
+    const struct {
+        const char* path;
+        int mode;
+        const char* text;
+    } rows[] = {
+        {":/b", Ze::ReadOnly, "No such file or directory"},
+        {":/a/plain/below", Ze::ReadOnly, "No such file or directory"},
+        {":/a", Ze::ReadOnly, "file to open is a directory"},
+        {":/a/broken", Ze::ReadOnly, "Resource is corrupted"},
+        {":/a/plain", Ze::ReadWrite, "Read-only file system"},
+        {":/new", Ze::WriteOnly, "Read-only file system"},
+    };
+    for (const auto& row : rows) {
+        CZeFile file(name(row.path));
+        EXPECT_TRUE(!file.open(row.mode) && file.error() == Ze::FileErrOpen) << row.path;
+        EXPECT_EQ(utf8(file.errorString()), row.text) << row.path;
+    }
+    CZeFile plain(name(":/a/plain"));
+    EXPECT_FALSE(plain.remove() || plain.rename(name(directory / "copy")));
+    EXPECT_EQ(utf8(plain.errorString()) + listing(directory), "Cannot remove source file");
+    for (const char* const path : {"", "a", ":/", "/a", ":/a/../c", ":/.", ":/a", ":/a/plain", ":/a/plain/c"})
+        EXPECT_FALSE(add(path, "x")) << path;
+    EXPECT_FALSE(take(":/a") || take(":/") || take("a"));
+    EXPECT_TRUE(take(":/a/broken") && take(":/a/plain"));
+}
+
+TEST(Resource, AnyThreadMayRegister) {
+    std::vector<std::thread> threads;
+    std::vector<int> failures(4);
+    for (size_t t = 0; t < failures.size(); ++t) {
+        threads.emplace_back([t, &failures] {
+            const std::string path = ":/shared/" + std::to_string(t);
+            for (int i = 0; i < 200; ++i) {
+                CZeFile file(name(path));
+                const bool isOpen = add(path, "some bytes") && file.open(Ze::ReadOnly) && take(path);
+                failures[t] += !isOpen || bytes(file.readAll()) != "some bytes";
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_THAT(failures, testing::Each(0));
+}
+
+} // namespace

@@ -1,0 +1,121 @@
+#include "core/io/save_file.h"
+
+#include "tests/core/file_system_double.h"
+#include "tests/core/test_file.h"
+#include "tests/core/text.h"
+#include "tests/support/log_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <cerrno>
+
+#include <sys/stat.h>
+
+namespace {
+
+class SaveFile : public testing::Test {
+protected:
+    bool save(const std::string& at) {
+        CZeSaveFile saved(name(at));
+        return saved.open(Ze::WriteOnly) && saved.write("new", 3) == 3 && saved.commit();
+    }
+    static unsigned permissions(const std::string& of) {
+        return unsigned(std::filesystem::status(of).permissions());
+    }
+
+    LogCapture log;
+    TempDirectory directory;
+    std::string path = madeFile(directory / "file", "old");
+    CZeSaveFile file{name(path)};
+    FileSystemDouble system;
+};
+
+TEST_F(SaveFile, PutsTheWholeInPlaceAtOnce) {
+    const std::string content = pattern(100000);
+    chmod(path.c_str(), 0604);
+    system.mostBytes = 999;
+    system.interrupted = 2;
+    ASSERT_TRUE(file.open(Ze::WriteOnly) && file.write(content.data(), 100000) == 100000);
+    EXPECT_TRUE(file.seek(0) && file.write(content.data(), 1) == 1);
+    EXPECT_EQ(contentOf(path), "old");
+    EXPECT_TRUE(file.commit() && !file.isOpen());
+    EXPECT_EQ(contentOf(path), content);
+    EXPECT_EQ(permissions(path), 0604u);
+    EXPECT_EQ(system.calls["fsync"], 2); // the file, then the directory
+    const mode_t mask = umask(027);
+    EXPECT_TRUE(save(directory / "\xC3\xA9"));
+    umask(mask);
+    EXPECT_EQ(permissions(directory / "\xC3\xA9"), 0640u);
+    EXPECT_EQ(listing(directory), "file \xC3\xA9 ");
+}
+
+TEST_F(SaveFile, LeavesTheOldFileWheneverSomethingIsWrong) {
+    const std::pair<const char*, FileSystemDouble::Failure> rows[] = {
+        {"write", {EACCES}}, {"fsync", {EACCES}}, {"renameat", {EACCES}}};
+    for (const auto& row : rows) {
+        system.failures = {row};
+        ASSERT_TRUE(file.open(Ze::WriteOnly) && file.write("new", 3) == 3);
+        EXPECT_FALSE(file.commit()) << row.first;
+        EXPECT_EQ(utf8(file.errorString()), "Permission denied");
+        EXPECT_EQ(contentOf(path) + listing(directory), "oldfile ") << row.first;
+    }
+    // A write that failed spoils the file, whatever is written after it.
+    system.failures["write"] = {ENOSPC};
+    ASSERT_TRUE(file.open(Ze::WriteOnly) && file.write(pattern(20000).data(), 20000) == -1);
+    EXPECT_TRUE(file.write(pattern(20000).data(), 20000) == 20000 && !file.commit());
+    EXPECT_EQ(utf8(file.errorString()), "No space left on device");
+    EXPECT_TRUE(file.open(Ze::WriteOnly) && file.write("new", 3) == 3 && file.close());
+    EXPECT_TRUE(CZeSaveFile(name(path)).open(Ze::WriteOnly));
+    EXPECT_EQ(contentOf(path) + listing(directory), "oldfile ");
+}
+
+TEST_F(SaveFile, FollowsLinksAndStaysInItsDirectory) {
+    std::filesystem::create_directory(directory / "a");
+    std::filesystem::create_symlink("../file", directory / "a/link");
+    std::filesystem::create_symlink(directory / "a/link", directory / "outer");
+    std::filesystem::create_symlink("a/new", directory / "dangling");
+    EXPECT_TRUE(save(directory / "outer") && save(directory / "dangling"));
+    EXPECT_EQ(contentOf(path) + contentOf(directory / "a/new"), "newnew");
+    const auto old = std::filesystem::current_path();
+    std::filesystem::current_path(directory / "a");
+    CZeSaveFile relative(name("relative"));
+    EXPECT_TRUE(relative.open(Ze::WriteOnly));
+    std::filesystem::current_path(old);
+    std::filesystem::rename(directory / "a", directory / "b");
+    EXPECT_TRUE(relative.commit() && std::filesystem::exists(directory / "b/relative"));
+    EXPECT_EQ(listing(directory), "b dangling file outer ");
+}
+
+TEST_F(SaveFile, SaysWhyItCannotBeOpened) {
+    std::filesystem::create_symlink("loop", directory / "loop");
+    const struct {
+        std::string path;
+        const char* text;
+    } rows[] = {
+        {directory.path(), "file to replace is not a regular file"},
+        {"/dev/null", "file to replace is not a regular file"},
+        {path + "/", "Is a directory"},
+        {directory / "none/new", "No such file or directory"},
+        {directory / "loop", "Too many levels of symbolic links"},
+        {":/resource", "Read-only file system"},
+        {"", "No file name specified"},
+    };
+    for (const auto& row : rows) {
+        CZeSaveFile refused(name(row.path));
+        EXPECT_TRUE(!refused.open(Ze::WriteOnly) && refused.error() == Ze::FileErrOpen) << row.path;
+        EXPECT_EQ(utf8(refused.errorString()), row.text) << row.path;
+    }
+    log.clear();
+    EXPECT_FALSE(file.open(0) || file.open(Ze::ReadWrite) || file.open(Ze::WriteOnly | Ze::Append));
+    EXPECT_TRUE(!file.commit() && file.open(Ze::WriteOnly) && !file.open(Ze::WriteOnly));
+    file.setFileName(name("other"));
+    EXPECT_THAT(log.texts(),
+                testing::ElementsAre("CZeIODevice::open: File access not specified",
+                                     "CZeSaveFile::open: Unsupported open mode: 3",
+                                     "CZeSaveFile::open: Unsupported open mode: 6",
+                                     "CZeSaveFile::commit: IODevice is not open",
+                                     "CZeSaveFile::open: File (" + path + ") already open",
+                                     "CZeSaveFile::setFileName: File (" + path + ") is already opened"));
+}
+
+} // namespace
