@@ -3,7 +3,6 @@
 #include "tests/support/gl_recorder_call.h"
 
 #include <algorithm>
-#include <regex>
 #include <sstream>
 #include <utility>
 
@@ -17,6 +16,12 @@ std::string join(const std::vector<std::string>& texts) {
     for (const std::string& text : texts)
         joined += (joined.empty() ? "" : ", ") + text;
     return joined;
+}
+
+std::string replaced(std::string text, const std::string& from, const std::string& to) {
+    for (size_t at = 0; (at = text.find(from, at)) != std::string::npos; at += to.size())
+        text.replace(at, from.size(), to);
+    return text;
 }
 
 } // namespace
@@ -180,19 +185,17 @@ std::string recipe(std::string_view text) {
         {"draw", "glDrawArrays(GL_TRIANGLE_STRIP, 0, 4)\n"},
     };
     std::string lines;
-    std::istringstream steps(std::regex_replace(std::string(text), std::regex("; *"), "\n"));
+    std::istringstream steps(replaced(std::string(text), ";", "\n"));
     for (std::string step; std::getline(steps, step);) {
         step.erase(0, std::min(step.find_first_not_of(' '), step.size()));
         std::istringstream words(step);
         std::string first, second, third;
         words >> first >> second >> third;
         const auto* known = std::ranges::find(kSteps, first, [](const auto& entry) { return entry.step; });
-        if (known == std::end(kSteps))
-            lines += step + (step.empty() ? "" : "\n");
-        else
-            lines +=
-                std::regex_replace(std::regex_replace(std::string(known->calls), std::regex("\\$1"), second),
-                                   std::regex("\\$2"), third);
+        if (known != std::end(kSteps))
+            lines += replaced(replaced(known->calls, "$1", second), "$2", third);
+        else if (!step.empty())
+            lines += step + '\n';
     }
     return lines;
 }
