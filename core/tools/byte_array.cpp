@@ -41,7 +41,9 @@ CZeByteArray& CZeByteArray::operator=(const char* text) {
         const bool isOwnText = !before(text, begin()) && before(text, end());
         if (isOwnText) {
             const CZeByteArray copy(text, int(length));
-            return copy.isNull() ? *this : *this = copy.constData();
+            if (!copy.isNull())
+                *this = copy.constData();
+            return *this;
         }
         if (!m_array.reallocData(needed, m_array.keptOptions()))
             return *this;
