@@ -1,0 +1,195 @@
+// The reader of LUT files: what it takes, what it refuses and which refusals it tells.
+
+#include "effects/lut/lut_file_reader.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/lut_file.h"
+#include "tests/support/temp_directory.h"
+
+#include <bit>
+#include <cerrno>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+struct {
+    size_t alignment, size;
+    bool isRefused;
+    std::string truncatedPath; ///< a file to be cut off meanwhile
+} g_allocation;
+
+} // namespace
+
+// The linker sends calls of posix_memalign here.
+extern "C" {
+int __real_posix_memalign(void** block, size_t alignment, size_t size);
+
+int __wrap_posix_memalign(void** block, size_t alignment, size_t size) {
+    g_allocation.alignment = alignment;
+    g_allocation.size = size;
+    if (!g_allocation.truncatedPath.empty())
+        std::filesystem::resize_file(g_allocation.truncatedPath, 40000);
+    return g_allocation.isRefused ? ENOMEM : __real_posix_memalign(block, alignment, size);
+}
+}
+
+namespace ze {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+const Texts kSilence,
+    kWrongSignature = {"Invalid lut file signature!"}, kNoHeader = {"Failed to read lut file header!"},
+    kNoLevels = {"Failed to read lut level values!"}, kNoColors = {"Failed to read lut data!"};
+
+std::ptrdiff_t openFiles() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+class LutReader : public testing::Test {
+protected:
+    ~LutReader() override { EXPECT_EQ(openFiles(), m_openFiles); }
+
+    CLutFileReader read(const std::string& file) {
+        log.clear();
+        return CLutFileReader(CZeString::fromUtf8(file.c_str()));
+    }
+
+    /// Messages are errors, and nothing of a refused file remains.
+    void expectRefusal(const CLutFileReader& reader, const Texts& messages) {
+        std::vector<LogCapture::Entry> entries;
+        for (const std::string& message : messages)
+            entries.push_back({6, "glowfx", message});
+        EXPECT_EQ(log.entries(), entries);
+        EXPECT_FALSE(reader.isValid());
+        EXPECT_TRUE(reader.version() == 0 && reader.isThreeDimensional() && reader.levelCount() == 0 &&
+                    !reader.levelValues() && !reader.colorData());
+    }
+    void expectRefusal(const std::string& bytes, const Texts& messages) {
+        writeFile(path, bytes);
+        expectRefusal(read(path), messages);
+    }
+
+    void expectContents(const std::string& bytes, const LutFile& file) {
+        writeFile(path, bytes);
+        const CLutFileReader reader = read(path);
+        EXPECT_EQ(log.texts(), kSilence);
+        EXPECT_EQ(reader.path().toUtf8(), path.c_str());
+        EXPECT_EQ(reader.version(), 1u);
+        EXPECT_EQ(reader.isThreeDimensional(), file.isThreeDimensional);
+        ASSERT_EQ(reader.levelCount(), file.levels.size());
+        EXPECT_EQ(std::memcmp(reader.levelValues(), file.levels.data(), 4 * file.levels.size()), 0);
+        EXPECT_EQ(std::memcmp(reader.colorData(), file.colors.data(), file.colors.size()), 0);
+        EXPECT_EQ(g_allocation.size, file.colors.size());
+        EXPECT_EQ(g_allocation.alignment, 64u);
+    }
+
+    LogCapture log;
+    TempDirectory directory;
+    std::string path = directory / "t\u00fcr.lut";
+
+private:
+    std::ptrdiff_t m_openFiles = openFiles();
+};
+
+/// Levels of any bits come through, even what is not a number.
+const std::vector<float> kOddLevels = {std::bit_cast<float>(0x80000001), std::bit_cast<float>(0x7F812345)};
+
+TEST_F(LutReader, ReadsEveryLevelCountInBothDimensionsFromAnyOffset) {
+    for (size_t n : {1u, 2u, 3u, 18u, 33u, 64u, 65u})
+        for (bool isThreeDimensional : {true, false})
+            for (size_t gap : {0u, 7u, 20000u}) {
+                SCOPED_TRACE(testing::Message() << n << (isThreeDimensional ? " cubed, " : ", ") << gap);
+                LutFile file{std::vector<float>(n, 0.25f), isThreeDimensional, gap};
+                expectContents(file.fillWithNoise().bytes() + "what follows is ignored", file);
+            }
+}
+
+TEST_F(LutReader, TellsWhereAFileEndsEarly) {
+    for (bool isThreeDimensional : {true, false}) {
+        LutFile file{kOddLevels, isThreeDimensional, 5};
+        const std::string bytes = file.fillWithNoise().bytes();
+        for (size_t size = 0; size < bytes.size(); ++size) {
+            SCOPED_TRACE(size);
+            expectRefusal(bytes.substr(0, size), size < 12           ? kSilence
+                                                 : size < 48         ? kNoHeader
+                                                 : size < 48 + 5 + 8 ? kNoLevels
+                                                                     : kNoColors);
+        }
+        expectContents(bytes, file);
+    }
+}
+
+TEST_F(LutReader, ChecksWhatTheHeaderSays) {
+    LutFile file{kOddLevels};
+    const std::string bytes = file.fillWithNoise().bytes();
+    const uint64_t end = bytes.size(), top = uint64_t{1} << 63;
+    const struct {
+        size_t offset, size;
+        uint64_t value;
+        Texts messages = {"taken"};
+    } cases[] = {{7, 1, 0, kWrongSignature},
+                 {0, 1, ',', kWrongSignature},
+                 {3, 1, 'x', kWrongSignature},
+                 {8, 4, 0, kSilence},
+                 {8, 4, 2, kSilence},
+                 {8, 4, 0x01000000, kSilence},
+                 {8, 4, 65537, kSilence},
+                 {12, 4, 0, kSilence},
+                 {12, 4, 66, kSilence},
+                 {12, 4, 0x02000000, kSilence},
+                 {12, 4, 0xFFFFFFFF, kSilence},
+                 {12, 4, 65, kNoLevels},
+                 {12, 4, 3, kNoColors},
+                 {16, 4, 1, kSilence},
+                 {16, 4, 0x80000000, kSilence},
+                 {20, 4, 256},
+                 {20, 4, 0x80000000},
+                 {24, 8, ~uint64_t{0}},
+                 {40, 8, ~uint64_t{0}},
+                 {32, 8, 49, kNoColors},
+                 {32, 8, end - 8, kNoColors},
+                 {32, 8, end - 7, kNoLevels},
+                 {32, 8, end, kNoLevels},
+                 {32, 8, end + 1, kNoLevels},
+                 {32, 8, uint64_t{1} << 32, kNoLevels},
+                 {32, 8, top, kSilence},
+                 {32, 8, top + 48, kSilence},
+                 {32, 8, ~uint64_t{0}, kSilence}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.value << " at " << c.offset);
+        std::string changed = bytes;
+        putLittleEndian(changed, c.offset, c.size, c.value);
+        if (c.messages == Texts{"taken"})
+            expectContents(changed, file);
+        else
+            expectRefusal(changed, c.messages);
+    }
+    std::string last = bytes; // whether there is such a position is up to the file system
+    putLittleEndian(last, 32, 8, top - 1);
+    writeFile(path, last);
+    EXPECT_FALSE(read(path).isValid());
+    EXPECT_THAT(log.texts(), testing::AnyOf(kSilence, kNoLevels));
+}
+
+TEST_F(LutReader, TellsWhichFileCannotBeOpened) {
+    for (const std::string& missing : {directory / "n\u00f6", directory.path()})
+        expectRefusal(read(missing), {"Failed to open lut file " + missing});
+    EXPECT_FALSE(read("").isValid());
+    EXPECT_EQ(log.texts().back(), "Failed to open lut file ");
+}
+
+TEST_F(LutReader, LacksMemoryInSilenceAndTellsOfAFileThatShrinksMeanwhile) {
+    LutFile file{evenLevels(33)};
+    const std::string bytes = file.fillWithNoise().bytes();
+    g_allocation.isRefused = true;
+    expectRefusal(bytes, kSilence);
+    g_allocation.isRefused = false;
+    g_allocation.truncatedPath = path;
+    expectRefusal(bytes, kNoColors);
+    g_allocation.truncatedPath.clear();
+    expectContents(bytes, file);
+}
+
+} // namespace
+} // namespace ze

@@ -1,0 +1,198 @@
+// The LUT effect: its calls, what it keeps between frames, and its failures.
+
+#include "effects/lut/lut_effect.h"
+#include "gl/framebuffer.h"
+#include "gl/texture.h"
+#include "tests/support/gl_recorder.h"
+#include "tests/support/log_capture.h"
+#include "tests/support/lut_file.h"
+#include "tests/support/temp_directory.h"
+
+#include <cmath>
+#include <optional>
+#include <regex>
+
+#include <gmock/gmock.h>
+
+using testing::Each;
+using testing::ElementsAre;
+using testing::Field;
+using testing::IsEmpty;
+
+namespace ze {
+namespace {
+
+class Lut : public testing::Test {
+protected:
+    Lut() {
+        gl.makeHostContextCurrent();
+        createFramebuffer();
+        gl.labelTextures({"source", "target"});
+        source = createTexture(5, 4, GL_RGBA);
+        target = createTexture(5, 4, GL_RGBA);
+        start({});
+    }
+    ~Lut() override { EXPECT_THAT(log.entries(), Each(Field(&LogCapture::Entry::priority, 6))); }
+
+    /// A new effect with a file of these levels.
+    LutFile start(const std::vector<float>& levels) {
+        effect.emplace();
+        LutFile file{levels};
+        writeFile(path, file.fillWithNoise().bytes());
+        effect->setParams(CZeString::fromUtf8(levels.empty() ? "" : path.c_str()), 0.75f);
+        gl.labelTextures({"lut"});
+        gl.clear();
+        log.clear();
+        return file;
+    }
+    bool draw() { return effect->draw(source, 5, 4, target); }
+
+    GlRecorder gl;
+    LogCapture log;
+    TempDirectory directory;
+    std::string path = directory / "file.lut";
+    GLuint source = 0, target = 0;
+    std::optional<CLutEffect> effect;
+};
+
+const struct {
+    const char* program;
+    std::vector<float> levels;
+    const char* uniform;    ///< that the other program has not
+    const char* setUniform; ///< how it is set
+} kKinds[] = {
+    {"lutRatio", {0, 0.25f, 0.5f, 0.75f, 1}, "rgbToTexCoordRatio", "glUniform1f(rgbToTexCoordRatio, 0.8)"},
+    {"lutMapped", {0, 0.1f, 0.2f, 0.3f, 0.75f}, "texCoordLut1D", "glUniform1fv(texCoordLut1D, 256)"}};
+
+TEST_F(Lut, LoadsItsTableBuildsOneProgramAndKeepsThem) {
+    for (const auto& kind : kKinds) {
+        const LutFile file = start(kind.levels);
+        const auto steps = [&](std::string text) {
+            for (const auto& [mark, meant] :
+                 {std::pair{"\\$2", kind.setUniform}, {"\\$1", kind.program}, {"\\$3", kind.uniform}})
+                text = std::regex_replace(text, std::regex(mark), std::string(meant));
+            return recipe(text);
+        };
+        const std::string drawing = steps(R"(
+            glUseProgram($1); check; glUniform1f(texelSize1D, 0.2); $2; glUniform1f(intensity, 0.75)
+            bind target; check; nearest; attach target; check; clear; glViewport(0, 0, 5, 4); check
+            unit 1; bind lut; check; linear
+            unit 0; bind source; check; nearest
+            point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr
+            draw; check
+            disable posAttr; disable texCoordAttr; attach 0)");
+        ASSERT_TRUE(draw());
+        EXPECT_TRUE(gl.calls().starts_with(recipe(R"(
+            glGenTextures(1); bind lut; check
+            glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 25, 5, 0, GL_RGB, GL_UNSIGNED_BYTE, null); check; clamp
+            bind lut; clamp; glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 25, 5, GL_RGB, GL_UNSIGNED_BYTE); bind 0
+            glCreateShader(GL_VERTEX_SHADER))")))
+            << gl.calls();
+        EXPECT_EQ(gl.callsFrom("glGetAttribLocation"), steps(R"(
+            glGetAttribLocation($1, posAttr); glGetAttribLocation($1, texCoordAttr)
+            glGetUniformLocation($1, texelSize1D); glGetUniformLocation($1, $3)
+            glGetUniformLocation($1, intensity)
+            glUseProgram($1); glGetUniformLocation($1, sampler); glUniform1i(sampler, 0)
+            glGetUniformLocation($1, lutSampler); glUniform1i(lutSampler, 1); check; glUseProgram(0))") +
+                                                           drawing);
+        gl.clear();
+        std::filesystem::remove(path);
+        ASSERT_TRUE(draw());
+        EXPECT_EQ(gl.calls(), drawing);
+        EXPECT_EQ(gl.state(), "active 0, unit 0 source, unit 1 lut, framebuffer to -");
+        EXPECT_THAT(gl.drawTexts(), ElementsAre(std::string(kind.program) + "(source, lut) -> target"));
+        const GlRecorder::Draw& drawn = gl.draws()[0];
+        EXPECT_THAT(drawn.attributes.at("posAttr"), ElementsAre(-1, 1, -1, -1, 1, 1, 1, -1));
+        EXPECT_THAT(drawn.attributes.at("texCoordAttr"), ElementsAre(0, 1, 0, 0, 1, 1, 1, 0));
+        EXPECT_EQ(drawn.sources[1].texels, file.colors);
+
+        if (kind.levels.back() < 1) {
+            LutCoordinateMap map{}; // entry 255 stays as it is
+            fillCoordinateMap(kind.levels, map);
+            EXPECT_THAT(gl.uniform("lutMapped", "texCoordLut1D"), testing::ElementsAreArray(map));
+        }
+        gl.clear();
+        effect.reset();
+        EXPECT_EQ(gl.calls(), steps("glDeleteTextures(1, lut); glDeleteProgram($1)"));
+    }
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(Lut, TheFirstPathStaysAndTheLastIntensityCounts) {
+    start({0, 1});
+    for (const char* other : {"other", ""})
+        effect->setParams(CZeString::fromUtf8(other), -2.5f); // as it is
+    EXPECT_THAT(log.texts(), ElementsAre("Lut path is already setted.", "Lut path is already setted."));
+    EXPECT_TRUE(draw());
+    EXPECT_THAT(gl.uniform("lutRatio", "intensity"), ElementsAre(-2.5f));
+}
+
+TEST_F(Lut, IsBypassedBelowAThousandth) {
+    effect.emplace();
+    EXPECT_TRUE(effect->isBypass());
+    const float below = std::nextafter(0.001f, 0.0f); // 0.001f itself widens to more than 0.001
+    for (float active : {0.001f, 1.5f})
+        for (float intensity : {active, below, active, 0.0f, active, -1.0f, active, std::nanf("")}) {
+            effect->setParams(CZeString(), intensity); // an empty path counts as none
+            EXPECT_EQ(effect->isBypass(), intensity != active) << intensity;
+        }
+    effect.reset();
+    EXPECT_EQ(gl.calls(), "");
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(Lut, TriesAFailedTableAgainInEveryFrame) {
+    const auto expectFailure = [&](const std::vector<std::string>& messages) {
+        for (int frame = 0; frame < 2; ++frame) {
+            log.clear();
+            EXPECT_FALSE(draw());
+            EXPECT_EQ(log.texts(), messages);
+            EXPECT_EQ(gl.calls(), "");
+        }
+    };
+    expectFailure({"lut path is empty"});
+    const std::string good = start({0, 1}).bytes();
+    std::string flat = good;
+    putLittleEndian(flat, 20, 4, 0);
+    std::filesystem::remove(path);
+    expectFailure({"Failed to open lut file " + path, "failed to read lut file"});
+    writeFile(path, good.substr(0, 8));
+    expectFailure({"failed to read lut file"});
+    writeFile(path, good.substr(0, 50));
+    expectFailure({"Failed to read lut level values!", "failed to read lut file"});
+    writeFile(path, flat);
+    expectFailure({"we only support 3D lut now"});
+
+    writeFile(path, good);
+    log.clear();
+    gl.refuse("glGenTextures", 1, GL_OUT_OF_MEMORY);
+    EXPECT_FALSE(draw());
+    EXPECT_THAT(log.texts(), ElementsAre("GL error: 0x1285", "failed to allocate texture"));
+    EXPECT_TRUE(draw());
+    EXPECT_EQ(gl.draws().size(), 1u);
+}
+
+TEST_F(Lut, TriesAFailedProgramAgainAndGoesOnAfterGlErrors) {
+    for (const auto& kind : kKinds) {
+        start(kind.levels);
+        gl.refuse("glCreateProgram", 1);
+        EXPECT_FALSE(draw());
+        EXPECT_THAT(log.texts(), ElementsAre("Failed to prepare 3d lut program"));
+        gl.clear();
+        EXPECT_TRUE(draw());
+        EXPECT_EQ(gl.calls({"glTexSubImage2D"}), ""); // the table is there
+
+        for (int nth = 1; nth <= 26; ++nth) {
+            log.clear();
+            gl.clear();
+            gl.raise("", nth, GL_INVALID_OPERATION);
+            EXPECT_TRUE(draw());
+            EXPECT_EQ(gl.glCallCount(), 26);
+            EXPECT_TRUE(draw()); // finds what nobody has looked at
+            EXPECT_THAT(log.texts(), ElementsAre("GL error: 0x1282")) << nth;
+        }
+    }
+}
+
+} // namespace
+} // namespace ze

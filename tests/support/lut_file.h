@@ -1,0 +1,40 @@
+// LUT files, written byte by byte.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// 0, 1/(count−1), …, 1.
+std::vector<float> evenLevels(size_t count);
+
+/// What a LUT file holds.
+struct LutFile {
+    std::vector<float> levels;
+    bool isThreeDimensional = true;
+    size_t gap = 0;                   ///< bytes between the header and the levels
+    std::vector<uint8_t> colors = {}; ///< R, G and B of each entry
+
+    /// Colours without order.
+    LutFile& fillWithNoise();
+
+    /// `color(r, g, b)` gives the colour of each entry of a three-dimensional table as three levels.
+    template <class Color>
+    LutFile& fill(Color color) {
+        for (size_t r = 0; r < levels.size(); ++r)
+            for (size_t g = 0; g < levels.size(); ++g)
+                for (size_t b = 0; b < levels.size(); ++b)
+                    for (auto level : color(r, g, b))
+                        colors.push_back(uint8_t(level));
+        return *this;
+    }
+
+    std::string bytes() const;
+};
+
+/// Sets `size` bytes from `at` on to `value`, the lowest byte first.
+void putLittleEndian(std::string& bytes, size_t at, size_t size, uint64_t value);
+
+void writeFile(const std::string& path, const std::string& bytes);
