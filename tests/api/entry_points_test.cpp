@@ -34,9 +34,8 @@ TEST_F(EntryPoints, ANewCoreIsEmpty) {
 }
 
 TEST_F(EntryPoints, SettersTakeOnlyHandlesOfTheirType) {
-    const RecordedHost host("-5");
-    ZecEffect* beauty = host.effects[0];
-    ZecEffect* other = host.effects[1];
+    const RecordedHost host("-5L");
+    ZecEffect *beauty = host.effects[0], *other = host.effects[1], *lut = host.effects[2];
     EXPECT_EQ(other->type, 5);
     EXPECT_EQ(other->effect, nullptr);
     EXPECT_FALSE(ZecSetBeautyParams(nullptr, 1, 1));
@@ -44,13 +43,17 @@ TEST_F(EntryPoints, SettersTakeOnlyHandlesOfTheirType) {
     EXPECT_FALSE(ZecSetLutParams(nullptr, "lut", 1));
     EXPECT_FALSE(ZecSetLutParams(other, "lut", 1));
     EXPECT_FALSE(ZecSetLutParams(beauty, "lut", 1));
+    EXPECT_FALSE(ZecSetBeautyParams(lut, 1, 1));
     EXPECT_TRUE(static_cast<BeautyEffect*>(beauty->effect)->isInactive());
+    EXPECT_TRUE(static_cast<CLutEffect*>(lut->effect)->isBypass());
 
     other->effect = beauty->effect; // the type decides, not the object
     EXPECT_FALSE(ZecSetBeautyParams(other, 1, 1));
     other->effect = nullptr;
     EXPECT_TRUE(ZecSetBeautyParams(beauty, 0, 1));
     EXPECT_FALSE(static_cast<BeautyEffect*>(beauty->effect)->isInactive());
+    EXPECT_TRUE(ZecSetLutParams(lut, "no such file", 1));
+    EXPECT_FALSE(static_cast<CLutEffect*>(lut->effect)->isBypass());
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 

@@ -237,6 +237,19 @@ TEST_F(Pipeline, WithoutAnActiveEffectThePlanesAreCopiedAndGlIsNotTouched) {
     EXPECT_EQ(gl.calls(), "");
 }
 
+TEST_F(Pipeline, ALutEffectIsDrawnFromAThousandthOnAndItsFailureFailsNoFrame) {
+    RecordedHost host("L");
+    ASSERT_TRUE(ZecSetLutParams(host.effects[0], "", 0.0009f));
+    EXPECT_TRUE(host.render());
+    EXPECT_EQ(gl.calls(), "");
+    EXPECT_THAT(log.texts(), IsEmpty());
+    ASSERT_TRUE(ZecSetLutParams(host.effects[0], "/no such f\u00efle", 0.001f));
+    EXPECT_TRUE(host.render());
+    EXPECT_THAT(log.texts(),
+                ElementsAre("Failed to open lut file /no such f\u00efle", "failed to read lut file"));
+    EXPECT_THAT(gl.drawTexts(), ElementsAre("yuvToRgb(luma, chroma) -> input", "rgbToYuv(output) -> packed"));
+}
+
 TEST_F(Pipeline, RefusesOtherFormatsBeforeItTouchesGl) {
     RecordedHost host;
     for (int format : {2, -1, 17}) {

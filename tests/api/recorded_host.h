@@ -7,6 +7,7 @@
 #include "api/ze_beauty_effect.h"
 #include "convert/color_converter.h"
 #include "effects/beauty/beauty_effect.h"
+#include "effects/lut/lut_effect.h"
 #include "gl/egl_context.h"
 #include "tests/api/test_frame.h"
 #include "tests/support/gl_recorder.h"
@@ -19,11 +20,12 @@
 /// A render core and its effects, less those that a test has destroyed and set to null or taken out. Frames
 /// of 5 × 3 and one active beauty effect unless told otherwise.
 struct RecordedHost {
-    /// `effects` has a letter for each entry: B an active beauty effect, - an inactive one, 5 a handle of
-    /// that type, 0 a null pointer.
+    /// `effects` has a letter for each entry: B an active beauty effect, - an inactive one, L a new LUT
+    /// effect, 5 a handle of that type, 0 a null pointer.
     explicit RecordedHost(const std::string& entries = "B") {
         for (char entry : entries) {
-            effects.push_back(entry == '0' ? nullptr : ZecCreateEffect(entry == '5' ? 5 : 0));
+            const int type = entry == 'L' ? 1 : entry == '5' ? 5 : 0;
+            effects.push_back(entry == '0' ? nullptr : ZecCreateEffect(type));
             if (entry == 'B')
                 ZecSetBeautyParams(effects.back(), 0.5f, 0.5f);
         }
@@ -43,7 +45,9 @@ struct RecordedHost {
         if (core && core->context)
             ze::makeContextCurrent(*core->context);
         for (ZecEffect* handle : effects) {
-            if (handle)
+            if (handle && handle->type == 1)
+                delete static_cast<ze::CLutEffect*>(handle->effect);
+            else if (handle)
                 delete static_cast<ze::BeautyEffect*>(handle->effect);
             delete handle;
         }
