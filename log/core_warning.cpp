@@ -7,6 +7,8 @@
 namespace ze {
 
 void coreWarning(const char* format, ...) {
+    if (!isLogLevelEnabled(kLogWarning))
+        return;
     std::va_list arguments;
     va_start(arguments, format);
     emitFormatted(kLogWarning, SZeLogContext(), format, arguments);

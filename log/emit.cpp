@@ -40,8 +40,6 @@ void emit(const char* text, int level, const SZeLogContext& context) {
 }
 
 void emitFormatted(int level, const SZeLogContext& context, const char* format, std::va_list arguments) {
-    if (!isLogLevelEnabled(level))
-        return;
     char text[kBufferSize];
     if (std::vsnprintf(text, sizeof text, format, arguments) < 0)
         text[0] = '\0';

@@ -11,7 +11,7 @@
 
 namespace ze {
 
-FileLogger::FileLogger() : m_process(getpid()), m_file(CZeString::fromLatin1("glowkitlog")) {
+FileLogger::FileLogger() : m_file(CZeString::fromLatin1("glowkitlog")), m_process(getpid()) {
     try {
         m_thread = std::thread(&FileLogger::run, this);
     } catch (const std::system_error& error) {
@@ -29,12 +29,15 @@ FileLogger::~FileLogger() {
 }
 
 void FileLogger::enqueue(const char* text) {
+    std::string line;
+    line.reserve(std::strlen("[2024-03-05 23:59:59] ") + std::strlen(text));
+    {
+        const std::lock_guard lock(m_stampMutex);
+        line.append("[").append(m_timeStamp.of(std::time(nullptr))).append("] ");
+    }
+    line.append(text);
     {
         const std::lock_guard lock(m_mutex);
-        const std::string& stamp = m_timeStamp.of(std::time(nullptr));
-        std::string line;
-        line.reserve(stamp.size() + std::strlen(text) + 3); // the brackets and the space
-        line.append("[").append(stamp).append("] ").append(text);
         m_queue.push_back(std::move(line));
     }
     m_wake.notify_one();
@@ -77,6 +80,8 @@ void FileLogger::run() {
         lines.clear();
         lock.lock();
     }
+    lock.unlock();
+    m_file.close();
 }
 
 } // namespace ze

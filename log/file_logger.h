@@ -35,7 +35,6 @@ public:
 private:
     void run();
 
-    const pid_t m_process;
     std::thread m_thread;
     LogFile m_file; // the thread's own
     std::condition_variable m_wake;
@@ -43,7 +42,10 @@ private:
     bool m_stop = false;
     CZeString m_rootDirectory;
     LogLines m_queue;
+
+    std::mutex m_stampMutex; // guards m_timeStamp; never held together with m_mutex
     TimeStamp m_timeStamp;
+    const pid_t m_process; // never changes, needs no guard
 };
 
 } // namespace ze

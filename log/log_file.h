@@ -35,9 +35,11 @@ public:
     /// the 30 seconds after it.
     void write(const LogLines& lines, const CZeString& rootDirectory, LogTime now, const std::tm& today);
 
+    /// Closes the file if one is open.
+    void close();
+
 private:
     void open(const CZeString& rootDirectory, LogTime now, const std::tm& today);
-    void close();
 
     CZeString m_name;
     std::FILE* m_file = nullptr;

@@ -1,5 +1,5 @@
 // The printf-style functions of log/log_stream.h. They ask the filter before they touch their arguments,
-// which makes a dropped message cost about 2 ns instead of 7.
+// so that a dropped message costs next to nothing.
 
 #include "log/emit.h"
 #include "log/log_stream.h"
