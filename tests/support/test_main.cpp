@@ -4,8 +4,7 @@
 
 #include <gmock/gmock.h>
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     // Without a display EGL needs to be told that there is none.
     if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY"))
         setenv("EGL_PLATFORM", "surfaceless", 0);
