@@ -2,67 +2,77 @@
 
 #include "tests/support/gl_recorder.h"
 
+#include <functional>
+
+#include <gmock/gmock.h>
 #include <gtest/gtest-spi.h>
 
 namespace {
 
-// The macros for expected failures reach static names alone.
-GLuint g_texture, g_program;
-GLint g_location;
-
-void draw() {
-    glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
-}
-
 TEST(GlRecorderTest, FailsTheTestOnMisuse) {
-    GlRecorder gl;
-    EXPECT_NONFATAL_FAILURE(glViewport(0, 0, 1, 1), "without a current context");
-    GLuint framebuffer = 0;
-    glGenFramebuffers(1, &framebuffer);
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-    EXPECT_NONFATAL_FAILURE(glClear(GL_COLOR_BUFFER_BIT), "unknown or deleted name 0"); // no target
-    glGenTextures(1, &g_texture);
-    glBindTexture(GL_TEXTURE_2D, g_texture);
-    EXPECT_NONFATAL_FAILURE(glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 5, 1, GL_RGBA, GL_UNSIGNED_BYTE, nullptr),
-                            "does not fit");
-
-    EXPECT_NONFATAL_FAILURE(glUseProgram(g_texture), "unknown or deleted name");
-    const GLuint shader = glCreateShader(GL_FRAGMENT_SHADER);
-    const char* source = "uniform sampler2D sampler;\n";
-    glShaderSource(shader, 1, &source, nullptr);
-    g_program = glCreateProgram();
-    glAttachShader(g_program, shader);
-    EXPECT_NONFATAL_FAILURE(glGetUniformLocation(g_program, "samplers"), "not declared");
-    EXPECT_NONFATAL_FAILURE(glGetAttribLocation(g_program, "sampler"), "not declared");
-    g_location = glGetUniformLocation(g_program, "sampler");
-    EXPECT_NONFATAL_FAILURE(glUniform1i(g_location, 0), "not of the current program");
-    glUseProgram(g_program);
-    glUniform1i(g_location, 0);
-    EXPECT_NONFATAL_FAILURE(glEnableVertexAttribArray(GLuint(g_location)), "not of the current program");
-    glDisableVertexAttribArray(GLuint(g_location));
-    EXPECT_NONFATAL_FAILURE(glDisableVertexAttribArray(GLuint(g_location)), "is not enabled");
-
-    GLuint target = 0;
-    glGenTextures(1, &target);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, target, 0);
-    glViewport(0, 0, 0, 0);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    EXPECT_NONFATAL_FAILURE(draw(), "not clamped at its edges");
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    draw();
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST_MIPMAP_LINEAR);
-    EXPECT_NONFATAL_FAILURE(draw(), "no levels to filter between");
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    glViewport(0, 0, 1, 0);
-    EXPECT_NONFATAL_FAILURE(draw(), "the viewport is not the whole target");
-    glViewport(0, 0, 0, 0);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, g_texture, 0);
-    EXPECT_NONFATAL_FAILURE(draw(), "samples its own target");
-
-    glDeleteTextures(1, &g_texture);
-    EXPECT_NONFATAL_FAILURE(glDeleteTextures(1, &g_texture), "unknown or deleted name");
-    EXPECT_NONFATAL_FAILURE(glBindTexture(GL_TEXTURE_2D, g_texture), "unknown or deleted name");
+    const GlRecorder gl;
+    GLuint framebuffer = 0, texture = 0, target = 0, program = 0;
+    GLint uniform = 0, attribute = 0;
+    const auto attach = [&](GLuint name) {
+        glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, name, 0);
+    };
+    const auto set = [](GLenum parameter, GLint value) { glTexParameteri(GL_TEXTURE_2D, parameter, value); };
+    const auto draw = [] { glDrawArrays(GL_TRIANGLE_STRIP, 0, 4); };
+    const auto makeProgram = [&] {
+        const GLuint shader = glCreateShader(GL_FRAGMENT_SHADER);
+        const char* source = "attribute highp vec2 pos;\nuniform sampler2D sampler;\n";
+        glShaderSource(shader, 1, &source, nullptr);
+        program = glCreateProgram();
+        glAttachShader(program, shader);
+        uniform = glGetUniformLocation(program, "sampler");
+        attribute = glGetAttribLocation(program, "pos");
+    };
+    const struct {
+        std::function<void()> misuse;
+        const char* failure; ///< none where the call only prepares the next ones
+    } steps[] = {
+        {[&] { glViewport(0, 0, 0, 0); }, "without a current context"},
+        {[&] { attach(0); }, "there is no frame buffer"},
+        {[&] { glGenFramebuffers(1, &framebuffer), glBindFramebuffer(GL_FRAMEBUFFER, framebuffer); },
+         nullptr},
+        {[&] { glClear(GL_COLOR_BUFFER_BIT); }, "there is no target"},
+        {[&] { glGenTextures(1, &texture), glGenTextures(1, &target), attach(target); }, nullptr},
+        {[&] { glUseProgram(texture); }, "unknown or deleted name"},
+        {makeProgram, nullptr},
+        {[&] { glGetUniformLocation(program, "pos"); }, "not declared"},
+        {[&] { glUniform1i(uniform, 0); }, "not of the current program"},
+        {[&] { glUseProgram(program), glUniform1i(uniform, 0); }, nullptr},
+        {[&] { glVertexAttribPointer(GLuint(uniform), 2, GL_FLOAT, 0, 0, ""); },
+         "not of the current program"},
+        {[&] { glDisableVertexAttribArray(GLuint(attribute)); }, "is not enabled"},
+        {[&] { glBindTexture(GL_TEXTURE_2D, texture), set(GL_TEXTURE_MIN_FILTER, GL_LINEAR); }, nullptr},
+        {[&] { draw(); }, "not clamped at its edges"},
+        {[&] { set(GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE), set(GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE); },
+         nullptr},
+        {draw, nullptr},
+        {[&] { glEnableVertexAttribArray(GLuint(attribute)), draw(); }, "points nowhere"},
+        {[&] { glDisableVertexAttribArray(GLuint(attribute)), glViewport(0, 0, 1, 0), draw(); },
+         "the viewport"},
+        {[&] { glViewport(0, 0, 0, 0), set(GL_TEXTURE_MIN_FILTER, GL_NEAREST_MIPMAP_LINEAR), draw(); },
+         "no levels"},
+        {[&] { set(GL_TEXTURE_MIN_FILTER, GL_LINEAR), attach(texture), draw(); }, "samples its own target"},
+        {[&] { glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 5, 1, GL_RGBA, GL_UNSIGNED_BYTE, nullptr); },
+         "does not fit"},
+        {[&] { glDeleteTextures(1, &texture), glDeleteTextures(1, &texture); }, "unknown or deleted name"},
+        {[&] { set(GL_TEXTURE_MIN_FILTER, GL_LINEAR); }, "there is no texture"},
+    };
+    for (const auto& [misuse, failure] : steps) {
+        testing::TestPartResultArray results;
+        {
+            const testing::ScopedFakeTestPartResultReporter reporter(
+                testing::ScopedFakeTestPartResultReporter::INTERCEPT_ONLY_CURRENT_THREAD, &results);
+            misuse();
+        }
+        ASSERT_EQ(results.size(), failure ? 1 : 0) << (failure ? failure : "preparation");
+        EXPECT_TRUE(!failure ||
+                    std::string(results.GetTestPartResult(0).message()).find(failure) != std::string::npos)
+            << failure;
+    }
 }
 
 } // namespace

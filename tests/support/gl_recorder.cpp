@@ -209,22 +209,25 @@ RecordedCall::~RecordedCall() {
     --t_depth;
 }
 
-void RecordedCall::findContext(const char* function) {
+void RecordedCall::fail(const std::string& why) const {
+    ADD_FAILURE() << m_function << ": " << why;
+}
+
+void RecordedCall::findContext() {
     if (!current.context) {
-        ADD_FAILURE() << function << " without a current context";
+        fail("without a current context");
         current = {&driver.contexts.emplace_back(), &driver.surfaces.emplace_back(),
                    &driver.surfaces.emplace_back()};
     }
     gl = current.context;
 }
 
-void RecordedCall::record(const char* function, const std::string& arguments) {
-    m_text = std::string(function) + '(' + arguments + ')';
-    driver.calls.push_back({function, m_text});
-    const bool isCounted = gl && driver.calls.back().function != "glGetError";
+void RecordedCall::record(const std::string& arguments) {
+    driver.calls.push_back({m_function, m_function + '(' + arguments + ')'});
+    const bool isCounted = gl && m_function != "glGetError";
     driver.glCallCount += isCounted;
     for (ScriptedFailure& failure : driver.failures) {
-        const bool isMeant = failure.function.empty() ? isCounted : failure.function == function;
+        const bool isMeant = failure.function.empty() ? isCounted : failure.function == m_function;
         if (!isMeant || --failure.countdown != 0)
             continue;
         isRefused = failure.refuses;
@@ -239,15 +242,30 @@ void RecordedCall::leaveError(EGLint error) const {
         gl->error = GLenum(error);
 }
 
-GlRecorder::Texture& RecordedCall::target() const {
-    return object(gl->textures, object(gl->framebuffers, gl->framebuffer).texture);
+GlRecorder::Texture& RecordedCall::boundTexture() const {
+    const GLuint texture = gl->units[gl->activeUnit];
+    if (texture == 0)
+        fail("there is no texture");
+    return gl->textures[texture];
 }
 
-const GlVariable& RecordedCall::variable(GLuint location, bool isUniform) const {
+GLuint RecordedCall::target() const {
+    const GLuint texture = gl->framebuffer ? gl->framebuffers[gl->framebuffer].texture : 0;
+    if (texture == 0)
+        fail("there is no target");
+    return texture;
+}
+
+void RecordedCall::setUniform(GLint location, const GLfloat* values, int count) const {
+    const GlVariable& found = driver.variables[GLuint(location)];
+    gl->programs[found.program].uniforms[found.name].assign(values, values + count);
+}
+
+std::string RecordedCall::variable(GLuint location, bool isUniform) const {
     const GlVariable& found = driver.variables[location];
     if (found.program != gl->program || found.isUniform != isUniform)
-        fail("not of the current program");
-    return found;
+        fail(found.name + " is not of the current program");
+    return found.name;
 }
 
 std::string RecordedCall::show(Enum value) {

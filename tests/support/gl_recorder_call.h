@@ -95,7 +95,8 @@ struct GlDriver {
     int glCallCount = 0;
 };
 
-/// A number with what it stands for, to be printed as that.
+/// A number with what it stands for. It is printed as that, and an object or variable that does not exist, or
+/// is not the current program's, fails the test.
 template <int kind>
 struct Shown {
     GLuint value;
@@ -105,7 +106,8 @@ using TextureName = Shown<1>;
 using FramebufferName = Shown<2>;
 using ProgramName = Shown<3>;
 using ShaderName = Shown<4>;
-using Location = Shown<5>;
+using Attribute = Shown<5>;
+using Uniform = Shown<6>;
 
 /// An attribute list of EGL, and an EGL object, to be printed.
 struct EglAttributes {
@@ -120,43 +122,35 @@ class RecordedCall {
 public:
     template <class... Args>
     explicit RecordedCall(const char* function, Args... args) : RecordedCall() {
+        m_function = function;
         if (function[0] == 'g')
-            findContext(function);
+            findContext();
         std::string text;
         ((text += (text.empty() ? "" : ", ") + show(args)), ...);
-        record(function, text);
+        record(text);
     }
     ~RecordedCall();
     RecordedCall(const RecordedCall&) = delete;
     RecordedCall& operator=(const RecordedCall&) = delete;
 
     /// Fails the test on account of this call.
-    void fail(const std::string& why) const { ADD_FAILURE() << m_text << ": " << why; }
-
+    void fail(const std::string& why) const;
     /// Leaves an error for glGetError or eglGetError, whichever it is.
     void leaveError(EGLint error) const;
 
-    /// The object of that name, which has to exist.
+    /// A name for a new object in `objects`, or 0 when the call is refused.
     template <class Object>
-    Object& object(std::map<GLuint, Object>& objects, GLuint name) const {
-        const auto found = objects.find(name);
-        if (found != objects.end())
-            return found->second;
-        fail("unknown or deleted name " + std::to_string(name));
-        static Object none;
-        return none = {};
+    GLuint create(std::map<GLuint, Object>& objects, const std::string& label) const {
+        if (isRefused)
+            return 0;
+        objects[++driver.lastName].label = label;
+        return driver.lastName;
     }
-    /// Likewise, unless it is 0.
-    template <class Object>
-    void checkUnlessZero(std::map<GLuint, Object>& objects, GLuint name) const {
-        if (name)
-            object(objects, name);
-    }
-    GlRecorder::Texture& boundTexture() const { return object(gl->textures, gl->units[gl->activeUnit]); }
-    /// The texture attached to the bound frame buffer.
-    GlRecorder::Texture& target() const;
-    /// The attribute or uniform at `location`, which has to belong to the current program.
-    const GlVariable& variable(GLuint location, bool isUniform) const;
+    /// The texture bound to the active unit, which has to be there.
+    GlRecorder::Texture& boundTexture() const;
+    /// The name of the texture attached to the bound frame buffer, which has to be there.
+    GLuint target() const;
+    void setUniform(GLint location, const GLfloat* values, int count) const;
 
     GlRecorder& recorder;
     GlDriver& driver;
@@ -166,8 +160,8 @@ public:
 
 private:
     RecordedCall();
-    void findContext(const char* function);
-    void record(const char* function, const std::string& arguments);
+    void findContext();
+    void record(const std::string& arguments);
 
     static std::string show(int value) { return std::to_string(value); }
     static std::string show(GLfloat value) { return testing::PrintToString(value); }
@@ -179,13 +173,19 @@ private:
     std::string show(FramebufferName name) const { return label(gl->framebuffers, name.value); }
     std::string show(ProgramName name) const { return label(gl->programs, name.value); }
     std::string show(ShaderName name) const { return label(gl->shaders, name.value); }
-    std::string show(Location location) const { return driver.variables[location.value].name; }
+    std::string show(Attribute attribute) const { return variable(attribute.value, false); }
+    std::string show(Uniform uniform) const { return variable(uniform.value, true); }
+    std::string variable(GLuint location, bool isUniform) const;
 
     template <class Object>
-    static std::string label(const std::map<GLuint, Object>& objects, GLuint name) {
+    std::string label(const std::map<GLuint, Object>& objects, GLuint name) const {
         const auto found = objects.find(name);
-        return found == objects.end() ? std::to_string(name) : found->second.label;
+        if (found != objects.end())
+            return found->second.label;
+        if (name)
+            fail("unknown or deleted name");
+        return std::to_string(name);
     }
 
-    std::string m_text;
+    std::string m_function;
 };

@@ -39,20 +39,9 @@ size_t rowPitch(int width, GLenum format, GLint alignment) {
     return size_t((width * bytesPerTexel(format) + alignment - 1) / alignment * alignment);
 }
 
-void setUniform(const RecordedCall& call, GLint location, const GLfloat* values, int count) {
-    const GlVariable& variable = call.variable(GLuint(location), true);
-    call.gl->programs[variable.program].uniforms[variable.name].assign(values, values + count);
-}
-
-void setUniforms(const char* function, GLint location, const GLfloat* values, GLsizei count, int components) {
-    setUniform(RecordedCall(function, Location{GLuint(location)}, count), location, values,
-               count * components);
-}
-
 GLint lookUp(const RecordedCall& call, GLuint program, const GLchar* name, bool isUniform) {
-    const std::string& source = call.object(call.gl->programs, program).source;
-    if (!declares(source, isUniform ? "uniform" : "attribute", name))
-        call.fail("not declared in the shaders");
+    if (!declares(call.gl->programs[program].source, isUniform ? "uniform" : "attribute", name))
+        call.fail(std::string(name) + " is not declared in the shaders");
     const auto location = GLint(call.driver.variables.size()) + 1;
     call.driver.variables[GLuint(location)] = {program, isUniform, name};
     return location;
@@ -70,221 +59,70 @@ void checkSource(const RecordedCall& call, const GlRecorder::Texture& source) {
         call.fail("samples " + source.label + ", which is not clamped at its edges");
 }
 
-} // namespace
-
-void glActiveTexture(GLenum unit) {
-    const RecordedCall call("glActiveTexture", Enum{unit});
-    call.gl->activeUnit = unit - GL_TEXTURE0;
-}
-
-void glAttachShader(GLuint program, GLuint shader) {
-    const RecordedCall call("glAttachShader", ProgramName{program}, ShaderName{shader});
-    auto& record = call.object(call.gl->programs, program);
-    record.source += call.object(call.gl->shaders, shader).source;
-    record.label = programLabel(record.source);
-}
-
-void glBindFramebuffer(GLenum target, GLuint name) {
-    const RecordedCall call("glBindFramebuffer", Enum{target}, FramebufferName{name});
-    call.checkUnlessZero(call.gl->framebuffers, name);
-    call.gl->framebuffer = name;
-}
-
-void glBindTexture(GLenum target, GLuint name) {
-    const RecordedCall call("glBindTexture", Enum{target}, TextureName{name});
-    call.checkUnlessZero(call.gl->textures, name);
-    call.gl->units[call.gl->activeUnit] = name;
-}
-
-void glClear(GLbitfield mask) {
-    const RecordedCall call("glClear", Enum{mask});
-    call.target();
-}
-
-void glCompileShader(GLuint name) {
-    const RecordedCall call("glCompileShader", ShaderName{name});
-    call.object(call.gl->shaders, name);
-}
-
-GLuint glCreateProgram() {
-    const RecordedCall call("glCreateProgram");
-    if (call.isRefused)
-        return 0;
-    call.gl->programs[++call.driver.lastName];
-    return call.driver.lastName;
-}
-
-GLuint glCreateShader(GLenum type) {
-    const RecordedCall call("glCreateShader", Enum{type});
-    if (call.isRefused)
-        return 0;
-    const char* label = type == GL_VERTEX_SHADER ? "vertexShader" : "fragmentShader";
-    call.gl->shaders[++call.driver.lastName].label = label;
-    return call.driver.lastName;
-}
-
-void glDeleteFramebuffers(GLsizei count, const GLuint* names) {
-    const RecordedCall call("glDeleteFramebuffers", count, FramebufferName{names[0]});
-    call.object(call.gl->framebuffers, names[0]);
-    call.gl->framebuffers.erase(names[0]);
-    if (call.gl->framebuffer == names[0])
-        call.gl->framebuffer = 0;
-}
-
-void glDeleteProgram(GLuint name) {
-    const RecordedCall call("glDeleteProgram", ProgramName{name});
-    call.object(call.gl->programs, name);
-    call.gl->programs.erase(name);
-}
-
-void glDeleteShader(GLuint name) {
-    const RecordedCall call("glDeleteShader", ShaderName{name});
-    call.object(call.gl->shaders, name);
-    call.gl->shaders.erase(name);
-}
-
-void glDeleteTextures(GLsizei count, const GLuint* names) {
-    const RecordedCall call("glDeleteTextures", count, TextureName{names[0]});
-    call.object(call.gl->textures, names[0]);
-    call.gl->textures.erase(names[0]);
-    std::ranges::replace(call.gl->units, names[0], 0u);
-    for (auto& [name, framebuffer] : call.gl->framebuffers)
-        if (framebuffer.texture == names[0])
-            framebuffer.texture = 0;
-}
-
-void glDisable(GLenum capability) {
-    const RecordedCall call("glDisable", Enum{capability});
-}
-
-void glDisableVertexAttribArray(GLuint location) {
-    const RecordedCall call("glDisableVertexAttribArray", Location{location});
-    if (call.gl->enabled.erase(location) == 0)
-        call.fail("is not enabled");
-}
-
-void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
-    const RecordedCall call("glDrawArrays", Enum{mode}, first, count);
-    const GlContext& gl = *call.gl;
-    const GlProgram& program = call.object(call.gl->programs, gl.program);
-    GlRecorder::Draw draw{program.label, {}, call.target(), {}};
-    if (gl.viewport != std::array<GLint, 4>{0, 0, draw.target.width, draw.target.height})
-        call.fail("the viewport is not the whole target");
-
-    std::map<size_t, GLuint> sources; // by unit
-    for (const auto& [name, values] : program.uniforms)
-        if (declares(program.source, "uniform sampler2D", name))
-            sources[size_t(values[0])] = gl.units[size_t(values[0])];
-    for (const auto& [unit, name] : sources) {
-        draw.sources.push_back(call.object(call.gl->textures, name));
-        checkSource(call, draw.sources.back());
-        if (&call.object(call.gl->textures, name) == &call.target())
-            call.fail("samples its own target");
-    }
-
-    for (const GLuint location : gl.enabled) {
-        if (!gl.pointers.contains(location)) {
+/// Four corners of each enabled attribute, as they are in memory now.
+std::map<std::string, std::vector<GLfloat>> corners(const RecordedCall& call, GLint first, GLsizei count) {
+    std::map<std::string, std::vector<GLfloat>> attributes;
+    for (const GLuint location : call.gl->enabled) {
+        const auto [size, stride, data] = call.gl->pointers[location];
+        if (!data) {
             call.fail("an enabled attribute points nowhere");
             continue;
         }
-        const auto& [size, stride, data] = gl.pointers.at(location);
-        auto& values = draw.attributes[call.variable(location, false).name];
+        auto& values = attributes[call.driver.variables[location].name];
         for (int corner = first; corner < first + count; ++corner) {
             const auto* floats =
                 reinterpret_cast<const GLfloat*>(static_cast<const char*>(data) + corner * stride);
             values.insert(values.end(), floats, floats + size);
         }
     }
+    return attributes;
+}
+
+} // namespace
+
+void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
+    const RecordedCall call("glDrawArrays", Enum{mode}, first, count);
+    GlContext& gl = *call.gl;
+    const GlProgram& program = gl.programs[gl.program];
+    const GLuint target = call.target();
+    GlRecorder::Draw draw = {program.label, {}, gl.textures[target], corners(call, first, count)};
+    if (gl.viewport != std::array<GLint, 4>{0, 0, draw.target.width, draw.target.height})
+        call.fail("the viewport is not the whole target");
+    std::map<size_t, GLuint> sources; // by unit
+    for (const auto& [name, values] : program.uniforms)
+        if (declares(program.source, "uniform sampler2D", name))
+            sources[size_t(values[0])] = gl.units[size_t(values[0])];
+    for (const auto& [unit, name] : sources) {
+        draw.sources.push_back(gl.textures[name]);
+        checkSource(call, draw.sources.back());
+        if (name == target)
+            call.fail("samples its own target");
+    }
     call.driver.draws.push_back(draw);
-}
-
-void glEnableVertexAttribArray(GLuint location) {
-    const RecordedCall call("glEnableVertexAttribArray", Location{location});
-    call.variable(location, false);
-    call.gl->enabled.insert(location);
-}
-
-void glFramebufferTexture2D(GLenum target, GLenum attachment, GLenum textureTarget, GLuint texture,
-                            GLint level) {
-    const RecordedCall call("glFramebufferTexture2D", Enum{target}, Enum{attachment}, Enum{textureTarget},
-                            TextureName{texture}, level);
-    call.checkUnlessZero(call.gl->textures, texture);
-    call.object(call.gl->framebuffers, call.gl->framebuffer).texture = texture;
-}
-
-void glGenFramebuffers(GLsizei count, GLuint* names) {
-    const RecordedCall call("glGenFramebuffers", count);
-    names[0] = call.isRefused ? 0 : ++call.driver.lastName;
-    if (names[0])
-        call.gl->framebuffers[names[0]];
-}
-
-void glGenTextures(GLsizei count, GLuint* names) {
-    const RecordedCall call("glGenTextures", count);
-    names[0] = call.isRefused ? 0 : ++call.driver.lastName;
-    if (names[0] == 0)
-        return;
-    auto& labels = call.driver.labels;
-    call.gl->textures[names[0]].label =
-        labels.empty() ? "texture" + std::to_string(names[0]) : labels.front();
-    if (!labels.empty())
-        labels.pop_front();
-}
-
-GLint glGetAttribLocation(GLuint program, const GLchar* name) {
-    const RecordedCall call("glGetAttribLocation", ProgramName{program}, name);
-    return lookUp(call, program, name, false);
-}
-
-GLenum glGetError() {
-    const RecordedCall call("glGetError");
-    return std::exchange(call.gl->error, GLenum(GL_NO_ERROR));
-}
-
-void glGetIntegerv(GLenum name, GLint* value) {
-    const RecordedCall call("glGetIntegerv", Enum{name});
-    *value = name == GL_MAX_TEXTURE_SIZE ? call.recorder.maxTextureSize : GLint(call.gl->framebuffer);
-}
-
-void glGetProgramInfoLog(GLuint name, GLsizei size, GLsizei* /*length*/, GLchar* text) {
-    const RecordedCall call("glGetProgramInfoLog", ProgramName{name}, size);
-    call.object(call.gl->programs, name);
-    std::snprintf(text, size_t(size), "%s", call.recorder.infoLog.c_str());
-}
-
-void glGetShaderInfoLog(GLuint name, GLsizei size, GLsizei* /*length*/, GLchar* text) {
-    const RecordedCall call("glGetShaderInfoLog", ShaderName{name}, size);
-    call.object(call.gl->shaders, name);
-    std::snprintf(text, size_t(size), "%s", call.recorder.infoLog.c_str());
-}
-
-GLint glGetUniformLocation(GLuint program, const GLchar* name) {
-    const RecordedCall call("glGetUniformLocation", ProgramName{program}, name);
-    return lookUp(call, program, name, true);
-}
-
-void glLinkProgram(GLuint name) {
-    const RecordedCall call("glLinkProgram", ProgramName{name});
-    call.object(call.gl->programs, name);
-}
-
-void glPixelStorei(GLenum name, GLint value) {
-    const RecordedCall call("glPixelStorei", Enum{name}, value);
-    call.gl->pixelStore.at(name) = value;
 }
 
 void glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels) {
     const RecordedCall call("glReadPixels", x, y, width, height, Enum{format}, Enum{type});
     call.target();
-    const size_t pitch = rowPitch(width, format, call.gl->pixelStore.at(GL_PACK_ALIGNMENT));
+    const size_t pitch = rowPitch(width, format, call.gl->pixelStore[GL_PACK_ALIGNMENT]);
     for (size_t row = 0; row < size_t(height); ++row)
         for (size_t i = 0; i < size_t(width * bytesPerTexel(format)); ++i)
             static_cast<uint8_t*>(pixels)[row * pitch + i] = GlRecorder::readBackByte(row * pitch + i);
 }
 
-void glShaderSource(GLuint name, GLsizei count, const GLchar* const* sources, const GLint* lengths) {
-    const RecordedCall call("glShaderSource", ShaderName{name}, count, lengths ? "lengths" : "null");
-    call.object(call.gl->shaders, name).source = sources[0];
+void glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height,
+                     GLenum format, GLenum type, const void* pixels) {
+    const RecordedCall call("glTexSubImage2D", Enum{target}, level, x, y, width, height, Enum{format},
+                            Enum{type});
+    auto& texture = call.boundTexture();
+    if (format != texture.format || x + width > texture.width || y + height > texture.height)
+        return call.fail("does not fit " + texture.label + ' ' + texture.size());
+    const size_t pitch = rowPitch(width, format, call.gl->pixelStore[GL_UNPACK_ALIGNMENT]);
+    texture.texels.clear();
+    for (int row = 0; row < height; ++row) {
+        const auto* bytes = static_cast<const uint8_t*>(pixels) + size_t(row) * pitch;
+        texture.texels.insert(texture.texels.end(), bytes, bytes + width * bytesPerTexel(format));
+    }
 }
 
 void glTexImage2D(GLenum target, GLint level, GLint internalFormat, GLsizei width, GLsizei height,
@@ -297,72 +135,152 @@ void glTexImage2D(GLenum target, GLint level, GLint internalFormat, GLsizei widt
     texture.height = height;
 }
 
-void glTexParameteri(GLenum target, GLenum name, GLint value) {
-    const RecordedCall call("glTexParameteri", Enum{target}, Enum{name}, Enum{GLenum(value)});
-    call.boundTexture().parameters[name] = value;
+void glAttachShader(GLuint program, GLuint shader) {
+    const RecordedCall call("glAttachShader", ProgramName{program}, ShaderName{shader});
+    auto& record = call.gl->programs[program];
+    record.source += call.gl->shaders[shader].source;
+    record.label = programLabel(record.source);
 }
 
-void glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height,
-                     GLenum format, GLenum type, const void* pixels) {
-    const RecordedCall call("glTexSubImage2D", Enum{target}, level, x, y, width, height, Enum{format},
-                            Enum{type});
-    auto& texture = call.boundTexture();
-    if (format != texture.format || x + width > texture.width || y + height > texture.height)
-        return call.fail("does not fit " + texture.label + ' ' + texture.size());
-    const size_t pitch = rowPitch(width, format, call.gl->pixelStore.at(GL_UNPACK_ALIGNMENT));
-    texture.texels.clear();
-    for (int row = 0; row < height; ++row) {
-        const auto* bytes = static_cast<const uint8_t*>(pixels) + size_t(row) * pitch;
-        texture.texels.insert(texture.texels.end(), bytes, bytes + width * bytesPerTexel(format));
-    }
+GLuint glCreateShader(GLenum type) {
+    const RecordedCall call("glCreateShader", Enum{type});
+    return call.create(call.gl->shaders, type == GL_VERTEX_SHADER ? "vertexShader" : "fragmentShader");
 }
 
-void glUniform1f(GLint location, GLfloat value) {
-    const RecordedCall call("glUniform1f", Location{GLuint(location)}, value);
-    setUniform(call, location, &value, 1);
+void glGenTextures(GLsizei count, GLuint* names) {
+    const RecordedCall call("glGenTextures", count);
+    auto& labels = call.driver.labels;
+    const std::string next = "texture" + std::to_string(call.driver.lastName + 1);
+    names[0] = call.create(call.gl->textures, labels.empty() ? next : labels.front());
+    if (names[0] && !labels.empty())
+        labels.pop_front();
 }
 
-void glUniform1i(GLint location, GLint value) {
-    const RecordedCall call("glUniform1i", Location{GLuint(location)}, value);
-    const auto number = GLfloat(value);
-    setUniform(call, location, &number, 1);
+void glDeleteTextures(GLsizei count, const GLuint* names) {
+    const RecordedCall call("glDeleteTextures", count, TextureName{names[0]});
+    call.gl->textures.erase(names[0]);
+    std::ranges::replace(call.gl->units, names[0], 0u);
+    for (auto& [name, framebuffer] : call.gl->framebuffers)
+        if (framebuffer.texture == names[0])
+            framebuffer.texture = 0;
 }
 
-void glUniform1fv(GLint location, GLsizei count, const GLfloat* values) {
-    setUniforms("glUniform1fv", location, values, count, 1);
+void glDeleteFramebuffers(GLsizei count, const GLuint* names) {
+    const RecordedCall call("glDeleteFramebuffers", count, FramebufferName{names[0]});
+    call.gl->framebuffers.erase(names[0]);
+    if (call.gl->framebuffer == names[0])
+        call.gl->framebuffer = 0;
 }
 
-void glUniform2fv(GLint location, GLsizei count, const GLfloat* values) {
-    setUniforms("glUniform2fv", location, values, count, 2);
+void glFramebufferTexture2D(GLenum target, GLenum attachment, GLenum textureTarget, GLuint texture,
+                            GLint level) {
+    const RecordedCall call("glFramebufferTexture2D", Enum{target}, Enum{attachment}, Enum{textureTarget},
+                            TextureName{texture}, level);
+    if (call.gl->framebuffer == 0)
+        return call.fail("there is no frame buffer");
+    call.gl->framebuffers[call.gl->framebuffer].texture = texture;
 }
 
-void glUniform3fv(GLint location, GLsizei count, const GLfloat* values) {
-    setUniforms("glUniform3fv", location, values, count, 3);
-}
-
-void glUniform4fv(GLint location, GLsizei count, const GLfloat* values) {
-    setUniforms("glUniform4fv", location, values, count, 4);
-}
-
-void glUniformMatrix3fv(GLint location, GLsizei count, GLboolean transpose, const GLfloat* values) {
-    const RecordedCall call("glUniformMatrix3fv", Location{GLuint(location)}, count, Enum{transpose});
-    setUniform(call, location, values, 9 * count);
-}
-
-void glUseProgram(GLuint name) {
-    const RecordedCall call("glUseProgram", ProgramName{name});
-    call.checkUnlessZero(call.gl->programs, name);
-    call.gl->program = name;
+void glDisableVertexAttribArray(GLuint location) {
+    const RecordedCall call("glDisableVertexAttribArray", Attribute{location});
+    if (call.gl->enabled.erase(location) == 0)
+        call.fail("is not enabled");
 }
 
 void glVertexAttribPointer(GLuint location, GLint size, GLenum type, GLboolean normalized, GLsizei stride,
                            const void* pointer) {
-    const RecordedCall call("glVertexAttribPointer", Location{location}, size, Enum{type}, Enum{normalized},
-                            stride);
-    call.gl->pointers[location] = {size, stride, pointer};
+    RecordedCall("glVertexAttribPointer", Attribute{location}, size, Enum{type}, Enum{normalized}, stride)
+        .gl->pointers[location] = {size, stride, pointer};
 }
 
+// The others, one line each where it fits.
+// clang-format off
+
+void glActiveTexture(GLenum unit) {
+    RecordedCall("glActiveTexture", Enum{unit}).gl->activeUnit = unit - GL_TEXTURE0;
+}
+void glBindFramebuffer(GLenum target, GLuint name) {
+    RecordedCall("glBindFramebuffer", Enum{target}, FramebufferName{name}).gl->framebuffer = name;
+}
+void glBindTexture(GLenum target, GLuint name) {
+    const RecordedCall call("glBindTexture", Enum{target}, TextureName{name});
+    call.gl->units[call.gl->activeUnit] = name;
+}
+void glClear(GLbitfield mask) { RecordedCall("glClear", Enum{mask}).target(); }
+void glCompileShader(GLuint name) { RecordedCall("glCompileShader", ShaderName{name}); }
+void glDeleteProgram(GLuint name) {
+    RecordedCall("glDeleteProgram", ProgramName{name}).gl->programs.erase(name);
+}
+void glDeleteShader(GLuint name) { RecordedCall("glDeleteShader", ShaderName{name}).gl->shaders.erase(name); }
+void glDisable(GLenum capability) { RecordedCall("glDisable", Enum{capability}); }
+void glEnableVertexAttribArray(GLuint location) {
+    RecordedCall("glEnableVertexAttribArray", Attribute{location}).gl->enabled.insert(location);
+}
+void glLinkProgram(GLuint name) { RecordedCall("glLinkProgram", ProgramName{name}); }
+void glPixelStorei(GLenum name, GLint value) {
+    RecordedCall("glPixelStorei", Enum{name}, value).gl->pixelStore[name] = value;
+}
+void glShaderSource(GLuint name, GLsizei count, const GLchar* const* sources, const GLint* lengths) {
+    RecordedCall("glShaderSource", ShaderName{name}, count, lengths ? "lengths" : "null")
+        .gl->shaders[name].source = sources[0];
+}
+void glTexParameteri(GLenum target, GLenum name, GLint value) {
+    const RecordedCall call("glTexParameteri", Enum{target}, Enum{name}, Enum{GLenum(value)});
+    call.boundTexture().parameters[name] = value;
+}
+void glUseProgram(GLuint name) { RecordedCall("glUseProgram", ProgramName{name}).gl->program = name; }
 void glViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
-    const RecordedCall call("glViewport", x, y, width, height);
-    call.gl->viewport = {x, y, width, height};
+    RecordedCall("glViewport", x, y, width, height).gl->viewport = {x, y, width, height};
+}
+
+GLuint glCreateProgram() {
+    const RecordedCall call("glCreateProgram");
+    return call.create(call.gl->programs, "program");
+}
+void glGenFramebuffers(GLsizei count, GLuint* names) {
+    const RecordedCall call("glGenFramebuffers", count);
+    names[0] = call.create(call.gl->framebuffers, "framebuffer");
+}
+GLint glGetAttribLocation(GLuint program, const GLchar* name) {
+    return lookUp(RecordedCall("glGetAttribLocation", ProgramName{program}, name), program, name, false);
+}
+GLint glGetUniformLocation(GLuint program, const GLchar* name) {
+    return lookUp(RecordedCall("glGetUniformLocation", ProgramName{program}, name), program, name, true);
+}
+GLenum glGetError() { return std::exchange(RecordedCall("glGetError").gl->error, GLenum(GL_NO_ERROR)); }
+void glGetIntegerv(GLenum name, GLint* value) {
+    const RecordedCall call("glGetIntegerv", Enum{name});
+    *value = name == GL_MAX_TEXTURE_SIZE ? call.recorder.maxTextureSize : GLint(call.gl->framebuffer);
+}
+void glGetProgramInfoLog(GLuint name, GLsizei size, GLsizei* /*length*/, GLchar* text) {
+    const RecordedCall call("glGetProgramInfoLog", ProgramName{name}, size);
+    std::snprintf(text, size_t(size), "%s", call.recorder.infoLog.c_str());
+}
+void glGetShaderInfoLog(GLuint name, GLsizei size, GLsizei* /*length*/, GLchar* text) {
+    const RecordedCall call("glGetShaderInfoLog", ShaderName{name}, size);
+    std::snprintf(text, size_t(size), "%s", call.recorder.infoLog.c_str());
+}
+
+void glUniform1f(GLint location, GLfloat value) {
+    RecordedCall("glUniform1f", Uniform{GLuint(location)}, value).setUniform(location, &value, 1);
+}
+void glUniform1i(GLint location, GLint value) {
+    const auto number = GLfloat(value);
+    RecordedCall("glUniform1i", Uniform{GLuint(location)}, value).setUniform(location, &number, 1);
+}
+void glUniform1fv(GLint location, GLsizei count, const GLfloat* values) {
+    RecordedCall("glUniform1fv", Uniform{GLuint(location)}, count).setUniform(location, values, count);
+}
+void glUniform2fv(GLint location, GLsizei count, const GLfloat* values) {
+    RecordedCall("glUniform2fv", Uniform{GLuint(location)}, count).setUniform(location, values, 2 * count);
+}
+void glUniform3fv(GLint location, GLsizei count, const GLfloat* values) {
+    RecordedCall("glUniform3fv", Uniform{GLuint(location)}, count).setUniform(location, values, 3 * count);
+}
+void glUniform4fv(GLint location, GLsizei count, const GLfloat* values) {
+    RecordedCall("glUniform4fv", Uniform{GLuint(location)}, count).setUniform(location, values, 4 * count);
+}
+void glUniformMatrix3fv(GLint location, GLsizei count, GLboolean transpose, const GLfloat* values) {
+    RecordedCall("glUniformMatrix3fv", Uniform{GLuint(location)}, count, Enum{transpose})
+        .setUniform(location, values, 9 * count);
 }
