@@ -10,7 +10,6 @@
 
 #include <cmath>
 #include <optional>
-#include <regex>
 
 #include <gmock/gmock.h>
 
@@ -69,8 +68,9 @@ TEST_F(Lut, LoadsItsTableBuildsOneProgramAndKeepsThem) {
         const LutFile file = start(kind.levels);
         const auto steps = [&](std::string text) {
             for (const auto& [mark, meant] :
-                 {std::pair{"\\$2", kind.setUniform}, {"\\$1", kind.program}, {"\\$3", kind.uniform}})
-                text = std::regex_replace(text, std::regex(mark), std::string(meant));
+                 {std::pair{"$1", kind.program}, {"$2", kind.setUniform}, {"$3", kind.uniform}})
+                for (size_t at = 0; (at = text.find(mark)) != std::string::npos;)
+                    text.replace(at, 2, meant);
             return recipe(text);
         };
         const std::string drawing = steps(R"(
