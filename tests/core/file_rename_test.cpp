@@ -90,8 +90,9 @@ TEST_F(FileRename, AFailedCopyLeavesTheSourceAndNothingElse) {
     const struct {
         const char* function;
         FileSystemDouble::Failure failure;
-    } rows[] = {{"write", {ENOSPC, 100, 2}}, {"read", {EIO, 100, 1}}, {"fopen", {EMFILE}},
-                {"fopen", {EMFILE, 1, 1}},   {"fsync", {EIO}},        {"unlink", {EACCES}}};
+    } rows[] = {{"write", {ENOSPC, 1, 2}}, {"read", {EIO, 100, 1}}, {"fopen", {EMFILE}},
+                {"fopen", {EMFILE, 1, 1}}, {"fsync", {EIO}},        {"unlink", {EACCES}}};
+    system.mostBytes = 7777;
     for (const auto& row : rows) {
         system.failures = {{"rename", {EXDEV}}, {row.function, row.failure}};
         const bool isCopied = row.failure.error == EACCES;
