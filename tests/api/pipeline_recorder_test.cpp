@@ -405,6 +405,7 @@ TEST_F(Pipeline, AMissingFrameBufferIsMadeByTheNextFrame) {
         testing::TestPartResultArray misuse; // without a frame buffer there is no target
         const testing::ScopedFakeTestPartResultReporter reporter(&misuse);
         EXPECT_TRUE(host.render());
+        ASSERT_GT(misuse.size(), 0);
     }
     EXPECT_EQ(log.texts()[0], "Failed to create fbo!");
     gl.clear();
