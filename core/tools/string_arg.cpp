@@ -51,6 +51,7 @@ ArgEscapes findLowestEscapes(ze::Utf16View text) {
     return lowest;
 }
 
+/// `text` with `argument` in place of its lowest escapes.
 CZeString replaceEscapes(ze::Utf16View text, const ArgEscapes& escapes, ze::Utf16View argument,
                          int fieldWidth, CZeChar fill) {
     const int64_t width = std::max(std::abs(int64_t{fieldWidth}), int64_t{argument.count});
@@ -79,20 +80,49 @@ CZeString replaceEscapes(ze::Utf16View text, const ArgEscapes& escapes, ze::Utf1
     return result;
 }
 
+/// The frame of every `arg`: replaces the lowest escapes, or calls `warn` and returns the text as it is when
+/// there is none.
+template <class Warn>
+CZeString arg_helper(const CZeString& text, ze::Utf16View argument, int fieldWidth, CZeChar fill, Warn warn) {
+    const ArgEscapes escapes = findLowestEscapes(text);
+    if (escapes.occurrences != 0)
+        return replaceEscapes(text, escapes, argument, fieldWidth, fill);
+    warn();
+    return text;
+}
+
+/// The warning of the arguments that are no strings: text and value follow each other without a gap.
+void warnOfValue(const CZeString& text, const CZeString& value) {
+    ze::coreWarning("CZeString::arg: Argument missing:%s%s", text.toLocal8Bit().constData(),
+                    value.toLocal8Bit().constData());
+}
+
+template <class Integer>
+CZeString integerArg(const CZeString& text, Integer argument, int fieldWidth, int base, CZeChar fill) {
+    return arg_helper(text, CZeString::number(argument, base), fieldWidth, fill,
+                      [&] { warnOfValue(text, CZeString::number(argument)); }); // decimal whatever the base
+}
+
 } // namespace
 
 CZeString CZeString::arg(const CZeString& argument, int fieldWidth, CZeChar fill) const {
-    const ArgEscapes escapes = findLowestEscapes(*this);
-    if (escapes.occurrences == 0) {
+    return arg_helper(*this, argument, fieldWidth, fill, [&] {
         ze::coreWarning("CZeString::arg: Argument missing: %s, %s", toLocal8Bit().constData(),
                         argument.toLocal8Bit().constData());
-        return *this;
-    }
-    return replaceEscapes(*this, escapes, argument, fieldWidth, fill);
+    });
+}
+
+CZeString CZeString::arg(const CZeStringRef& argument, int fieldWidth, CZeChar fill) const {
+    return arg(argument.toString(), fieldWidth, fill);
+}
+
+CZeString CZeString::arg(CZeLatin1String argument, int fieldWidth, CZeChar fill) const {
+    return arg(CZeString(argument), fieldWidth, fill);
 }
 
 CZeString CZeString::arg(CZeChar argument, int fieldWidth, CZeChar fill) const {
-    return arg(CZeString(argument), fieldWidth, fill);
+    return arg_helper(*this, ze::Utf16View(&argument), fieldWidth, fill,
+                      [&] { warnOfValue(*this, argument); });
 }
 
 CZeString CZeString::arg(char argument, int fieldWidth, CZeChar fill) const {
@@ -100,18 +130,15 @@ CZeString CZeString::arg(char argument, int fieldWidth, CZeChar fill) const {
 }
 
 CZeString CZeString::arg(long argument, int fieldWidth, int base, CZeChar fill) const {
-    return arg(number(argument, base), fieldWidth, fill);
+    return integerArg(*this, argument, fieldWidth, base, fill);
 }
 
 CZeString CZeString::arg(unsigned long argument, int fieldWidth, int base, CZeChar fill) const {
-    return arg(number(argument, base), fieldWidth, fill);
+    return integerArg(*this, argument, fieldWidth, base, fill);
 }
 
 CZeString CZeString::arg(double argument, int fieldWidth, char format, int precision, CZeChar fill) const {
-    const ArgEscapes escapes = findLowestEscapes(*this);
-    if (escapes.occurrences == 0) {
+    return arg_helper(*this, number(argument, format, precision), fieldWidth, fill, [&] {
         ze::coreWarning("CZeString::arg: Argument missing: %s, %g", toLocal8Bit().constData(), argument);
-        return *this;
-    }
-    return replaceEscapes(*this, escapes, number(argument, format, precision), fieldWidth, fill);
+    });
 }

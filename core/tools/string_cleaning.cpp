@@ -23,7 +23,7 @@ CZeString CZeString::trimmed_helper(const CZeString& text) {
     return kept.count == text.size() ? text : CZeString(kept.units, kept.count);
 }
 
-CZeString CZeString::trimmed_helper(CZeString& text) {
+CZeString CZeString::trimmed_helper(CZeString&& text) {
     if (!text.m_array.isExclusive())
         return trimmed_helper(std::as_const(text));
     const ze::Utf16View kept = trimmedRange(text);

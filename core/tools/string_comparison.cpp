@@ -54,26 +54,31 @@ int compareFolded(Left left, Right right) {
 }
 
 template <class Left, class Right>
-int compare_helper(Left left, Right right, Ze::CaseSensitivity cs) {
+int compareTexts(Left left, Right right, Ze::CaseSensitivity cs) {
     return cs == Ze::CaseSensitive ? compareUnits(left, right) : compareFolded(left, right);
 }
 
 } // namespace
 
+int CZeString::compare_helper(const CZeChar* left, int leftSize, const CZeChar* right, int rightSize,
+                              Ze::CaseSensitivity cs) {
+    return compareTexts(ze::Utf16View(left, leftSize), ze::Utf16View(right, rightSize), cs);
+}
+
 int CZeString::compare(const CZeString& other, Ze::CaseSensitivity cs) const {
-    return compare_helper(ze::Utf16View(*this), ze::Utf16View(other), cs);
+    return compare_helper(unicode(), size(), other.unicode(), other.size(), cs);
 }
 
 int CZeString::compare(const CZeStringRef& other, Ze::CaseSensitivity cs) const {
-    return compare_helper(ze::Utf16View(*this), ze::Utf16View(other), cs);
+    return compare_helper(unicode(), size(), other.unicode(), other.size(), cs);
 }
 
 int CZeString::compare(CZeLatin1String other, Ze::CaseSensitivity cs) const {
-    return compare_helper(ze::Utf16View(*this), other, cs);
+    return compareTexts(ze::Utf16View(*this), other, cs);
 }
 
 int CZeStringRef::compare(const CZeStringRef& other, Ze::CaseSensitivity cs) const {
-    return compare_helper(ze::Utf16View(*this), ze::Utf16View(other), cs);
+    return CZeString::compare_helper(unicode(), size(), other.unicode(), other.size(), cs);
 }
 
 bool CZeString::isEqual(const CZeString& other) const {

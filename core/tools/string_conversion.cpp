@@ -3,19 +3,11 @@
 #include "core/codecs/utf8_decoder.h"
 #include "core/tools/latin1.h"
 #include "core/tools/ze_string.h"
+#include "core/tools/zero_terminated.h"
 
 #include <cstring>
 
 namespace {
-
-/// The number of elements before the zero one, at most INT32_MAX.
-template <class Element>
-int zeroTerminatedLength(const Element* elements) {
-    int length = 0;
-    while (length < INT32_MAX && elements[length] != Element{})
-        ++length;
-    return length;
-}
 
 /// Calls `take` with each code point of `text`; with an unpaired surrogate as it is.
 template <class Take>
@@ -77,7 +69,7 @@ CZeByteArray emptyBytesOf(const CZeString& text) {
 CZeString CZeString::fromLatin1(const char* text, int size) {
     if (!text)
         return {};
-    return fromLatin1_helper(text, size < 0 ? zeroTerminatedLength(text) : size);
+    return fromLatin1_helper(text, size < 0 ? ze::zeroTerminatedLength(text) : size);
 }
 
 CZeString CZeString::fromLatin1(const CZeByteArray& text) {
@@ -93,7 +85,7 @@ CZeString CZeString::fromLatin1_helper(const char* text, int size) {
 CZeString CZeString::fromUtf8(const char* text, int size) {
     if (!text)
         return {};
-    return fromUtf8_helper(text, size < 0 ? zeroTerminatedLength(text) : size);
+    return fromUtf8_helper(text, size < 0 ? ze::zeroTerminatedLength(text) : size);
 }
 
 CZeString CZeString::fromUtf8(const CZeByteArray& text) {
@@ -121,7 +113,7 @@ CZeString CZeString::fromUcs4(const char32_t* codePoints, int size) {
     if (!codePoints)
         return {};
     if (size < 0)
-        size = zeroTerminatedLength(codePoints);
+        size = ze::zeroTerminatedLength(codePoints);
     int64_t length = size;
     for (int i = 0; i < size; ++i)
         length += codePoints[i] >= 0x10000 && codePoints[i] <= 0x10FFFF;
@@ -153,7 +145,8 @@ CZeByteArray CZeString::toLatin1_helper(const CZeString& text) {
     return result;
 }
 
-/// Narrows the units where they lie and hands the block over as one of bytes. `text` is null afterwards.
+/// Narrows the units where they lie and hands the block over as one of bytes, which leaves `text` null. A
+/// block that is shared, static or foreign stays as it is.
 CZeByteArray CZeString::toLatin1_helper_inplace(CZeString& text) {
     if (!text.m_array.isExclusive())
         return toLatin1_helper(text);
@@ -181,9 +174,9 @@ CZeByteArray CZeString::toUtf8_helper(const CZeString& text) {
     return result;
 }
 
-CZeList<char32_t> CZeString::toUcs4() const {
+CZeList<char32_t> CZeString::toUcs4_helper(const CZeString& text) {
     CZeList<char32_t> result;
-    forEachCodePoint(*this, [&result](char32_t codePoint) {
+    forEachCodePoint(text, [&result](char32_t codePoint) {
         result.append(isSurrogate(codePoint) ? char32_t{CZeChar::Replacement} : codePoint);
     });
     return result;

@@ -66,7 +66,13 @@ CZeString& CZeString::insert(int position, CZeLatin1String text) {
 }
 
 CZeString& CZeString::append(const CZeString& text) {
-    if (isNull() && !text.isNull())
+    if (text.isNull())
+        return *this;
+    if (isNull())
         return *this = text;
+    if (text.isEmpty()) {
+        openGap(size(), 0);
+        return *this;
+    }
     return insert(size(), text);
 }

@@ -42,9 +42,39 @@ public:
     friend bool operator<=(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) <= 0; }
     friend bool operator>=(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) >= 0; }
     friend bool operator==(const CZeString& l, const CZeStringRef& r) { return l.compare(r) == 0; }
-    friend bool operator==(const CZeStringRef& l, const CZeString& r) { return r.compare(l) == 0; }
+    friend bool operator==(const CZeStringRef& l, const CZeString& r) {
+        return l.compare(CZeStringRef(&r)) == 0;
+    }
     friend bool operator!=(const CZeString& l, const CZeStringRef& r) { return l.compare(r) != 0; }
-    friend bool operator!=(const CZeStringRef& l, const CZeString& r) { return r.compare(l) != 0; }
+    friend bool operator!=(const CZeStringRef& l, const CZeString& r) {
+        return l.compare(CZeStringRef(&r)) != 0;
+    }
+    friend bool operator<(const CZeString& l, const CZeStringRef& r) { return l.compare(r) < 0; }
+    friend bool operator<(const CZeStringRef& l, const CZeString& r) {
+        return l.compare(CZeStringRef(&r)) < 0;
+    }
+    friend bool operator>(const CZeString& l, const CZeStringRef& r) { return l.compare(r) > 0; }
+    friend bool operator>(const CZeStringRef& l, const CZeString& r) {
+        return l.compare(CZeStringRef(&r)) > 0;
+    }
+    friend bool operator<=(const CZeString& l, const CZeStringRef& r) { return l.compare(r) <= 0; }
+    friend bool operator<=(const CZeStringRef& l, const CZeString& r) {
+        return l.compare(CZeStringRef(&r)) <= 0;
+    }
+    friend bool operator>=(const CZeString& l, const CZeStringRef& r) { return l.compare(r) >= 0; }
+    friend bool operator>=(const CZeStringRef& l, const CZeString& r) {
+        return l.compare(CZeStringRef(&r)) >= 0;
+    }
+
+    friend CZeString operator+(CZeString left, const CZeStringRef& right) {
+        return std::move(left.append(right));
+    }
+    friend CZeString operator+(const CZeStringRef& left, CZeLatin1String right) {
+        return std::move(left.toString().append(right));
+    }
+    friend CZeString operator+(const CZeStringRef& left, CZeChar right) {
+        return std::move(left.toString().append(right));
+    }
 
 private:
     const CZeString* m_string = nullptr;

@@ -1,8 +1,10 @@
 // Construction and storage of strings.
 
-#include "core/tools/ze_string.h"
+#include "core/tools/string_ref.h"
+#include "core/tools/zero_terminated.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -11,9 +13,7 @@ using UnitStorage = ze::SharedArray<CZeChar>;
 UnitStorage copyUnits(const CZeChar* units, int size) {
     if (!units)
         return {};
-    if (size < 0)
-        size = int(std::find(units, units + INT32_MAX, CZeChar()) - units);
-    return UnitStorage::copyOf(units, size);
+    return UnitStorage::copyOf(units, size < 0 ? ze::zeroTerminatedLength(units) : size);
 }
 
 } // namespace
@@ -29,13 +29,15 @@ CZeString::CZeString(CZeChar unit) : m_array(UnitStorage::filled(1, unit)) {}
 
 CZeString::CZeString(CZeLatin1String text) : CZeString(fromLatin1(text.data(), text.size())) {}
 
+CZeString::CZeString(const CZeStringRef& text) : CZeString(text.toString()) {}
+
 CZeString CZeString::fromRawData(const CZeChar* units, int size) {
     if (!units)
         return {};
     return CZeString(size < 1 ? UnitStorage::empty() : UnitStorage::wrapping(units, size));
 }
 
-const char16_t* CZeString::utf16() {
+const char16_t* CZeString::utf16() const {
     const bool isTerminated = !m_array.wrapsForeignMemory() || m_array.detach();
     return isTerminated ? reinterpret_cast<const char16_t*>(unicode()) : nullptr;
 }
@@ -80,9 +82,14 @@ CZeString& CZeString::fill(CZeChar unit, int size) {
 }
 
 bool CZeString::isSimpleText() const {
-    // Hebrew up to the blocks before Hangul, and the presentation forms of Hebrew and Arabic.
-    const auto isComplex = [](CZeChar unit) {
-        return (unit >= u'\u0590' && unit < u'\u1100') || unit >= u'\uFB1D';
-    };
-    return std::none_of(begin(), end(), isComplex);
+    // Hebrew to Myanmar; Tagalog to Mongolian; Limbu to Ol Chiki; Sundanese and Vedic; Syloti Nagri to Meetei
+    // Mayek, twice; the presentation forms of Hebrew and of Arabic.
+    static constexpr struct {
+        char16_t first, last;
+    } kComplex[] = {{0x0590, 0x109F}, {0x1700, 0x18AF}, {0x1900, 0x1C7F}, {0x1CC0, 0x1CFF},
+                    {0xA800, 0xAAFF}, {0xABC0, 0xABFF}, {0xFB1D, 0xFDFF}, {0xFE70, 0xFEFC}};
+    return std::none_of(begin(), end(), [](CZeChar unit) {
+        return std::any_of(std::begin(kComplex), std::end(kComplex),
+                           [unit](auto range) { return unit >= range.first && unit <= range.last; });
+    });
 }

@@ -7,7 +7,7 @@
 
 namespace ze {
 
-/// A range of units, owned by nobody. Like CZeLatin1String it offers `data`, `size` and `unitAt`.
+/// A range of units, owned by nobody. The free functions below read it and CZeLatin1String alike.
 struct Utf16View {
     const CZeChar* units = nullptr;
     int count = 0;

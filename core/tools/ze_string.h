@@ -39,6 +39,7 @@ public:
     CZeString(int count, Ze::Initialization);
     CZeString(CZeChar unit);
     CZeString(CZeLatin1String text);
+    CZeString(const CZeStringRef& text);
 
     CZeString& operator=(CZeChar unit) { return *this = CZeString(unit); }
     CZeString& operator=(CZeLatin1String text) { return *this = CZeString(text); }
@@ -66,8 +67,8 @@ public:
     const CZeChar* begin() const { return m_array.units(); }
     const CZeChar* end() const { return m_array.units() + m_array.size(); }
     /// The units with a terminating zero. A string that wraps foreign memory first takes a private copy for
-    /// that; null when there is no memory.
-    const char16_t* utf16();
+    /// that, which counts as a change; null when there is no memory.
+    const char16_t* utf16() const;
 
     /// The unit at `index`, from 0 to `size()` − 1.
     CZeChar at(int index) const { return m_array.units()[index]; }
@@ -94,7 +95,8 @@ public:
     void chop(int count);
     /// Sets every unit to `unit`, after a change to `size` units unless that is negative.
     CZeString& fill(CZeChar unit, int size = -1);
-    /// No unit belongs to a script that is written from right to left or needs shaping.
+    /// No unit lies in a block of the scripts that are written from right to left or need shaping. Half pairs
+    /// are not looked into: code points above U+FFFF count as simple.
     bool isSimpleText() const;
 
     // Conversion in: `size` counts the elements of the source, a negative one means up to its terminating
@@ -119,11 +121,11 @@ public:
     /// Units above 0xFF become '?'. A temporary string with a block of its own lends it to the result.
     CZeByteArray toLatin1() const& { return toLatin1_helper(*this); }
     CZeByteArray toLatin1() && { return toLatin1_helper_inplace(*this); }
-    CZeByteArray toLocal8Bit() const { return toUtf8(); }
+    CZeByteArray toLocal8Bit() const { return toLocal8Bit_helper(*this); }
     /// An unpaired surrogate becomes '?'.
     CZeByteArray toUtf8() const { return toUtf8_helper(*this); }
     /// The code points; an unpaired surrogate becomes U+FFFD.
-    CZeList<char32_t> toUcs4() const;
+    CZeList<char32_t> toUcs4() const { return toUcs4_helper(*this); }
 
     // Editing
 
@@ -134,8 +136,9 @@ public:
     CZeString& insert(int position, CZeLatin1String text);
     CZeString& insert(int position, CZeChar unit) { return insert(position, &unit, 1); }
 
-    /// Appends. Nothing happens for a null string or a size below 1. Appending a string to the null string
-    /// makes it a shared copy.
+    /// Appends. Nothing happens for a null string, and nothing for other arguments without units. Appending a
+    /// string to the null string makes it a shared copy; appending an empty one gives this string a block of
+    /// its own.
     CZeString& append(const CZeString& text);
     CZeString& append(const CZeChar* units, int size) { return insert(this->size(), units, size); }
     CZeString& append(const CZeStringRef& text) { return insert(size(), text); }
@@ -176,6 +179,12 @@ public:
     friend bool operator>(const CZeString& l, CZeLatin1String r) { return l.compare(r) > 0; }
     friend bool operator<=(const CZeString& l, CZeLatin1String r) { return l.compare(r) <= 0; }
     friend bool operator>=(const CZeString& l, CZeLatin1String r) { return l.compare(r) >= 0; }
+    friend bool operator==(CZeLatin1String l, const CZeString& r) { return r == l; }
+    friend bool operator!=(CZeLatin1String l, const CZeString& r) { return r != l; }
+    friend bool operator<(CZeLatin1String l, const CZeString& r) { return r > l; }
+    friend bool operator>(CZeLatin1String l, const CZeString& r) { return r < l; }
+    friend bool operator<=(CZeLatin1String l, const CZeString& r) { return r >= l; }
+    friend bool operator>=(CZeLatin1String l, const CZeString& r) { return r <= l; }
 
     // Pieces. The views of the Ref variants point into this string object: it must outlive them unchanged.
 
@@ -214,7 +223,7 @@ public:
     /// Without the white space (CZeChar::isSpace) at both ends. A temporary string with a block of its own
     /// lends it to the result.
     CZeString trimmed() const& { return trimmed_helper(*this); }
-    CZeString trimmed() && { return trimmed_helper(*this); }
+    CZeString trimmed() && { return trimmed_helper(std::move(*this)); }
 
     // Numbers out: lower-case digits in bases 2 to 36, any other base counts as 10; a minus sign in every
     // base.
@@ -243,9 +252,12 @@ public:
     // Formatting: a copy in which every occurrence of the lowest escape %0 to %99 gives way to the argument,
     // so that chained calls fill %1, %2 and so on. `fill`, to be given as a CZeChar, pads the argument to the
     // field width, before it when that is positive, behind it when negative. Without an escape the copy is
-    // unchanged and a warning is logged. A result that would be too long is the null string.
+    // unchanged and a warning with the text and the argument is logged, integers in decimal. A result that
+    // would be too long is the null string.
 
     CZeString arg(const CZeString& argument, int fieldWidth = 0, CZeChar fill = ' ') const;
+    CZeString arg(const CZeStringRef& argument, int fieldWidth = 0, CZeChar fill = ' ') const;
+    CZeString arg(CZeLatin1String argument, int fieldWidth = 0, CZeChar fill = ' ') const;
     CZeString arg(CZeChar argument, int fieldWidth = 0, CZeChar fill = ' ') const;
     CZeString arg(char argument, int fieldWidth = 0, CZeChar fill = ' ') const;
     CZeString arg(long argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const;
@@ -259,19 +271,31 @@ public:
     CZeString arg(double argument, int fieldWidth = 0, char format = 'g', int precision = 6,
                   CZeChar fill = ' ') const;
 
+    // The workers behind the members above. Ranges are given by their first element, which is not null here
+    // except in comparisons, and their size, which is not negative.
+
+    static CZeString fromLatin1_helper(const char* text, int size);
+    static CZeString fromAscii_helper(const char* text, int size) { return fromLatin1_helper(text, size); }
+    static CZeString fromLocal8Bit_helper(const char* text, int size) { return fromUtf8_helper(text, size); }
+    static CZeString fromUtf8_helper(const char* text, int size);
+    static CZeByteArray toLatin1_helper(const CZeString& text);
+    /// Turns the block of `text` into that of the result where no other string shares it.
+    static CZeByteArray toLatin1_helper_inplace(CZeString& text);
+    static CZeByteArray toLocal8Bit_helper(const CZeString& text) { return toUtf8_helper(text); }
+    static CZeByteArray toUtf8_helper(const CZeString& text);
+    static CZeList<char32_t> toUcs4_helper(const CZeString& text);
+    /// Without case a null range sorts behind every other; two ranges with the same start by their sizes.
+    static int compare_helper(const CZeChar* left, int leftSize, const CZeChar* right, int rightSize,
+                              Ze::CaseSensitivity cs);
+    static CZeString trimmed_helper(const CZeString& text);
+    /// Uses the block of `text` for the result where no other string shares it.
+    static CZeString trimmed_helper(CZeString&& text);
+
 private:
     explicit CZeString(ze::SharedArray<CZeChar> array) : m_array(std::move(array)) {}
 
     bool isEqual(const CZeString& other) const;
     CZeChar* openGap(int position, int size);
 
-    static CZeString fromLatin1_helper(const char* text, int size);
-    static CZeString fromUtf8_helper(const char* text, int size);
-    static CZeByteArray toLatin1_helper(const CZeString& text);
-    static CZeByteArray toLatin1_helper_inplace(CZeString& text);
-    static CZeByteArray toUtf8_helper(const CZeString& text);
-    static CZeString trimmed_helper(const CZeString& text);
-    static CZeString trimmed_helper(CZeString& text);
-
-    ze::SharedArray<CZeChar> m_array;
+    mutable ze::SharedArray<CZeChar> m_array; // mutable for `utf16`
 };

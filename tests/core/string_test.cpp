@@ -38,6 +38,8 @@ TEST(String, TellsNullFromEmpty) {
 TEST(String, WrappedMemoryIsNeverWritten) {
     const std::vector<CZeChar> foreign = {'a', 'b', 'c', 'd'};
     const auto wrap = [&foreign] { return CZeString::fromRawData(foreign.data(), 4); };
+    const CZeString cut = CZeString::fromRawData(foreign.data(), 2);
+    EXPECT_EQ(std::u16string(cut.utf16()), u"ab");
     CZeString s = wrap();
     EXPECT_EQ(s.constData(), foreign.data());
     s.truncate(2); // shortens the view
@@ -80,8 +82,9 @@ TEST(String, StorageMembers) {
     EXPECT_EQ(s.capacity(), 3);
     s.reallocData(21, true);
     EXPECT_EQ(s.capacity(), (128 - 24) / 2);
-    EXPECT_TRUE(text(u"plain \u00E4 \u4E00").isSimpleText());
-    EXPECT_FALSE(text(u"\u05D0").isSimpleText());
+    EXPECT_TRUE(text(u"plain \u00E4 \u10D0\u1C90 \u4E00 \uFB00 \uFF21 \uFEFF\uFFFD").isSimpleText());
+    for (const char16_t complex : {u'\u05D0', u'\u1000', u'\u1780', u'\uA840', u'\uFB1D', u'\uFE70'})
+        EXPECT_FALSE(CZeString(complex).isSimpleText());
 }
 
 TEST(String, AppendGrowsGeometrically) {
@@ -116,6 +119,13 @@ TEST(String, AppendMindsNull) {
     EXPECT_EQ(utf8(s), "abcbc\xC3\xA9!x");
     EXPECT_EQ(utf8(abc), "abc");
     EXPECT_FALSE(CZeString().append(text(u"")).isNull());
+    CZeString shared = abc;
+    EXPECT_EQ(shared.append(CZeString()).constData(), abc.constData());
+    EXPECT_NE(shared.append(text(u"")).constData(),
+              abc.constData()); // an empty string detaches, a null one not
+    EXPECT_EQ(utf8(shared + abc.leftRef(1) + CZeLatin1String("-") + abc.rightRef(2)), "abca-bc");
+    EXPECT_EQ(utf8(abc.leftRef(1) + abc.rightRef(1) + (abc.leftRef(2) + CZeChar('+'))), "acab+");
+    EXPECT_EQ(utf8(CZeLatin1String("<") + abc + (abc.leftRef(1) + CZeLatin1String(">"))), "<abca>");
     EXPECT_EQ(utf8(abc + CZeLatin1String("-") + CZeChar('+') + abc), "abc-+abc");
 }
 
@@ -210,6 +220,7 @@ TEST(String, ComparesWithAndWithoutCase) {
         EXPECT_EQ(l > r, row.order > 0);
         EXPECT_EQ(CZeStringRef(&l) == CZeStringRef(&r), row.order == 0);
         EXPECT_EQ(l != CZeStringRef(&r), row.order != 0);
+        EXPECT_TRUE((l < CZeStringRef(&r)) == (row.order < 0) && (CZeStringRef(&l) > r) == (row.order > 0));
         const CZeByteArray latin1 = r.toLatin1();
         if (CZeString::fromLatin1(latin1) == r) {
             const CZeLatin1String view(latin1.constData(), latin1.size());
@@ -217,6 +228,8 @@ TEST(String, ComparesWithAndWithoutCase) {
             EXPECT_EQ(l.compare(view, Ze::CaseInsensitive), row.foldedOrder);
             EXPECT_TRUE((l == view) == (row.order == 0) && (l < view) == (row.order < 0) &&
                         (l > view) == (row.order > 0));
+            EXPECT_TRUE((view == l) == (row.order == 0) && (view > l) == (row.order < 0) &&
+                        (view <= l) == (row.order >= 0));
         }
     }
     EXPECT_GT(text(u"\u00E9").compare(CZeLatin1String("a")), 0);
