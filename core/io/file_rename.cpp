@@ -4,6 +4,7 @@
 #include "core/io/file.h"
 #include "core/io/native_path.h"
 #include "core/io/random_name.h"
+#include "core/io/restarting.h"
 #include "core/tools/error_text.h"
 #include "core/warning.h"
 
@@ -65,7 +66,8 @@ bool copyFile(const CZeString& from, const CZeString& to) {
     if (!source.open(Ze::ReadOnly))
         return false;
     const CZeByteArray path = ze::nativePath(to);
-    const ze::Descriptor created(::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    const ze::Descriptor created(ze::restarting(
+        [&] { return ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600); }));
     if (!created)
         return false;
     CZeFile target(to);
@@ -73,7 +75,7 @@ bool copyFile(const CZeString& from, const CZeString& to) {
     if (target.close() && isCopied) {
         copyAttributes(from, created.get());
         // The source is going to be removed, so this must survive a loss of power.
-        if (fsync(created.get()) == 0)
+        if (ze::restarting([&] { return fsync(created.get()); }) == 0)
             return true;
     }
     unlink(path.constData());

@@ -2,6 +2,7 @@
 
 #include "core/io/native_path.h"
 #include "core/io/open_mode.h"
+#include "core/io/restarting.h"
 #include "core/tools/error_text.h"
 #include "core/warning.h"
 
@@ -32,15 +33,6 @@ struct stat statusOf(int descriptor, const CZeString& name) {
         status.st_mode = 0;
     }
     return status;
-}
-
-/// Repeats a system call for as long as signals interrupt it.
-template <class Call>
-auto restarting(const Call& call) {
-    auto result = call();
-    while (result == -1 && errno == EINTR)
-        result = call();
-    return result;
 }
 
 } // namespace
@@ -114,14 +106,14 @@ bool CZeGenericFileEngine::close() {
 }
 
 int64_t CZeGenericFileEngine::read(char* data, int64_t maxSize) {
-    const int64_t count = restarting([&] { return ::read(m_descriptor, data, size_t(maxSize)); });
+    const int64_t count = ze::restarting([&] { return ::read(m_descriptor, data, size_t(maxSize)); });
     if (count < 0)
         failSystemCall(Ze::FileErrRead);
     return count;
 }
 
 int64_t CZeGenericFileEngine::write(const char* data, int64_t size) {
-    const int64_t count = restarting([&] { return ::write(m_descriptor, data, size_t(size)); });
+    const int64_t count = ze::restarting([&] { return ::write(m_descriptor, data, size_t(size)); });
     if (count > 0)
         return count;
     if (count == 0)
@@ -135,7 +127,7 @@ bool CZeGenericFileEngine::seek(int64_t pos) {
 }
 
 bool CZeGenericFileEngine::sync() {
-    return restarting([&] { return fsync(m_descriptor); }) == 0 || failSystemCall(Ze::FileErrWrite);
+    return ze::restarting([&] { return fsync(m_descriptor); }) == 0 || failSystemCall(Ze::FileErrWrite);
 }
 
 int64_t CZeGenericFileEngine::size() const {

@@ -233,7 +233,7 @@ int64_t CZeIODevice::readThrough(char* data, int64_t maxSize) {
     return count;
 }
 
-/// `maxSize` is valid. `untilEnd` goes on where a sequential device pauses.
+/// `maxSize` is valid. `untilEnd` goes on where a sequential device may have to be waited for.
 CZeByteArray CZeIODevice::readArray(int64_t maxSize, bool untilEnd) {
     CZeByteArray bytes;
     int64_t count = 0;
@@ -241,16 +241,16 @@ CZeByteArray CZeIODevice::readArray(int64_t maxSize, bool untilEnd) {
     while (count < maxSize) {
         step = std::clamp(step, std::min(kBufferSize, maxSize - count), maxSize - count);
         bytes.resize(int(count + step));
-        if (bytes.size() != count + step) {
+        const bool hasRoom = bytes.size() == count + step;
+        if (!hasRoom)
             setErrorString(ze::errorText(ENOMEM));
-            break;
-        }
-        const int64_t got = read(bytes.data() + count, step);
+        const int64_t got = hasRoom ? read(bytes.data() + count, step) : -1;
         if (got < 0 && count == 0)
             return {};
         count += std::max<int64_t>(got, 0);
+        const bool mayBeMore = untilEnd ? got > 0 : got == step && !isSequentialOnce();
         // Looking for the end first keeps the array as small as a size that was right.
-        if (got < (untilEnd ? 1 : step) || atEnd())
+        if (!mayBeMore || count == maxSize || atEnd())
             break;
         step = count;
     }

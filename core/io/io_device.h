@@ -46,10 +46,11 @@ public:
     /// There is nothing more to read now. May wait for the next byte of a sequential device.
     bool atEnd();
 
-    /// Reads up to `maxSize` bytes and returns how many. Fewer mean the end of the device, an error on the
-    /// way, or for a sequential device that no more are there yet; 0 means the end. −1 when it is refused (a
-    /// negative `maxSize`, no open device, one open without ReadOnly) or when nothing was read for an error.
-    /// In text mode carriage returns are left out and not counted, except in the position.
+    /// Reads up to `maxSize` bytes and returns how many. Fewer mean the end of the device or an error on the
+    /// way; a sequential device gives what is there and waits only when that is nothing. 0 means the end. −1
+    /// when it is refused (a negative `maxSize`, no open device, one open without ReadOnly) or when nothing
+    /// was read for an error. In text mode carriage returns are left out and not counted, except in the
+    /// position.
     int64_t read(char* data, int64_t maxSize) {
         const int64_t available = m_limit - m_next;
         if (maxSize < 1 || maxSize > available || (m_openMode & Ze::Text))

@@ -5,6 +5,7 @@
 #include "core/io/native_path.h"
 #include "core/io/random_name.h"
 #include "core/io/resource_info.h"
+#include "core/io/restarting.h"
 #include "core/tools/error_text.h"
 #include "core/warning.h"
 
@@ -51,6 +52,23 @@ std::string followLinks(std::string path) {
 int openDirectory(const char* path) {
     const int readable = ::open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     return readable >= 0 || errno != EACCES ? readable : ::open(path, O_PATH | O_DIRECTORY | O_CLOEXEC);
+}
+
+/// Creates a file of a name that nothing has, and gives that name.
+ze::Descriptor createTemporary(int directory, mode_t permissions, CZeByteArray& name) {
+    constexpr int kNewFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    constexpr int kAttempts = 16;
+    for (int i = 0; i < kAttempts; ++i) {
+        const CZeByteArray candidate =
+            ze::nativePath(ze::randomName(CZeString(CZeLatin1String(".ze-save-")), 16));
+        ze::Descriptor file(
+            ze::restarting([&] { return openat(directory, candidate.constData(), kNewFile, permissions); }));
+        if (file)
+            name = candidate;
+        if (file || errno != EEXIST)
+            return file;
+    }
+    return {};
 }
 
 } // namespace
@@ -121,14 +139,7 @@ bool CZeSaveFile::openTemporary(int mode) {
 
     // What is going to be less than public never is public.
     const mode_t permissions = isNew ? 0666 : 0600;
-    ze::Descriptor file;
-    for (int attempt = 0; !file && (attempt == 0 || errno == EEXIST) && attempt < 16; ++attempt) {
-        const CZeByteArray name = ze::nativePath(ze::randomName(CZeString(CZeLatin1String(".ze-save-")), 16));
-        file = ze::Descriptor(openat(directory, name.constData(),
-                                     O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, permissions));
-        if (file)
-            m_target->temporary = name;
-    }
+    ze::Descriptor file = createTemporary(directory, permissions, m_target->temporary);
     if (!file || (!isNew && fchmod(file.get(), old.st_mode & 07777) != 0))
         return failOpen(errno);
 

@@ -91,10 +91,7 @@ TEST(Compression, RefusesWithTheseWarnings) {
     const std::string stream = zlibStream(pattern(5000), -1);
     const std::string corrupted = "ZeUncompress: Input data is corrupted";
     const std::string dataError = "ZeUncompress: Z_DATA_ERROR: Input data is corrupted";
-    const struct {
-        std::string warning;
-        CZeByteArray result;
-    } rows[] = {
+    const std::pair<std::string, CZeByteArray> rows[] = {
         {corrupted, uncompressed("")},
         {corrupted, uncompressed(std::string(3, '\0'))},
         {corrupted, uncompressed(prefixed(1, ""))},
@@ -114,9 +111,9 @@ TEST(Compression, RefusesWithTheseWarnings) {
         {corrupted, (nextResults.assign(31, Z_BUF_ERROR), uncompressed(prefixed(1, stream)))},
     };
     std::vector<std::string> warnings;
-    for (const auto& row : rows) {
-        EXPECT_TRUE(row.result.isEmpty()) << row.warning;
-        warnings.push_back(row.warning);
+    for (const auto& [warning, result] : rows) {
+        EXPECT_TRUE(result.isEmpty()) << warning;
+        warnings.push_back(warning);
     }
     EXPECT_EQ(log.texts(), warnings);
     EXPECT_THAT(nextResults, IsEmpty()); // 2^30 was the last room that was tried

@@ -50,11 +50,7 @@ TEST(Resource, RefusesWhatIsNotRegisteredOrNotReading) {
     const LogCapture log;
     const TempDirectory directory;
     ASSERT_TRUE(addCompressed(":/a/broken", "no stream") && add(":/a/plain", "plain"));
-    const struct {
-        const char* path;
-        int mode;
-        const char* text;
-    } rows[] = {
+    const std::tuple<const char*, int, const char*> rows[] = {
         {":/b", Ze::ReadOnly, "No such file or directory"},
         {":/a/plain/below", Ze::ReadOnly, "No such file or directory"},
         {":/a", Ze::ReadOnly, "file to open is a directory"},
@@ -62,10 +58,10 @@ TEST(Resource, RefusesWhatIsNotRegisteredOrNotReading) {
         {":/a/plain", Ze::ReadWrite, "Read-only file system"},
         {":/new", Ze::WriteOnly, "Read-only file system"},
     };
-    for (const auto& row : rows) {
-        CZeFile file(name(row.path));
-        EXPECT_TRUE(!file.open(row.mode) && file.error() == Ze::FileErrOpen) << row.path;
-        EXPECT_EQ(utf8(file.errorString()), row.text) << row.path;
+    for (const auto& [path, mode, text] : rows) {
+        CZeFile file(name(path));
+        EXPECT_TRUE(!file.open(mode) && file.error() == Ze::FileErrOpen) << path;
+        EXPECT_EQ(utf8(file.errorString()), text) << path;
     }
     CZeFile plain(name(":/a/plain"));
     EXPECT_FALSE(plain.remove() || plain.rename(name(directory / "copy")));

@@ -89,10 +89,7 @@ TEST_F(SaveFile, FollowsLinksAndStaysInItsDirectory) {
 
 TEST_F(SaveFile, SaysWhyItCannotBeOpened) {
     std::filesystem::create_symlink("loop", directory / "loop");
-    const struct {
-        std::string path;
-        const char* text;
-    } rows[] = {
+    const std::pair<std::string, const char*> rows[] = {
         {directory.path(), "file to replace is not a regular file"},
         {"/dev/null", "file to replace is not a regular file"},
         {path + "/", "Is a directory"},
@@ -101,10 +98,10 @@ TEST_F(SaveFile, SaysWhyItCannotBeOpened) {
         {":/resource", "Read-only file system"},
         {"", "No file name specified"},
     };
-    for (const auto& row : rows) {
-        CZeSaveFile refused(name(row.path));
-        EXPECT_TRUE(!refused.open(Ze::WriteOnly) && refused.error() == Ze::FileErrOpen) << row.path;
-        EXPECT_EQ(utf8(refused.errorString()), row.text) << row.path;
+    for (const auto& [at, text] : rows) {
+        CZeSaveFile refused(name(at));
+        EXPECT_TRUE(!refused.open(Ze::WriteOnly) && refused.error() == Ze::FileErrOpen) << at;
+        EXPECT_EQ(utf8(refused.errorString()), text) << at;
     }
     log.clear();
     EXPECT_FALSE(file.open(0) || file.open(Ze::ReadWrite) || file.open(Ze::WriteOnly | Ze::Append));
