@@ -16,6 +16,20 @@ ze::Utf16View trimmedRange(const CZeString& text) {
     return {first, int(last.base() - first)};
 }
 
+/// Writes `text`, every run of white space as one space, to `out`, which may be the text's own memory.
+/// Returns the number of units.
+int collapse(ze::Utf16View text, CZeChar* out) {
+    CZeChar* const start = out;
+    bool isInRun = false;
+    for (const CZeChar* unit = text.units; unit != text.units + text.count; ++unit) {
+        const bool isSpace = unit->isSpace();
+        if (!isSpace || !isInRun)
+            *out++ = isSpace ? CZeChar(' ') : *unit;
+        isInRun = isSpace;
+    }
+    return int(out - start);
+}
+
 } // namespace
 
 CZeString CZeString::trimmed_helper(const CZeString& text) {
@@ -29,5 +43,21 @@ CZeString CZeString::trimmed_helper(CZeString&& text) {
     const ze::Utf16View kept = trimmedRange(text);
     std::copy_n(kept.units, kept.count, text.m_array.units());
     text.truncate(kept.count);
+    return std::move(text);
+}
+
+CZeString CZeString::simplified_helper(const CZeString& text) {
+    const ze::Utf16View kept = trimmedRange(text);
+    CZeString result(kept.count, Ze::Uninitialized);
+    if (text.isNull() || result.size() != kept.count)
+        return {};
+    result.truncate(collapse(kept, result.m_array.units()));
+    return result == text ? text : result;
+}
+
+CZeString CZeString::simplified_helper(CZeString&& text) {
+    if (!text.m_array.isExclusive())
+        return simplified_helper(std::as_const(text));
+    text.truncate(collapse(trimmedRange(text), text.m_array.units()));
     return std::move(text);
 }

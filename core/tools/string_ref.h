@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "core/tools/ze_string.h"
+#include "core/tools/text_argument.h"
 
 /// A string, a position in it and a length. It owns nothing: the string object must outlive it, and not
 /// shrink below the range. A null view has no string.
@@ -81,3 +81,6 @@ private:
     int m_position = 0;
     int m_size = 0;
 };
+
+inline ze::TextArgument::TextArgument(const CZeStringRef& text)
+    : m_units(text.unicode()), m_size(text.size()) {}

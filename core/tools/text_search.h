@@ -10,4 +10,8 @@ namespace ze {
 /// from the end. An empty needle is found everywhere up to and including the end.
 int findForward(Utf16View haystack, int from, Utf16View needle, Ze::CaseSensitivity cs);
 
+/// The position of the last `needle` that starts at or before `from`, −1 when there is none. A negative
+/// `from` counts from the end.
+int findBackward(Utf16View haystack, int from, Utf16View needle, Ze::CaseSensitivity cs);
+
 } // namespace ze

@@ -16,6 +16,7 @@ struct Utf16View {
     Utf16View(const CZeChar* first, int size) : units(first), count(size) {}
     Utf16View(const CZeString& text) : units(text.unicode()), count(text.size()) {}
     Utf16View(const CZeStringRef& text) : units(text.unicode()), count(text.size()) {}
+    Utf16View(const TextArgument& text) : units(text.unicode()), count(text.size()) {}
     /// `unit` must outlive the view.
     explicit Utf16View(const CZeChar* unit) : units(unit), count(1) {}
 };

@@ -12,6 +12,9 @@
 
 class CZeString;
 class CZeStringRef;
+namespace ze {
+class TextArgument;
+}
 using CZeStringList = CZeList<CZeString>;
 using CZeStringRefList = CZeList<CZeStringRef>;
 
@@ -145,6 +148,28 @@ public:
     CZeString& append(CZeLatin1String text) { return insert(size(), text); }
     CZeString& append(CZeChar unit) { return insert(size(), &unit, 1); }
 
+    /// Removes `count` units at `position`; a negative position counts from the end, a negative count reaches
+    /// up to it. Nothing happens when the position lies outside.
+    CZeString& remove(int position, int count);
+    /// Removes every occurrence, from the left; nothing for an empty text.
+    CZeString& remove(const ze::TextArgument& text, Ze::CaseSensitivity cs = Ze::CaseSensitive);
+
+    /// Puts `after` in place of the range that `remove` would remove.
+    CZeString& replace(int position, int count, const ze::TextArgument& after);
+    /// Puts `after` in place of every occurrence of `before`, from the left. Occurrences do not overlap, and
+    /// what was put in is not searched. Nothing happens for an empty `before`.
+    CZeString& replace(const ze::TextArgument& before, const ze::TextArgument& after,
+                       Ze::CaseSensitivity cs = Ze::CaseSensitive);
+
+    /// The text so many times, nothing for a count below 1. An empty string stays what it is.
+    CZeString repeated(int times) const;
+    /// With `fill` behind (left) or before (right) the text up to `width` units. A longer text is returned
+    /// whole, or with `truncate` its first `width` units.
+    CZeString leftJustified(int width, CZeChar fill = ' ', bool truncate = false) const;
+    CZeString rightJustified(int width, CZeChar fill = ' ', bool truncate = false) const;
+    /// With &lt; &gt; &amp; and &quot; in place of the four characters.
+    CZeString toHtmlEscaped() const;
+
     CZeString& operator+=(const CZeString& text) { return append(text); }
     CZeString& operator+=(const CZeStringRef& text) { return append(text); }
     CZeString& operator+=(CZeLatin1String text) { return append(text); }
@@ -156,6 +181,21 @@ public:
         return std::move(left.append(right));
     }
     friend CZeString operator+(CZeString left, CZeChar right) { return std::move(left.append(right)); }
+
+    // Search, for a string, a view, a Latin-1 text or a unit. Without case A to Z, and no other letters,
+    // count as a to z. An empty text, null or not, is found at every position up to and including the end.
+
+    /// The position of the first occurrence at or behind `from`, −1 for none. A negative `from` counts from
+    /// the end and is at least the start.
+    int indexOf(const ze::TextArgument& text, int from = 0, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    /// The position of the last occurrence that starts at or before `from`, −1 for none. A negative `from`
+    /// counts from the end, so that −1 is the last unit.
+    int lastIndexOf(const ze::TextArgument& text, int from = -1,
+                    Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    /// The number of occurrences, those that overlap included.
+    int count(const ze::TextArgument& text, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    bool startsWith(const ze::TextArgument& text, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    bool endsWith(const ze::TextArgument& text, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
 
     // Comparison: below, at or above 0 as this string sorts before, with or behind the other. With case the
     // first differing units give the result by their difference, else the sizes do. Without case A to Z, and
@@ -225,6 +265,27 @@ public:
     CZeString trimmed() const& { return trimmed_helper(*this); }
     CZeString trimmed() && { return trimmed_helper(std::move(*this)); }
 
+    /// Trimmed, with one space in place of each run of white space.
+    CZeString simplified() const& { return simplified_helper(*this); }
+    CZeString simplified() && { return simplified_helper(std::move(*this)); }
+
+    // Numbers in: all of the text must be a number as strtoll, strtoull and strtod in the "C" locale read it,
+    // white space (CZeChar::isSpace) at both ends aside; base 0 looks at the prefix "0" or "0x". Otherwise,
+    // and when the number does not fit the type, `ok` (unless null) becomes false and the result is 0. A
+    // minus sign before an unsigned number negates within 64 bits. "inf" and "nan" are numbers; one so small
+    // that it becomes 0 is one for `toFloat` only.
+
+    long long toLongLong(bool* ok = nullptr, int base = 10) const;
+    unsigned long long toULongLong(bool* ok = nullptr, int base = 10) const;
+    long toLong(bool* ok = nullptr, int base = 10) const;
+    unsigned long toULong(bool* ok = nullptr, int base = 10) const;
+    int toInt(bool* ok = nullptr, int base = 10) const;
+    unsigned int toUInt(bool* ok = nullptr, int base = 10) const;
+    short toShort(bool* ok = nullptr, int base = 10) const;
+    unsigned short toUShort(bool* ok = nullptr, int base = 10) const;
+    double toDouble(bool* ok = nullptr) const;
+    float toFloat(bool* ok = nullptr) const;
+
     // Numbers out: lower-case digits in bases 2 to 36, any other base counts as 10; a minus sign in every
     // base.
 
@@ -271,8 +332,8 @@ public:
     CZeString arg(double argument, int fieldWidth = 0, char format = 'g', int precision = 6,
                   CZeChar fill = ' ') const;
 
-    // The workers behind the members above. Ranges are given by their first element, which is not null here
-    // except in comparisons, and their size, which is not negative.
+    // The workers behind the members above. Ranges are given by their first element, which is null only in
+    // comparisons and where there are no units, and their size, which is not negative.
 
     static CZeString fromLatin1_helper(const char* text, int size);
     static CZeString fromAscii_helper(const char* text, int size) { return fromLatin1_helper(text, size); }
@@ -288,8 +349,15 @@ public:
     static int compare_helper(const CZeChar* left, int leftSize, const CZeChar* right, int rightSize,
                               Ze::CaseSensitivity cs);
     static CZeString trimmed_helper(const CZeString& text);
-    /// Uses the block of `text` for the result where no other string shares it.
+    /// Uses the block of `text` for the result where no other string shares it; so do the next ones.
     static CZeString trimmed_helper(CZeString&& text);
+    static CZeString simplified_helper(const CZeString& text);
+    static CZeString simplified_helper(CZeString&& text);
+    CZeString& replace_helper(const CZeChar* before, int beforeSize, const CZeChar* after, int afterSize,
+                              Ze::CaseSensitivity cs);
+    /// Returns whether the text is a number, which `value` then is, else 0.
+    static bool toIntegral_helper(const CZeString& text, int base, long long& value);
+    static bool toIntegral_helper(const CZeString& text, int base, unsigned long long& value);
 
 private:
     explicit CZeString(ze::SharedArray<CZeChar> array) : m_array(std::move(array)) {}
@@ -299,3 +367,5 @@ private:
 
     mutable ze::SharedArray<CZeChar> m_array; // mutable for `utf16`
 };
+
+#include "core/tools/text_argument.h" // completes what the members take

@@ -6,6 +6,8 @@
 #include <gmock/gmock.h>
 
 #include <climits>
+#include <cmath>
+#include <utility>
 
 namespace {
 
@@ -37,6 +39,81 @@ TEST(Number, FormatsIntegersInEveryBase) {
     EXPECT_EQ(utf8(CZeString::number(0.1)), "0.1");
     EXPECT_EQ(utf8(CZeString::number(2.5f, 'e', 1)), "2.5e+00");
     EXPECT_EQ(utf8(CZeString().setNum(1e10)), "1e+10");
+}
+
+TEST(Number, ReadsIntegers) {
+    constexpr bool kFails = false;
+    const struct {
+        const char16_t* string;
+        int base;
+        bool ok;
+        long long value;
+    } rows[] = {
+        // clang-format off
+        {u" 42 ", 10, true, 42}, {u"42x", 10, kFails, 0}, {u"x42", 10, kFails, 0}, {u"4 2", 10, kFails, 0},
+        {u"\u0085\u00A0\t-7\r\n\u00A0", 10, true, -7}, {u"+7", 10, true, 7}, {u"- 7", 10, kFails, 0},
+        {u"", 10, kFails, 0}, {u"  ", 10, kFails, 0}, {u"0", 10, true, 0}, {u"-0", 10, true, 0}, {u"0x", 16, kFails, 0},
+        {u"0x1F", 16, true, 31}, {u"0x1F", 0, true, 31}, {u"0x1F", 10, kFails, 0}, {u"017", 0, true, 15},
+        {u"09", 0, kFails, 0}, {u"z", 36, true, 35}, {u"7", 1, kFails, 0}, {u"7", 37, kFails, 0}, {u"102", 2, kFails, 0},
+        {u"\u0664", 10, kFails, 0}, {u"4\u2000", 10, kFails, 0}, // '?' in Latin-1
+        {u"32767", 10, true, SHRT_MAX}, {u"-32768", 10, true, SHRT_MIN}, {u"65535", 10, true, USHRT_MAX},
+        {u"65536", 10, true, 65536}, {u"-32769", 10, true, -32769}, {u"3000000000", 10, true, 3000000000},
+        {u"2147483647", 10, true, INT_MAX}, {u"-2147483649", 10, true, -2147483649}, {u"4294967296", 10, true, 4294967296},
+        {u"9223372036854775807", 10, true, LLONG_MAX}, {u"-9223372036854775808", 10, true, LLONG_MIN},
+        {u"9223372036854775808", 10, kFails, 0}, {u"-9223372036854775809", 10, kFails, 0},
+        // clang-format on
+    };
+    for (const auto& row : rows) {
+        const CZeString s = text(row.string);
+        const auto expect = [&](auto member, auto fits) {
+            const bool isOk = row.ok && std::in_range<decltype(fits)>(row.value);
+            bool ok = !isOk;
+            EXPECT_EQ((s.*member)(&ok, row.base), isOk ? decltype(fits)(row.value) : 0) << utf8(s);
+            EXPECT_EQ(ok, isOk) << utf8(s) << ' ' << row.base;
+        };
+        expect(&CZeString::toLongLong, 0LL);
+        expect(&CZeString::toLong, 0L);
+        expect(&CZeString::toInt, 0);
+        expect(&CZeString::toShort, short{0});
+        if (row.ok && row.value >= 0) {
+            expect(&CZeString::toULongLong, 0ULL);
+            expect(&CZeString::toULong, 0UL);
+            expect(&CZeString::toUInt, 0U);
+            expect(&CZeString::toUShort, static_cast<unsigned short>(0));
+        }
+    }
+    bool ok = false;
+    EXPECT_TRUE(text(u"18446744073709551615").toULongLong(&ok) == ULLONG_MAX && ok);
+    EXPECT_TRUE(text(u"-1").toULongLong(&ok) == ULLONG_MAX && ok);
+    EXPECT_TRUE(text(u"18446744073709551616").toULongLong(&ok) == 0 && !ok);
+    EXPECT_TRUE(text(u"-1").toUInt(&ok) == 0 && !ok && text(u"no").toULong(&ok) == 0 && !ok);
+    EXPECT_EQ(CZeString(text(u"1") + CZeChar(0)).toInt(), 0);
+    EXPECT_EQ(text(u"ff").toUShort(nullptr, 16), 255);
+}
+
+TEST(Number, ReadsDoubles) {
+    const struct {
+        const char16_t* string;
+        bool ok;
+        double value;
+        bool fitsFloat;
+    } rows[] = {
+        // clang-format off
+        {u" 1.5 ", true, 1.5, true}, {u"-2.5e3", true, -2500, true}, {u"1,5", false, 0, false}, {u"0x1p3", true, 8, true},
+        {u".5", true, .5, true}, {u"", false, 0, false}, {u".", false, 0, false}, {u"1.5x", false, 0, false},
+        {u"1e400", false, 0, false}, {u"-1e400", false, 0, false}, {u"1e-400", false, 0, false},
+        {u"1e39", true, 1e39, false}, {u"-1e39", true, -1e39, false}, {u"1e-320", true, 1e-320, true},
+        {u"inf", true, HUGE_VAL, true}, {u"-0", true, -0.0, true}, {u"\u00A0" u"3\u0085", true, 3, true},
+        // clang-format on
+    };
+    for (const auto& row : rows) {
+        bool ok = !row.ok;
+        EXPECT_EQ(text(row.string).toDouble(&ok), row.value) << utf8(text(row.string));
+        EXPECT_EQ(ok, row.ok) << utf8(text(row.string));
+        EXPECT_EQ(text(row.string).toFloat(&ok), row.fitsFloat ? float(row.value) : 0.0f);
+        EXPECT_EQ(ok, row.fitsFloat) << utf8(text(row.string));
+    }
+    EXPECT_EQ(text(u"1.5").toDouble() + double{text(u"1.5").toFloat()}, 3);
 }
 
 TEST(Arg, FillsTheLowestEscape) {

@@ -370,4 +370,32 @@ TEST(String, Trims) {
     EXPECT_TRUE(CZeString().trimmed().isNull());
 }
 
+TEST(String, Simplifies) {
+    const struct {
+        const char16_t* string;
+        const char* simplified;
+    } rows[] = {
+        {u"  a \t b\u00A0\u3000c\n", "a b c"},
+        {u"a b", "a b"},
+        {u"a\tb", "a b"},
+        {u"a  b", "a b"},
+        {u" \n ", ""},
+        {u"", ""},
+    };
+    for (const auto& row : rows) {
+        const CZeString s = text(row.string);
+        CZeString own(s.unicode(), s.size());
+        const void* const block = own.constData();
+        const CZeString moved = std::move(own).simplified();
+        for (const CZeString& simplified : {s.simplified(), moved, CZeString(s).simplified()}) {
+            EXPECT_EQ(utf8(simplified), row.simplified);
+            EXPECT_FALSE(simplified.isNull());
+        }
+        EXPECT_TRUE(moved.isEmpty() || moved.constData() == block);
+        EXPECT_EQ(s, text(row.string));
+        EXPECT_EQ(s.simplified().constData() == s.constData(), s == moved);
+    }
+    EXPECT_TRUE(CZeString().simplified().isNull());
+}
+
 } // namespace

@@ -1,0 +1,180 @@
+// Search and replacement against a plain model, and strings made of others.
+
+#include "tests/core/text.h"
+
+#include <gmock/gmock.h>
+
+#include <climits>
+#include <vector>
+
+namespace {
+
+/// Every text of up to `length` units out of three, two of which are one letter without case.
+std::vector<std::u16string> allTexts(size_t length) {
+    std::vector<std::u16string> texts{u""};
+    for (size_t i = 0; i < texts.size(); ++i) {
+        for (const char16_t unit : {u'a', u'A', u'b'}) {
+            if (texts[i].size() < length)
+                texts.push_back(texts[i] + unit);
+        }
+    }
+    return texts;
+}
+
+std::u16string folded(std::u16string text, Ze::CaseSensitivity cs) {
+    for (char16_t& unit : text)
+        unit = cs == Ze::CaseInsensitive && unit == u'A' ? u'a' : unit;
+    return text;
+}
+
+std::u16string units(const CZeString& string) {
+    return {reinterpret_cast<const char16_t*>(string.unicode()), size_t(string.size())};
+}
+
+struct Case {
+    std::u16string text, pattern; // as they are
+    CZeString string, needle;
+    std::u16string haystack, sought; // folded where the case does not count
+    Ze::CaseSensitivity cs;
+};
+
+template <class Check>
+void forEachCase(size_t length, Check check) {
+    for (const auto& text : allTexts(length)) {
+        for (const auto& pattern : allTexts(2)) {
+            for (const auto cs : {Ze::CaseSensitive, Ze::CaseInsensitive}) {
+                SCOPED_TRACE(utf8(::text(text.c_str())) + "|" + utf8(::text(pattern.c_str())));
+                check(Case{text, pattern, ::text(text.c_str()), ::text(pattern.c_str()), folded(text, cs),
+                           folded(pattern, cs), cs});
+            }
+        }
+    }
+}
+
+TEST(StringSearch, FollowsAPlainModel) {
+    forEachCase(4, [](const Case& c) {
+        const int size = int(c.text.size());
+        int count = 0;
+        for (size_t at = 0; (at = c.haystack.find(c.sought, at)) != std::u16string::npos; ++at)
+            ++count;
+        EXPECT_EQ(c.string.count(c.needle, c.cs), count); // overlapping ones, too
+        EXPECT_EQ(c.string.startsWith(c.needle, c.cs), c.haystack.rfind(c.sought, 0) == 0);
+        EXPECT_EQ(c.string.endsWith(c.needle, c.cs),
+                  size >= c.needle.size() &&
+                      c.haystack.substr(c.haystack.size() - c.sought.size()) == c.sought);
+        for (int from = -6; from <= 6; ++from) {
+            const int start = from < 0 ? from + size : from;
+            EXPECT_EQ(c.string.indexOf(c.needle, from, c.cs),
+                      int(c.haystack.find(c.sought, size_t(std::max(start, 0)))))
+                << from;
+            EXPECT_EQ(c.string.lastIndexOf(c.needle, from, c.cs),
+                      start < 0 ? -1 : int(c.haystack.rfind(c.sought, size_t(start))))
+                << from;
+        }
+    });
+}
+
+TEST(StringReplace, FollowsAPlainModel) {
+    forEachCase(4, [](const Case& c) {
+        for (const char16_t* const after : {u"", u"a", u"xy", u"wxyz"}) {
+            std::u16string expected;
+            size_t copied = 0;
+            for (size_t at = 0;
+                 !c.sought.empty() && (at = c.haystack.find(c.sought, at)) != std::u16string::npos;
+                 at = copied = at + c.sought.size())
+                expected += c.text.substr(copied, at - copied) + after;
+            expected += c.text.substr(copied);
+            CZeString alone(c.string.unicode(), c.string.size());
+            CZeString shared = c.string;
+            EXPECT_EQ(units(alone.replace(c.needle, text(after), c.cs)), expected);
+            EXPECT_EQ(units(shared.replace(c.needle, text(after), c.cs)), expected);
+            EXPECT_EQ(units(c.string), c.text);
+            EXPECT_EQ(alone.constData()[alone.size()], CZeChar());
+            if (!*after) {
+                EXPECT_EQ(
+                    units(shared.setUnicode(c.string.unicode(), c.string.size()).remove(c.needle, c.cs)),
+                    expected);
+            }
+        }
+    });
+}
+
+TEST(StringReplace, RangesFollowAPlainModel) {
+    const std::u16string model = u"012345";
+    const std::vector<CZeChar> foreign = {'0', '1', '2', '3', '4', '5'};
+    for (int position = -8; position <= 8; ++position) {
+        for (int count = -1; count <= 8; ++count) {
+            for (const char16_t* const after : {u"", u"x", u"uvwxyz"}) {
+                const int start = position < 0 ? position + 6 : position;
+                std::u16string expected = model;
+                if (start >= 0 && start <= 6)
+                    expected.replace(size_t(start), count < 0 ? std::u16string::npos : size_t(count), after);
+                for (const bool wraps : {false, true}) {
+                    CZeString s = wraps ? CZeString::fromRawData(foreign.data(), 6) : text(model.c_str());
+                    CZeString t = s;
+                    EXPECT_EQ(units(s.replace(position, count, text(after))), expected)
+                        << position << ' ' << count;
+                    if (!*after) {
+                        EXPECT_EQ(units(t.remove(position, count)), expected);
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_EQ(foreign, (std::vector<CZeChar>{'0', '1', '2', '3', '4', '5'}));
+}
+
+TEST(StringReplace, KeepsABlockWithRoomAndTakesOwnUnits) {
+    CZeString s = text(u"a-b-c");
+    s.reserve(50);
+    const void* const block = s.constData();
+    s.replace('-', CZeLatin1String(", "));
+    EXPECT_EQ(utf8(s.replace(CZeString(u','), u';')), "a; b; c");
+    EXPECT_EQ(utf8(s.remove(CZeChar(';')).remove(1, 1).replace(0, 1, 'A')), "Ab c");
+    EXPECT_EQ(s.constData(), block);
+    EXPECT_EQ(utf8(s.replace(s.midRef(1, 1), s)), "AAb c c");
+    EXPECT_EQ(utf8(s.replace(2, 1, s.leftRef(3))), "AAAAb c c");
+    EXPECT_EQ(utf8(s.remove(s.rightRef(2))), "AAAAb");
+    EXPECT_TRUE(s.remove(s).isEmpty() && !s.isNull() && CZeString().replace('a', 'b').isNull());
+}
+
+TEST(StringSearch, TakesEveryFormOfText) {
+    const CZeString s = text(u"x\u00E9X\u00C9x");
+    const CZeString needle = text(u"X");
+    EXPECT_EQ(s.indexOf(needle) + s.indexOf(CZeStringRef(&needle)) + s.indexOf(CZeLatin1String("X")) +
+                  s.indexOf('X') + s.indexOf(u'X') + s.indexOf(CZeChar('X')),
+              6 * 2);
+    EXPECT_EQ(s.count(CZeLatin1String("x"), Ze::CaseInsensitive), 3);
+    EXPECT_EQ(s.lastIndexOf('\xE9', -1, Ze::CaseInsensitive), 1); // only A to Z fold
+    EXPECT_TRUE(s.startsWith(CZeLatin1String("x\xE9")) && s.endsWith(s.rightRef(3)) && s.endsWith('x'));
+    EXPECT_TRUE(s.startsWith(CZeString()) && CZeString().endsWith(CZeStringRef()) &&
+                !CZeString().startsWith('x'));
+}
+
+TEST(StringBuilding, RepeatsPadsAndEscapes) {
+    const CZeString ab = text(u"ab");
+    const struct {
+        CZeString result;
+        const char* contents;
+    } rows[] = {
+        // clang-format off
+        {ab.repeated(3), "ababab"}, {ab.repeated(0), ""}, {ab.repeated(-1), ""}, {text(u"").repeated(9), ""},
+        {ab.leftJustified(4, '.'), "ab.."}, {ab.rightJustified(4, '.'), "..ab"}, {ab.leftJustified(3), "ab "},
+        {ab.leftJustified(1), "ab"}, {ab.leftJustified(1, ' ', true), "a"}, {ab.rightJustified(1, ' ', true), "a"},
+        {ab.rightJustified(-1), "ab"}, {ab.leftJustified(-1, ' ', true), ""}, {CZeString().rightJustified(2), "  "},
+        {text(u"<a href=\"x\">&'\u00E9</a>").toHtmlEscaped(), "&lt;a href=&quot;x&quot;&gt;&amp;'\xC3\xA9&lt;/a&gt;"},
+        // clang-format on
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(utf8(row.result), row.contents);
+        EXPECT_FALSE(row.result.isNull());
+    }
+    EXPECT_EQ(utf8(ab), "ab");
+    for (const CZeString& same :
+         {ab.repeated(1), ab.leftJustified(2), ab.rightJustified(0), ab.toHtmlEscaped()})
+        EXPECT_EQ(same.constData(), ab.constData());
+    EXPECT_TRUE(ab.repeated(1 << 30).isNull() && ab.leftJustified(INT_MAX).isNull());
+    EXPECT_TRUE(CZeString().repeated(2).isNull());
+}
+
+} // namespace
