@@ -11,18 +11,16 @@
 #include "gl/egl_context.h"
 #include "tests/api/test_frame.h"
 #include "tests/support/gl_recorder.h"
+#include "tests/support/log_capture.h"
 
-#include <cstdlib>
-#include <optional>
-#include <string>
-#include <vector>
+#include <gmock/gmock.h>
 
-/// A render core and its effects, less those that a test has destroyed and set to null or taken out. Frames
-/// of 5 × 3 and one active beauty effect unless told otherwise.
+/// A render core and its effects, less those that a test has destroyed and set to null or taken out.
 struct RecordedHost {
-    /// `effects` has a letter for each entry: B an active beauty effect, - an inactive one, L a new LUT
+    /// `entries` has a letter for each effect: B an active beauty effect, - an inactive one, L a new LUT
     /// effect, 5 a handle of that type, 0 a null pointer.
     explicit RecordedHost(const std::string& entries = "B") {
+        gl.labelTextures({"input", "scratch", "output", "luma", "chroma", "packed", "intermediate"});
         for (char entry : entries) {
             const int type = entry == 'L' ? 1 : entry == '5' ? 5 : 0;
             effects.push_back(entry == '0' ? nullptr : ZecCreateEffect(type));
@@ -31,40 +29,35 @@ struct RecordedHost {
         }
     }
     ~RecordedHost() {
-        deleteEffects();
-        if (!core || ZecDestroyRenderCore(core))
-            return;
-        std::free(core->staging->planes[0]); // it has no context and cannot be destroyed
-        delete core->staging;
-        delete core->converter;
-        delete core->context;
-        delete core;
-    }
-    /// Deletes them in the core's context without ending that.
-    void deleteEffects() {
+        gl.clear(); // nothing fails any more
+        gl.makeHostContextCurrent();
         if (core && core->context)
             ze::makeContextCurrent(*core->context);
-        for (ZecEffect* handle : effects) {
-            if (handle && handle->type == 1)
-                delete static_cast<ze::CLutEffect*>(handle->effect);
-            else if (handle)
-                delete static_cast<ze::BeautyEffect*>(handle->effect);
-            delete handle;
-        }
-        effects.clear();
+        for (ZecEffect* effect : effects)
+            if (effect)
+                ZecDestoryEffect(effect);
+        if (!core || ZecDestroyRenderCore(core))
+            return;
+        delete core->context; // it never had one: the host's will do
+        core->context = ze::snapshotCurrentContext();
+        ZecDestroyRenderCore(core);
     }
     RecordedHost(const RecordedHost&) = delete;
     RecordedHost& operator=(const RecordedHost&) = delete;
 
-    /// Renders a frame of any content; `output` keeps it until the next one.
+    /// Renders a frame of any content.
     bool render(int width = 5, int height = 3, int pixelFormat = 0, int standard = 0, int range = 1) {
         const TestFrame input(width, height);
-        output.emplace(width, height);
-        return ZecRender(core, effects, &input.image, &output->image, pixelFormat, standard, range, width,
+        TestFrame output(width, height);
+        return ZecRender(core, effects, &input.image, &output.image, pixelFormat, standard, range, width,
                          height, 77);
     }
 
+    GlRecorder gl;
+    LogCapture log;
     ZecRenderCore* core = ZecCreateRenderCore();
     std::vector<ZecEffect*> effects;
-    std::optional<TestFrame> output;
 };
+
+/// A test with a host of its own that has one active beauty effect.
+class RecordedHostTest : public testing::Test, protected RecordedHost {};

@@ -1,13 +1,10 @@
-// Frames in host memory for the tests of the copying and unpacking code.
+// Frames in host memory.
 
 #pragma once
 
 #include "convert/ze_image.h"
 
-#include <sys/mman.h>
-
 #include <cstddef>
-#include <new>
 #include <vector>
 
 /// Bytes in a row and rows of a plane, 0 luma and 1 chroma.
@@ -44,34 +41,20 @@ struct RowLayout {
 struct TestFrame {
     TestFrame(int width, int height, RowLayout layout = {}) {
         for (int plane = 0; plane < 2; ++plane) {
-            const int rounded =
-                (rowBytes(plane, width) + layout.roundTo - 1) / layout.roundTo * layout.roundTo;
-            const int pitch = rounded + layout.padding;
+            const int bytes = rowBytes(plane, width);
+            const int pitch = (bytes + layout.roundTo - 1) / layout.roundTo * layout.roundTo + layout.padding;
             const int lastRow = (rowCount(plane, height) - 1) * pitch;
-            planes[plane].assign(size_t(lastRow + rowBytes(plane, width)), 0x66);
+            planes[plane].assign(size_t(lastRow + bytes), 0x66);
             image.planes[plane] = planes[plane].data() + (layout.bottomUp ? lastRow : 0);
             image.pitches[plane] = layout.bottomUp ? -pitch : pitch;
         }
     }
     TestFrame(const TestFrame&) = delete;
 
+    bool operator==(const TestFrame& other) const {
+        return planes[0] == other.planes[0] && planes[1] == other.planes[1];
+    }
+
     std::vector<uint8_t> planes[2];
     ZecImage image{};
-};
-
-/// A frame of 2 × 3 pixels whose rows lie as far apart as a pitch can tell. Untouched pages take no memory.
-struct FarFrame {
-    FarFrame() {
-        void* block =
-            mmap(nullptr, kSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (block == MAP_FAILED)
-            throw std::bad_alloc();
-        auto* bytes = static_cast<uint8_t*>(block);
-        image = {{bytes, bytes + 64, nullptr}, {INT32_MAX, INT32_MAX, 0}};
-    }
-    ~FarFrame() { munmap(image.planes[0], kSize); }
-    FarFrame(const FarFrame&) = delete;
-
-    static constexpr size_t kSize = 2 * size_t{INT32_MAX} + 128;
-    ZecImage image;
 };
