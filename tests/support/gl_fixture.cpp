@@ -1,53 +1,25 @@
 #include "tests/support/gl_fixture.h"
 
+#include "gl/framebuffer.h"
+#include "gl/texture.h"
+
 #include <cstdlib>
 #include <string_view>
-#include <utility>
 
 using reference::Picture;
 
-namespace {
-
-bool isSet(const char* variable, std::string_view value) {
-    const char* current = std::getenv(variable);
-    return current && current == value;
-}
-
-} // namespace
-
 void GlTest::SetUp() {
-    const EGLint configAttributes[] = {EGL_RENDERABLE_TYPE, EGL_OPENGL_ES2_BIT, EGL_SURFACE_TYPE,
-                                       EGL_PBUFFER_BIT, EGL_NONE};
-    const EGLint contextAttributes[] = {EGL_CONTEXT_CLIENT_VERSION, 2, EGL_NONE};
-    const EGLint surfaceAttributes[] = {EGL_WIDTH, 1, EGL_HEIGHT, 1, EGL_NONE};
-    EGLConfig config = nullptr;
-    EGLint count = 0;
-    m_display = eglGetDisplay(EGL_DEFAULT_DISPLAY);
-    if (!eglInitialize(m_display, nullptr, nullptr) ||
-        !eglChooseConfig(m_display, configAttributes, &config, 1, &count) || count == 0)
-        GTEST_SKIP() << "There is no EGL display with OpenGL ES 2.0 here.";
-    eglBindAPI(EGL_OPENGL_ES_API);
-    m_surface = eglCreatePbufferSurface(m_display, config, surfaceAttributes);
-    m_context = eglCreateContext(m_display, config, EGL_NO_CONTEXT, contextAttributes);
-    if (!eglMakeCurrent(m_display, m_surface, m_surface, m_context))
-        GTEST_SKIP() << "EGL gives no OpenGL ES 2.0 context here.";
-
+    if (!ze::createContext(m_context))
+        GTEST_SKIP() << "There is no OpenGL ES 2.0 here.";
     const std::string_view renderer(reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
-    m_isPrecise = renderer.starts_with("llvmpipe") && isSet("GALLIUM_OVERRIDE_CPU_CAPS", "sse4.1") &&
-                  isSet("GALLIVM_PERF", "no_aos_sampling");
-    GLuint framebuffer = 0;
-    glGenFramebuffers(1, &framebuffer);
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-}
-
-void GlTest::TearDown() {
-    releaseContext();
+    m_isPrecise = renderer.starts_with("llvmpipe") && std::getenv("GALLIVM_PERF") &&
+                  std::getenv("GALLIUM_OVERRIDE_CPU_CAPS");
+    ze::createFramebuffer(); // bound from here on
 }
 
 void GlTest::releaseContext() {
-    eglMakeCurrent(m_display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-    eglDestroyContext(m_display, std::exchange(m_context, EGL_NO_CONTEXT));
-    eglDestroySurface(m_display, std::exchange(m_surface, EGL_NO_SURFACE));
+    eglMakeCurrent(m_context.display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+    ze::releaseContext(m_context);
     eglReleaseThread();
 }
 
@@ -56,13 +28,10 @@ GLuint GlTest::textureOf(const Picture& picture) {
     for (const reference::Colour& pixel : picture.stored().pixels)
         for (double channel : pixel)
             bytes.push_back(uint8_t(std::lround(channel * 255)));
-    GLuint texture = 0;
-    glGenTextures(1, &texture);
+    const GLuint texture = ze::createTexture(picture.width, picture.height, GL_RGBA);
     glBindTexture(GL_TEXTURE_2D, texture);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, picture.width, picture.height, 0, GL_RGBA, GL_UNSIGNED_BYTE,
-                 bytes.data());
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, picture.width, picture.height, GL_RGBA, GL_UNSIGNED_BYTE,
+                    bytes.data());
     return texture;
 }
 

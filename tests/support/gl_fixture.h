@@ -2,9 +2,9 @@
 
 #pragma once
 
+#include "gl/egl_context.h"
 #include "tests/support/reference_picture.h"
 
-#include <EGL/egl.h>
 #include <GLES2/gl2.h>
 
 #include <cstdint>
@@ -25,7 +25,7 @@ inline constexpr Tolerance kRounding = {0.51};
 class GlTest : public testing::Test {
 protected:
     void SetUp() override;
-    void TearDown() override;
+    void TearDown() override { releaseContext(); }
 
     /// Software rendering (llvmpipe) holds `precise` when GALLIUM_OVERRIDE_CPU_CAPS=sse4.1 makes it compute
     /// lowp and mediump in full floats and GALLIVM_PERF=no_aos_sampling interpolate texels in floats. Without
@@ -46,10 +46,7 @@ protected:
     static std::vector<uint8_t> contentOf(GLuint texture, int width, int height);
 
 private:
-    // The display stays initialised: unloaded drivers would leave blocks behind that look leaked.
-    EGLDisplay m_display = EGL_NO_DISPLAY;
-    EGLSurface m_surface = EGL_NO_SURFACE;
-    EGLContext m_context = EGL_NO_CONTEXT;
+    ze::EglContextRecord m_context;
     bool m_isPrecise = false;
 };
 

@@ -4,33 +4,18 @@ namespace reference {
 
 namespace {
 
-struct ToRgb {
-    double yScale, redV, greenU, greenV, blueU;
+/// Luma weights of a standard, and where its codes lie: luma spans 255 or 219 from black on, chroma 254 or
+/// 224.
+struct Model {
+    explicit Model(ColourDescription description)
+        : red(description.standard == 0 ? 0.299 : 0.2126), blue(description.standard == 0 ? 0.114 : 0.0722),
+          luma(description.range == 1 ? 1 : 219.0 / 255),
+          chroma((description.range == 1 ? 254.0 : 224.0) / 255),
+          black(description.range == 1 ? 0 : 16.0 / 255) {}
+
+    double red, blue, luma, chroma, black;
+    double green = 1 - red - blue;
 };
-
-struct ToYuv {
-    double y[3], u[3], v[3];
-};
-
-// [BT.601, BT.709][video, full]
-constexpr ToRgb kToRgb[2][2] = {
-    {{1.16438, 1.59603, 0.39176, 0.81297, 2.01723}, {1.0, 1.40752, 0.34549, 0.71695, 1.77898}},
-    {{1.16438, 1.79274, 0.21325, 0.53291, 2.1124}, {1.0, 1.581, 0.18806, 0.46997, 1.86291}}};
-
-constexpr ToYuv kToYuv[2][2] = {
-    {{{0.25679, 0.50413, 0.09791}, {-0.14822, -0.29099, 0.43922}, {0.43922, -0.36779, -0.07143}},
-     {{0.299, 0.587, 0.114}, {-0.16807, -0.32997, 0.49804}, {0.49804, -0.41705, -0.08099}}},
-    {{{0.18259, 0.61423, 0.06201}, {-0.10064, -0.33857, 0.43922}, {0.43922, -0.39894, -0.04027}},
-     {{0.2126, 0.7152, 0.0722}, {-0.11412, -0.38392, 0.49804}, {0.49804, -0.45237, -0.04567}}}};
-
-template <class Row>
-const Row& rowOf(const Row (&table)[2][2], ColourDescription description) {
-    return table[description.standard == 0 ? 0 : 1][description.range == 1 ? 1 : 0];
-}
-
-double blackLevel(ColourDescription description) {
-    return description.range == 1 ? 0.0 : 16.0 / 255;
-}
 
 int halfUp(int n) {
     return (n + 1) / 2;
@@ -40,10 +25,6 @@ int halfUp(int n) {
 double span(int n) {
     const double half = halfUp(n);
     return n % 2 == 0 || n == 1 ? 1.0 : (half - 1) * n / (half * (n - 1));
-}
-
-double dot(const double (&row)[3], const Colour& colour) {
-    return row[0] * colour[0] + row[1] * colour[1] + row[2] * colour[2];
 }
 
 } // namespace
@@ -58,32 +39,34 @@ Picture yuvToRgb(const ZecImage& frame, int width, int height, ColourDescription
         }
 
     // Shortened spans are anchored at u = 0 and at v = 1.
-    const ToRgb& k = rowOf(kToRgb, description);
+    const Model k(description);
     const double uMax = span(width), vSpan = span(height);
     Picture result(width, height);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             const double u = (x + 0.5) / width * uMax, v = 1 - vSpan + (y + 0.5) / height * vSpan;
             const Colour pair = chroma.sample(u * chromaWidth - 0.5, v * chromaHeight - 0.5);
-            const double luma = frame.planes[0][ptrdiff_t{y} * frame.pitches[0] + x] / 255.0;
-            const double grey = k.yScale * (luma - blackLevel(description));
-            const double cb = pair[0] - 128.0 / 255, cr = pair[1] - 128.0 / 255;
-            result.at(x, y) = {grey + k.redV * cr, grey - k.greenU * cb - k.greenV * cr, grey + k.blueU * cb,
-                               1};
+            const double code = frame.planes[0][ptrdiff_t{y} * frame.pitches[0] + x] / 255.0;
+            const double luma = (code - k.black) / k.luma;
+            const double red = luma + 2 * (1 - k.red) * (pair[1] - 128.0 / 255) / k.chroma;
+            const double blue = luma + 2 * (1 - k.blue) * (pair[0] - 128.0 / 255) / k.chroma;
+            result.at(x, y) = {red, (luma - k.red * red - k.blue * blue) / k.green, blue, 1};
         }
     return result;
 }
 
 Planes rgbToYuv(const Picture& picture, ColourDescription description, bool nv21) {
-    const ToYuv& k = rowOf(kToYuv, description);
+    const Model k(description);
     Planes planes;
     for (int y = 0; y < picture.height; ++y)
         for (int x = 0; x < picture.width; ++x) {
-            const Colour& colour = picture.at(x, y);
-            planes.luma.push_back(255 * (dot(k.y, colour) + blackLevel(description)));
+            const auto [red, green, blue, alpha] = picture.at(x, y);
+            const double luma = k.red * red + k.green * green + k.blue * blue;
+            planes.luma.push_back(255 * (luma * k.luma + k.black));
             if (x % 2 != 0 || y % 2 != 0)
                 continue;
-            const double u = 255 * dot(k.u, colour) + 128, v = 255 * dot(k.v, colour) + 128;
+            const double u = 128 + 255 * k.chroma * (blue - luma) / (2 - 2 * k.blue);
+            const double v = 128 + 255 * k.chroma * (red - luma) / (2 - 2 * k.red);
             planes.chroma.insert(planes.chroma.end(), {nv21 ? v : u, nv21 ? u : v});
         }
     return planes;

@@ -13,12 +13,11 @@ struct ColourDescription {
     int range;    ///< 1 full, else video
 };
 
-/// The RGB picture of a frame, before an 8-bit target clamps and rounds it. Every pixel has its own luma;
-/// chroma is interpolated between the pairs. `nv21` tells which byte of a pair is V.
+/// The RGB picture of a frame, before an 8-bit target clamps and rounds it. `nv21` tells which byte of a
+/// chroma pair is V; chroma is interpolated between the pairs.
 Picture yuvToRgb(const ZecImage& frame, int width, int height, ColourDescription description, bool nv21);
 
-/// Luma of every pixel and chroma of every pair of pixels, in levels of 0 to 255, neither clamped nor
-/// rounded.
+/// Levels of 0 to 255, neither clamped nor rounded.
 struct Planes {
     std::vector<double> luma;   ///< rows of the picture's width
     std::vector<double> chroma; ///< rows of the width rounded up to even, half as many rounded up
