@@ -9,12 +9,10 @@
 
 #include <gmock/gmock.h>
 
-#include <sys/stat.h>
 #include <sys/wait.h>
 
 using namespace ze::tool;
 using namespace std::string_literals;
-using testing::HasSubstr;
 using testing::MatchesRegex;
 
 namespace {
@@ -62,19 +60,18 @@ TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
     const Picture chart = drawChart(40, 30, ChartNoise::speckled);
     write("in.png", chart);
     write("in.jpg", chart);
-    write("kept.png", "precious"s);
     write("text.png", "no picture\n"s);
     write("empty.png", ""s);
-    const std::string png = contentOf(m_directory / "in.png");
-    write("short.png", png.substr(0, png.size() / 2));
+    const std::string png = contentOf(m_directory / "in.png"), jpeg = contentOf(m_directory / "in.jpg");
     write("flipped.png", png.substr(0, 600) + static_cast<char>(png[600] ^ 1) + png.substr(601));
-    const std::string jpeg = contentOf(m_directory / "in.jpg");
+    write("short.png", png.substr(0, png.size() / 2));
     write("short.jpg", jpeg.substr(0, jpeg.size() / 2));
     write("huge.png", pngBytes(100000, 100000, 8, 2, "\0"s));
     write("list.png", "#EXTM3U\n#EXTINF:1,\nin.png\n"s);
     std::filesystem::create_directory(m_directory / "folder.png");
     const auto before = fileNames();
 
+    // clang-format off
     const struct {
         const char* arguments;
         int code;
@@ -88,19 +85,16 @@ TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
         {"render in.png out.png --smooth 1.01", 2, "--smooth: "},
         {"render in.png out.png --smooth nan", 2, "--smooth: "},
         {"render in.png out.png --whiten -0.1", 2, "--whiten: "},
-        {"render in.png out.png --whiten x", 2, "--whiten: "},
         {"render in.png out.png --format nv16", 2, "--format: "},
         {"render in.png out.png --standard bt2020", 2, "--standard: "},
         {"render in.png out.png --range narrow", 2, "--range: "},
         {"render in.png out.gif", 2, "out.gif: unknown extension"},
-        {"render in.png out", 2, "out: unknown extension"},
         {"render in.png out.png --compare both.bmp", 2, "both.bmp: unknown extension"},
         {"render in.png out.png --compare ./out.png", 2, "./out.png: is named as OUTPUT"},
-        {"render in.png kept.png", 2, "kept.png: exists already"},
-        {"render in.png out.png --compare kept.png", 2, "kept.png: exists already"},
         {"render in.png in.png", 2, "in.png: exists already"},
+        {"render in.png out.png --compare in.jpg", 2, "in.jpg: exists already"},
         {"render -y in.png folder.png", 2, "folder.png: is a directory"},
-        {"chart kept.png", 2, "kept.png: exists already"},
+        {"chart in.png", 2, "in.png: exists already"},
         {"chart out.png --size 0x5", 2, "--size: "},
         {"chart out.png --size 5x5x5", 2, "--size: "},
         {"render missing.png out.png", 3, "missing.png: cannot be read: No such file"},
@@ -114,22 +108,19 @@ TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
         {"render short.jpg out.png", 3, "short.jpg: is no valid picture"},
         {"render huge.png out.png", 1, "huge.png: .*100000x100000"},
         {"render in.png no/out.png --smooth 0 --whiten 0", 1, "no/out.png: cannot be written: No such file"},
-        {"render in.png /proc/out.png --smooth 0 --whiten 0", 1, "/proc/out.png: cannot be written: "},
-        {"render in.png out.png --compare no/b.png --smooth 0 --whiten 0", 1,
-         "no/b.png: cannot be written: "},
-        {"chart no/out.png", 1, "no/out.png: cannot be written: "},
+        {"render in.png out.png --compare no/b.png --smooth 0 --whiten 0", 1, "no/b.png: cannot be written: "},
+        {"chart /proc/out.png", 1, "/proc/out.png: cannot be written: "},
         {"render in.png out.png", 4, "in.png: no EGL with OpenGL ES 2.0: eglGetDisplay failed", kNoGl},
-        {"render in.png out.png", 4, "in.png: no EGL with OpenGL ES 2.0: eglInitialize failed",
-         "EGL_PLATFORM=bogus"},
+        {"render in.png out.png", 4, "in.png: no EGL with OpenGL ES 2.0: eglInitialize failed", "EGL_PLATFORM=bogus"},
         {"info", 4, "no EGL", kNoGl},
     };
+    // clang-format on
     for (const auto& c : cases) {
         EXPECT_EQ(run(c.arguments, c.environment), c.code) << c.arguments;
         EXPECT_THAT(errorText(), MatchesRegex("zebeauty: "s + c.reason + "[^\n]*\n")) << c.arguments;
         EXPECT_EQ(outputText(), "") << c.arguments;
         EXPECT_EQ(fileNames(), before) << c.arguments;
     }
-    EXPECT_EQ(contentOf(m_directory / "kept.png"), "precious");
     EXPECT_EQ(contentOf(m_directory / "in.png"), png);
 }
 
@@ -137,17 +128,16 @@ TEST_F(Program, WritesTheSamePixelsInBothLayoutsWithoutAnEffectAndWithoutGl) {
     Picture chart = drawChart(33, 17, ChartNoise::speckled);
     chart.alpha.assign(33 * 17, 200);
     write("in.png", chart);
-    ASSERT_EQ(run("render in.png a.png --smooth 0 --whiten 0 --compare both.png", kNoGl), 0) << errorText();
-    ASSERT_EQ(run("render in.png b.png --smooth 0 --whiten 0 --format nv21", kNoGl), 0) << errorText();
-    const Picture after = read("a.png");
+    const std::string render = "render in.png --smooth 0 --whiten 0 ";
+    ASSERT_EQ(run(render + "a.png --compare both.png", kNoGl), 0) << errorText();
+    ASSERT_EQ(run(render + "b.png --format nv21", kNoGl), 0) << errorText();
+    const Picture after = read("a.png"), both = read("both.png");
     EXPECT_EQ(contentOf(m_directory / "a.png"), contentOf(m_directory / "b.png"));
     EXPECT_EQ(after.alpha, chart.alpha);
     for (const char* option : {"--standard bt709", "--range video"}) {
-        ASSERT_EQ(run("render in.png -y b.png --smooth 0 --whiten 0 "s + option, kNoGl), 0) << errorText();
+        ASSERT_EQ(run(render + "-y b.png " + option, kNoGl), 0) << errorText();
         EXPECT_NE(read("b.png").rgb, after.rgb) << option;
     }
-
-    const Picture both = read("both.png");
     ASSERT_EQ(std::pair(both.width, both.height), std::pair(66, 17));
     for (int y = 0; y < 17; ++y)
         for (int x = 0; x < 33; ++x) {
@@ -159,19 +149,13 @@ TEST_F(Program, WritesTheSamePixelsInBothLayoutsWithoutAnEffectAndWithoutGl) {
 }
 
 TEST_F(Program, OverwritesOnRequestBehindLinksWithTheOldPermissions) {
-    write("in.png", drawChart(40, 30, ChartNoise::speckled));
-    const std::string old = contentOf(m_directory / "in.png");
-    chmod((m_directory / "in.png").c_str(), 0640);
+    write("in.png", Picture(40, 30));
+    std::filesystem::permissions(m_directory / "in.png", std::filesystem::perms{0640});
     std::filesystem::create_symlink("in.png", m_directory / "link.png");
-    ASSERT_EQ(run("render -y in.png link.png --smooth 0 --whiten 0"), 0) << errorText();
+    ASSERT_EQ(run("chart -y link.png --size 7x5"), 0) << errorText();
     EXPECT_TRUE(std::filesystem::is_symlink(m_directory / "link.png"));
-    EXPECT_NE(contentOf(m_directory / "in.png"), old);
-    struct stat now = {};
-    stat((m_directory / "in.png").c_str(), &now);
-    EXPECT_EQ(now.st_mode & 0777, 0640u);
-    EXPECT_EQ(read("in.png").width, 40);
-    ASSERT_EQ(run("chart -y in.png --size 7x5"), 0) << errorText();
     EXPECT_EQ(read("in.png").rgb, drawChart(7, 5, ChartNoise::speckled).rgb);
+    EXPECT_EQ(std::filesystem::status(m_directory / "in.png").permissions(), std::filesystem::perms{0640});
 }
 
 TEST_F(Program, RendersUpToTheLimitOfTheGpu) {
@@ -186,7 +170,7 @@ TEST_F(Program, RendersUpToTheLimitOfTheGpu) {
     EXPECT_EQ(run("render limit.png out.jpg"), 0) << errorText();
     EXPECT_EQ(read("out.jpg").width, limit);
     EXPECT_EQ(run("render over.png out.png"), 1);
-    EXPECT_THAT(errorText(), HasSubstr("over.png: 1x" + std::to_string(limit + 1)));
-    EXPECT_THAT(errorText(), HasSubstr("limit is " + std::to_string(limit)));
+    EXPECT_THAT(errorText(), MatchesRegex("zebeauty: over.png: 1x" + std::to_string(limit + 1) +
+                                          ".*limit is " + std::to_string(limit) + ".*\n"));
     EXPECT_FALSE(std::filesystem::exists(m_directory / "out.png"));
 }

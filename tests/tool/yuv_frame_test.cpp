@@ -1,110 +1,90 @@
+// Frames of the tool, from a picture through the library and back.
+
+#include "tests/support/reference_convert.h"
 #include "tool/chart.h"
-#include "tool/yuv_frame.h"
+#include "tool/errors.h"
+#include "tool/gl_info.h"
+#include "tool/render_session.h"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <cstdlib>
+#include <functional>
 
 using namespace ze::tool;
 
 namespace {
 
-struct Coefficients {
-    ColourStandard standard;
-    double red, blue;
-};
-constexpr Coefficients kStandards[] = {{ColourStandard::bt601, 0.299, 0.114},
-                                       {ColourStandard::bt709, 0.2126, 0.0722}};
-
-std::vector<YuvDescription> allDescriptions() {
-    std::vector<YuvDescription> all;
-    for (const ChromaOrder order : {ChromaOrder::nv12, ChromaOrder::nv21})
-        for (const Coefficients& coefficients : kStandards)
-            for (const ColourRange range : {ColourRange::full, ColourRange::video})
-                all.push_back({order, coefficients.standard, range});
-    return all;
+/// Calls `check` with every size and description.
+void forEachKind(const std::function<void(Picture, YuvDescription)>& check) {
+    for (const auto& [width, height] : {std::pair{1, 1}, {5, 3}, {33, 17}, {34, 18}})
+        for (int i = 0; i < 8; ++i) {
+            SCOPED_TRACE(testing::Message() << width << " x " << height << ", kind " << i);
+            check(Picture(width, height),
+                  {static_cast<ChromaOrder>(i & 1), static_cast<ColourStandard>(i >> 1 & 1),
+                   static_cast<ColourRange>(i >> 2)});
+        }
 }
 
-struct Yuv {
-    double y, u, v;
-};
-
-// The definitions of BT.601 and BT.709.
-Yuv expectedYuv(Rgb colour, const YuvDescription& description) {
-    const Coefficients& k = kStandards[static_cast<size_t>(description.standard)];
-    const bool full = description.range == ColourRange::full;
-    const double luma = k.red * colour.red + (1 - k.red - k.blue) * colour.green + k.blue * colour.blue;
-    const double chroma = full ? 1 : 224 / 255.0;
-    return {full ? luma : 16 + luma * 219 / 255, 128 + chroma * (colour.blue - luma) / (2 - 2 * k.blue),
-            128 + chroma * (colour.red - luma) / (2 - 2 * k.red)};
-}
-
-// The mean of the four pixels under the chroma sample (`column`, `row`), the last ones repeated at odd edges.
-Yuv meanYuv(const Picture& picture, int column, int row, const YuvDescription& description) {
-    Yuv mean = {};
-    for (int i = 0; i < 4; ++i) {
-        const int x = std::min(2 * column + i % 2, picture.width - 1);
-        const int y = std::min(2 * row + i / 2, picture.height - 1);
-        const Yuv yuv = expectedYuv(picture.at(x, y), description);
-        mean.u += yuv.u / 4;
-        mean.v += yuv.v / 4;
-    }
-    return mean;
+template <class Expected>
+void expectNear(const std::vector<uint8_t>& actual, const Expected& expected, double tolerance) {
+    ASSERT_EQ(actual.size(), expected.size());
+    for (size_t i = 0; i < actual.size(); ++i)
+        ASSERT_NEAR(actual[i], expected[i], tolerance) << "at " << i;
 }
 
 } // namespace
 
 TEST(YuvFrame, HasEverySampleThatTheStandardsAskForUpToTheOddEdges) {
-    uint32_t state = 1;
-    for (const auto& [width, height] : {std::pair{1, 1}, {5, 3}, {33, 17}, {34, 18}}) {
-        Picture picture(width, height);
+    forEachKind([state = 1u](Picture picture, YuvDescription description) mutable {
         for (uint8_t& channel : picture.rgb)
             channel = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 24);
-        for (const YuvDescription& description : allDescriptions()) {
-            const YuvFrame frame = yuvFromPicture(picture, description);
-            const bool nv21 = description.order == ChromaOrder::nv21;
-            ASSERT_EQ(frame.luma.size(), picture.rgb.size() / 3);
-            ASSERT_EQ(frame.chroma.size(), static_cast<size_t>((width + 1) / 2 * 2 * ((height + 1) / 2)));
-            for (int y = 0; y < height; ++y)
-                for (int x = 0; x < width; ++x)
-                    ASSERT_NEAR(frame.luma[picture.index(x, y)], expectedYuv(picture.at(x, y), description).y,
-                                1.1);
-            for (size_t i = 0; i < frame.chroma.size(); i += 2) {
-                const int pair = static_cast<int>(i) / 2;
-                const int columns = (width + 1) / 2;
-                const Yuv expected = meanYuv(picture, pair % columns, pair / columns, description);
-                ASSERT_NEAR(frame.chroma[i + nv21], expected.u, 1.6) << pair;
-                ASSERT_NEAR(frame.chroma[i + !nv21], expected.v, 1.6) << pair;
-            }
-        }
-    }
+        reference::Picture pixels(picture.width, picture.height);
+        for (size_t i = 0; i < picture.rgb.size(); ++i)
+            pixels.pixels[i / 3][i % 3] = picture.rgb[i] / 255.0;
+        reference::Picture means = pixels; // of four pixels each, the last ones repeated at odd edges
+        for (int y = 0; y < picture.height; ++y)
+            for (int x = 0; x < picture.width; ++x)
+                means.at(x, y) = pixels.sample(x + 0.5, y + 0.5);
+
+        const YuvFrame frame = yuvFromPicture(picture, description);
+        const reference::ColourDescription meaning = {static_cast<int>(description.standard),
+                                                      static_cast<int>(description.range)};
+        const bool nv21 = description.order == ChromaOrder::nv21;
+        expectNear(frame.luma, reference::rgbToYuv(pixels, meaning, nv21).luma, 1.1);
+        expectNear(frame.chroma, reference::rgbToYuv(means, meaning, nv21).chroma, 2.1);
+    });
 }
 
 TEST(YuvFrame, ComesBackCloseToThePicture) {
-    constexpr std::pair<int, int> kSizes[] = {{1, 1}, {5, 3}, {33, 17}, {321, 241}};
-    for (const auto& [width, height] : kSizes) {
-        const Picture chart = drawChart(width, height, ChartNoise::none);
-        for (const YuvDescription& description : allDescriptions()) {
-            const Picture back = pictureFromYuv(yuvFromPicture(chart, description));
-            ASSERT_EQ(back.rgb.size(), chart.rgb.size());
-            for (const ChartPatch& patch : chartPatches(width, height)) {
-                // Chroma bleeds across borders by up to two pixels.
-                const Rectangle area = patch.area;
-                if (patch.kind == PatchKind::hair)
-                    continue;
-                for (int y = area.top + 2; y < area.top + area.height - 2; ++y)
-                    for (int x = area.left + 2; x < area.left + area.width - 2; ++x)
-                        for (size_t i = 0; i < 3; ++i)
-                            ASSERT_NEAR(back.row(y)[3 * static_cast<size_t>(x) + i],
-                                        chart.row(y)[3 * static_cast<size_t>(x) + i], 4);
-            }
-        }
+    forEachKind([](Picture picture, YuvDescription description) {
+        for (size_t i = 0; i < picture.rgb.size(); ++i) // chroma is the same everywhere
+            picture.rgb[i] = static_cast<uint8_t>(30 + 40 * (i % 3) + i / 3 * 37 % 100);
+        expectNear(pictureFromYuv(yuvFromPicture(picture, description)).rgb, picture.rgb, 4);
+    });
+}
+
+TEST(RenderSession, KeepsEveryByteWithoutAnEffectAndWhitensEveryPixel) {
+    bool hasGl = true;
+    try {
+        queryGl();
+    } catch (const Failure&) {
+        hasGl = false;
     }
-    // One pixel alone, and the last of an odd row and column, have no neighbour to bleed from.
-    Picture grey(5, 3);
-    std::fill(grey.rgb.begin(), grey.rgb.end(), uint8_t{77});
-    for (const YuvDescription& description : allDescriptions())
-        for (const uint8_t channel : pictureFromYuv(yuvFromPicture(grey, description)).rgb)
-            ASSERT_NEAR(channel, 77, 1);
+    forEachKind([&](Picture picture, YuvDescription description) {
+        picture = drawChart(picture.width, picture.height, ChartNoise::speckled);
+        const YuvFrame before = yuvFromPicture(picture, description);
+        YuvFrame after = before;
+        RenderSession(0, 0).render(after);
+        EXPECT_EQ(after.luma, before.luma);
+        EXPECT_EQ(after.chroma, before.chroma);
+
+        for (size_t i = 0; i < picture.rgb.size(); ++i)
+            picture.rgb[i] = static_cast<uint8_t>(60 + 30 * (i % 3));
+        YuvFrame frame = yuvFromPicture(picture, description);
+        if (hasGl)
+            RenderSession(0, 1).render(frame);
+        for (uint8_t& channel : picture.rgb)
+            channel = static_cast<uint8_t>(channel + (hasGl ? 38 : 0)); // 0.15 of 255
+        expectNear(pictureFromYuv(frame).rgb, picture.rgb, 4);
+    });
 }
