@@ -1,49 +1,51 @@
-// A double of EGL and OpenGL ES 2.0 for link time. It records calls, keeps the state that they make and fails
-// on demand. What a driver would forgive, or answer with a wrong picture, fails the running test: names that
-// are unknown or deleted, GL without a current context, clearing or drawing without a target, a viewport that
-// is not the whole target, sampling from the target or from an incomplete texture.
+// A double of EGL and OpenGL ES 2.0 for link time. It records calls, keeps what tests ask for and fails on
+// demand. What a driver may forgive fails the running test: names that are unknown or deleted, GL without a
+// current context, clearing or drawing without a target.
 
 #pragma once
 
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
 
-#include <cstddef>
+#include <array>
 #include <cstdint>
 #include <initializer_list>
+#include <list>
 #include <map>
-#include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
-struct GlDriver;
-
-/// While it lives, calls go into it; recorders may be nested, and the innermost gets them. Threads may take
-/// turns but not call at once.
+/// While it lives, calls go into it; recorders may be nested, and the innermost gets them. For one thread.
 class GlRecorder {
 public:
-    struct Texture {
-        std::string label;
-        GLenum format = 0;
-        int width = 0;
-        int height = 0;
-        std::map<GLenum, GLint> parameters;
-        std::vector<uint8_t> texels; ///< of the last upload, row after row without padding
+    using Values = std::map<std::string, std::vector<GLfloat>>; ///< by variable
 
-        std::string size() const { return std::to_string(width) + "x" + std::to_string(height); }
+    /// A texture, frame buffer, program or shader.
+    struct Object {
+        std::string kind;
+        std::string label = "-";
+        std::string size;         ///< of a texture, as in "5x3"
+        GLuint target = 0;        ///< attached to a frame buffer
+        std::string source;       ///< of a shader; of both in a program
+        Values uniforms;          ///< those that were set
+        std::set<GLint> samplers; ///< units that a program reads from
     };
 
     struct Draw {
         std::string program;
-        std::vector<Texture> sources; ///< in the order of texture units
-        Texture target;
-        std::map<std::string, std::vector<GLfloat>> attributes; ///< by name, corner after corner
+        std::vector<Object> sources; ///< in the order of texture units
+        Object target;
+        Values attributes; ///< corner after corner
 
         /// As in "mix(input, intermediate) -> output".
-        std::string text() const;
+        std::string text() const { return show(&Object::label); }
         /// As in "mix(5x3, 5x3) -> 5x3".
-        std::string sizes() const;
+        std::string sizes() const { return show(&Object::size); }
+
+    private:
+        std::string show(std::string Object::*property) const;
     };
 
     GlRecorder();
@@ -60,16 +62,12 @@ public:
     /// The `nth` call of `function` from now on, or of any GL function but glGetError for "", works and
     /// leaves `error` behind.
     void raise(const std::string& function, int nth, EGLint error);
-
     /// The `nth` call of `function` from now on gives 0, none or EGL_FALSE, and leaves `error` behind.
     void refuse(const std::string& function, int nth, EGLint error = 0);
 
-    /// Labels of the textures to come, in the order of their creation. Others are called "texture1" and so
-    /// on.
-    void labelTextures(std::initializer_list<std::string> labels);
-
-    /// Makes "hostContext" current on this thread, drawing to "hostDraw" and reading from "hostRead". Not
-    /// recorded.
+    /// Labels of the textures to come, in the order of their creation. Others are called "texture".
+    void labelTextures(std::initializer_list<std::string> labels) { driver.labels.assign(labels); }
+    /// Makes "hostContext" current, drawing to "hostDraw" and reading from "hostRead". Not recorded.
     void makeHostContextCurrent();
 
     /// Recorded calls, one a line; all of them or those of `functions`. Locations are printed by name,
@@ -78,33 +76,71 @@ public:
     /// From the first call that is written so on.
     std::string callsFrom(const std::string& first) const;
     int glCallCount() const; ///< calls that `raise` counts for ""
-    const std::vector<Draw>& draws() const;
+    const std::vector<Draw>& draws() const { return driver.draws; }
     std::vector<std::string> drawTexts(std::string (Draw::*form)() const = &Draw::text) const;
     /// Forgets calls, draws and what was to fail. The state stays.
     void clear();
 
-    /// What is bound and set in this thread's context.
+    /// What is bound, attached and enabled.
     std::string state() const;
-    /// The texture that is bound to the active unit.
-    const Texture& boundTexture() const;
-    /// This thread's context and surfaces: "hostContext hostDraw hostRead", or "none".
+    /// The current context and surfaces: "hostContext hostDraw hostRead", or "none".
     std::string currentContext() const;
-    /// What was created and not deleted: "hostContext, texture luma, program mix".
+    /// What was created and not deleted: "texture luma, program mix, coreContext".
     std::string liveObjects() const;
     /// The values last set; empty when there are none.
     std::vector<GLfloat> uniform(const std::string& program, const std::string& name) const;
 
-    /// Whether this thread is inside a recorded call, so that what is allocated is the recorder's.
+    /// Whether a call is being recorded right now.
     static bool isRecording();
 
+    /// A display, config, context or surface. Destroyed while current it stays current, but is refused from
+    /// then on.
+    struct EglObject {
+        std::string label;
+        bool isDestroyed = false;
+    };
+    struct Location {
+        GLuint program;
+        std::string name;
+    };
+    struct Pointer {
+        GLint size;
+        GLsizei stride;
+        const void* data;
+    };
+    struct Failure {
+        std::string function;
+        int countdown;
+        EGLint error;
+        bool refuses;
+    };
+    /// What the doubles keep. One set of GL objects serves all contexts.
+    struct Driver {
+        std::vector<std::string> calls;
+        std::vector<Draw> draws;
+        std::vector<Failure> failures;
+        std::list<std::string> labels;
+        std::list<EglObject> eglObjects;
+        EglObject *context = nullptr, *drawSurface = nullptr, *readSurface = nullptr;
+        EGLint eglError = EGL_SUCCESS, glError = GL_NO_ERROR;
+        std::map<GLuint, Object> objects;
+        GLuint lastName = 0;                 ///< none is handed out twice
+        std::vector<Location> locations{{}}; ///< nor are these, 0 not at all: nobody may count them himself
+        std::array<GLuint, 2> units{};
+        size_t activeUnit = 0;
+        GLuint framebuffer = 0, program = 0;
+        std::map<GLuint, Pointer> pointers;
+        std::set<GLuint> enabled;
+
+        /// The object of that name, or one labelled "-".
+        const Object& find(GLuint name) const;
+        const Object& target() const { return find(find(framebuffer).target); }
+    } driver;
+
 private:
-    friend class RecordedCall;
-    std::unique_ptr<GlDriver> m_driver;
     GlRecorder* m_outer;
 };
 
-/// The calls that a recipe stands for, one a line, to be compared with `GlRecorder::calls`. Steps are
-/// separated by semicolons and line ends: calls, or "check" (a look at glGetError), "unit 1", "bind luma",
-/// "nearest", "linear" (MIN, then MAG filter), "clamp", "attach output" ("attach 0" detaches), "clear",
-/// "point posAttr 16" (by stride), "enable posAttr", "disable posAttr", "draw".
+/// Recorded calls in short: steps, apart by line breaks or semicolons, such as "bind luma", "unit 1", "check"
+/// (for glGetError), "nearest", "attach 0", "point posAttr 16" or "draw". Other steps are taken as they are.
 std::string recipe(std::string_view text);

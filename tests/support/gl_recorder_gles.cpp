@@ -1,23 +1,13 @@
-// The doubles of OpenGL ES 2.0.
+// The doubles of OpenGL ES 2.0, one line each where it fits.
 
 #include "tests/support/gl_recorder_call.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <sstream>
 #include <utility>
 
 namespace {
 
-/// Whether a line of `source` declares `name`, alone or as an array.
-bool declares(const std::string& source, const std::string& qualifier, const std::string& name) {
-    std::istringstream lines(source);
-    for (std::string line; std::getline(lines, line);)
-        if (line.starts_with(qualifier) && (line.find(' ' + name + ';') != std::string::npos ||
-                                            line.find(' ' + name + '[') != std::string::npos))
-            return true;
-    return false;
-}
+using Call = RecordedCall;
 
 std::string programLabel(const std::string& source) {
     const std::pair<const char*, const char*> labels[] = {
@@ -25,54 +15,21 @@ std::string programLabel(const std::string& source) {
         {"mixFactor", "mix"},           {"distanceNormalizationFactor", "blur"},
         {"texCoordLut1D", "lutMapped"}, {"rgbToTexCoordRatio", "lutRatio"}};
     for (const auto& [uniform, label] : labels)
-        if (declares(source, "uniform", uniform))
+        if (source.find(uniform) != std::string::npos)
             return label;
     return "program";
 }
 
-int bytesPerTexel(GLenum format) {
-    return format == GL_LUMINANCE ? 1 : format == GL_LUMINANCE_ALPHA ? 2 : format == GL_RGB ? 3 : 4;
-}
-
-/// Bytes from row to row as GL reads and writes host memory.
-size_t rowPitch(int width, GLenum format, GLint alignment) {
-    return size_t((width * bytesPerTexel(format) + alignment - 1) / alignment * alignment);
-}
-
-GLint lookUp(const RecordedCall& call, GLuint program, const GLchar* name, bool isUniform) {
-    if (!declares(call.gl->programs[program].source, isUniform ? "uniform" : "attribute", name))
-        call.fail(std::string(name) + " is not declared in the shaders");
-    const auto location = GLint(call.driver.variables.size()) + 1;
-    call.driver.variables[GLuint(location)] = {program, isUniform, name};
-    return location;
-}
-
-/// What GL answers with a black texel, or not at all.
-void checkSource(const RecordedCall& call, const GlRecorder::Texture& source) {
-    const auto is = [&](GLenum parameter, GLint value) {
-        const auto found = source.parameters.find(parameter);
-        return found != source.parameters.end() && found->second == value;
-    };
-    if (!is(GL_TEXTURE_MIN_FILTER, GL_NEAREST) && !is(GL_TEXTURE_MIN_FILTER, GL_LINEAR))
-        call.fail("samples " + source.label + ", which has no levels to filter between");
-    if (!is(GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE) || !is(GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE))
-        call.fail("samples " + source.label + ", which is not clamped at its edges");
-}
-
-/// Four corners of each enabled attribute, as they are in memory now.
-std::map<std::string, std::vector<GLfloat>> corners(const RecordedCall& call, GLint first, GLsizei count) {
-    std::map<std::string, std::vector<GLfloat>> attributes;
-    for (const GLuint location : call.gl->enabled) {
-        const auto [size, stride, data] = call.gl->pointers[location];
-        if (!data) {
-            call.fail("an enabled attribute points nowhere");
-            continue;
-        }
-        auto& values = attributes[call.driver.variables[location].name];
-        for (int corner = first; corner < first + count; ++corner) {
-            const auto* floats =
-                reinterpret_cast<const GLfloat*>(static_cast<const char*>(data) + corner * stride);
-            values.insert(values.end(), floats, floats + size);
+/// The corners of each enabled attribute, as they are in memory now.
+GlRecorder::Values corners(const GlRecorder::Driver& driver, int count) {
+    GlRecorder::Values attributes;
+    for (const GLuint location : driver.enabled) {
+        const auto& [size, stride, data] = driver.pointers.at(location);
+        auto& values = attributes[driver.locations[location].name];
+        for (int corner = 0; corner < count; ++corner) {
+            const char* bytes = static_cast<const char*>(data) + corner * stride;
+            values.insert(values.end(), reinterpret_cast<const GLfloat*>(bytes),
+                          reinterpret_cast<const GLfloat*>(bytes) + size);
         }
     }
     return attributes;
@@ -81,206 +38,141 @@ std::map<std::string, std::vector<GLfloat>> corners(const RecordedCall& call, GL
 } // namespace
 
 void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
-    const RecordedCall call("glDrawArrays", Enum{mode}, first, count);
-    GlContext& gl = *call.gl;
-    const GlProgram& program = gl.programs[gl.program];
-    const GLuint target = call.target();
-    GlRecorder::Draw draw = {program.label, {}, gl.textures[target], corners(call, first, count)};
-    if (gl.viewport != std::array<GLint, 4>{0, 0, draw.target.width, draw.target.height})
-        call.fail("the viewport is not the whole target");
-    std::map<size_t, GLuint> sources; // by unit
-    for (const auto& [name, values] : program.uniforms)
-        if (declares(program.source, "uniform sampler2D", name))
-            sources[size_t(values[0])] = gl.units[size_t(values[0])];
-    for (const auto& [unit, name] : sources) {
-        draw.sources.push_back(gl.textures[name]);
-        checkSource(call, draw.sources.back());
-        if (name == target)
-            call.fail("samples its own target");
-    }
+    const Call call(__func__, Enum{mode}, first, count);
+    call.expectTarget();
+    const GlRecorder::Driver& driver = call.driver;
+    const GlRecorder::Object& program = driver.find(driver.program);
+    GlRecorder::Draw draw = {program.label, {}, driver.target(), corners(driver, count)};
+    for (const GLint unit : program.samplers)
+        draw.sources.push_back(driver.find(driver.units.at(size_t(unit))));
     call.driver.draws.push_back(draw);
 }
 
 void glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels) {
-    const RecordedCall call("glReadPixels", x, y, width, height, Enum{format}, Enum{type});
-    call.target();
-    const size_t pitch = rowPitch(width, format, call.gl->pixelStore[GL_PACK_ALIGNMENT]);
-    for (size_t row = 0; row < size_t(height); ++row)
-        for (size_t i = 0; i < size_t(width * bytesPerTexel(format)); ++i)
-            static_cast<uint8_t*>(pixels)[row * pitch + i] = GlRecorder::readBackByte(row * pitch + i);
-}
-
-void glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height,
-                     GLenum format, GLenum type, const void* pixels) {
-    const RecordedCall call("glTexSubImage2D", Enum{target}, level, x, y, width, height, Enum{format},
-                            Enum{type});
-    auto& texture = call.boundTexture();
-    if (format != texture.format || x + width > texture.width || y + height > texture.height)
-        return call.fail("does not fit " + texture.label + ' ' + texture.size());
-    const size_t pitch = rowPitch(width, format, call.gl->pixelStore[GL_UNPACK_ALIGNMENT]);
-    texture.texels.clear();
-    for (int row = 0; row < height; ++row) {
-        const auto* bytes = static_cast<const uint8_t*>(pixels) + size_t(row) * pitch;
-        texture.texels.insert(texture.texels.end(), bytes, bytes + width * bytesPerTexel(format));
-    }
+    const Call call(__func__, x, y, width, height, Enum{format}, Enum{type});
+    call.expectTarget();
+    for (size_t i = 0; i < size_t(width) * size_t(height) * 4; ++i)
+        static_cast<uint8_t*>(pixels)[i] = GlRecorder::readBackByte(i);
 }
 
 void glTexImage2D(GLenum target, GLint level, GLint internalFormat, GLsizei width, GLsizei height,
                   GLint border, GLenum format, GLenum type, const void* pixels) {
-    const RecordedCall call("glTexImage2D", Enum{target}, level, Enum{GLenum(internalFormat)}, width, height,
-                            border, Enum{format}, Enum{type}, pixels ? "pixels" : "null");
-    auto& texture = call.boundTexture();
-    texture.format = format;
-    texture.width = width;
-    texture.height = height;
-}
-
-void glAttachShader(GLuint program, GLuint shader) {
-    const RecordedCall call("glAttachShader", ProgramName{program}, ShaderName{shader});
-    auto& record = call.gl->programs[program];
-    record.source += call.gl->shaders[shader].source;
-    record.label = programLabel(record.source);
-}
-
-GLuint glCreateShader(GLenum type) {
-    const RecordedCall call("glCreateShader", Enum{type});
-    return call.create(call.gl->shaders, type == GL_VERTEX_SHADER ? "vertexShader" : "fragmentShader");
+    const Call call(__func__, Enum{target}, level, Enum{GLenum(internalFormat)}, width, height, border,
+                    Enum{format}, Enum{type}, pixels ? "pixels" : "null");
+    call.driver.objects[call.driver.units[call.driver.activeUnit]].size =
+        std::to_string(width) + 'x' + std::to_string(height);
 }
 
 void glGenTextures(GLsizei count, GLuint* names) {
-    const RecordedCall call("glGenTextures", count);
+    const Call call(__func__, count);
     auto& labels = call.driver.labels;
-    const std::string next = "texture" + std::to_string(call.driver.lastName + 1);
-    names[0] = call.create(call.gl->textures, labels.empty() ? next : labels.front());
+    names[0] = call.create("texture", labels.empty() ? "texture" : labels.front());
     if (names[0] && !labels.empty())
         labels.pop_front();
 }
 
-void glDeleteTextures(GLsizei count, const GLuint* names) {
-    const RecordedCall call("glDeleteTextures", count, TextureName{names[0]});
-    call.gl->textures.erase(names[0]);
-    std::ranges::replace(call.gl->units, names[0], 0u);
-    for (auto& [name, framebuffer] : call.gl->framebuffers)
-        if (framebuffer.texture == names[0])
-            framebuffer.texture = 0;
+void glAttachShader(GLuint program, GLuint shader) {
+    const Call call(__func__, Name{program}, Name{shader});
+    auto& object = call.driver.objects[program];
+    object.source += call.driver.objects[shader].source;
+    object.label = programLabel(object.source);
 }
 
-void glDeleteFramebuffers(GLsizei count, const GLuint* names) {
-    const RecordedCall call("glDeleteFramebuffers", count, FramebufferName{names[0]});
-    call.gl->framebuffers.erase(names[0]);
-    if (call.gl->framebuffer == names[0])
-        call.gl->framebuffer = 0;
-}
-
-void glFramebufferTexture2D(GLenum target, GLenum attachment, GLenum textureTarget, GLuint texture,
-                            GLint level) {
-    const RecordedCall call("glFramebufferTexture2D", Enum{target}, Enum{attachment}, Enum{textureTarget},
-                            TextureName{texture}, level);
-    if (call.gl->framebuffer == 0)
-        return call.fail("there is no frame buffer");
-    call.gl->framebuffers[call.gl->framebuffer].texture = texture;
-}
-
-void glDisableVertexAttribArray(GLuint location) {
-    const RecordedCall call("glDisableVertexAttribArray", Attribute{location});
-    if (call.gl->enabled.erase(location) == 0)
-        call.fail("is not enabled");
-}
-
-void glVertexAttribPointer(GLuint location, GLint size, GLenum type, GLboolean normalized, GLsizei stride,
-                           const void* pointer) {
-    RecordedCall("glVertexAttribPointer", Attribute{location}, size, Enum{type}, Enum{normalized}, stride)
-        .gl->pointers[location] = {size, stride, pointer};
-}
-
-// The others, one line each where it fits.
 // clang-format off
 
-void glActiveTexture(GLenum unit) {
-    RecordedCall("glActiveTexture", Enum{unit}).gl->activeUnit = unit - GL_TEXTURE0;
-}
+void glActiveTexture(GLenum unit) { Call(__func__, Enum{unit}).driver.activeUnit = unit - GL_TEXTURE0; }
 void glBindFramebuffer(GLenum target, GLuint name) {
-    RecordedCall("glBindFramebuffer", Enum{target}, FramebufferName{name}).gl->framebuffer = name;
+    Call(__func__, Enum{target}, Name{name}).driver.framebuffer = name;
 }
 void glBindTexture(GLenum target, GLuint name) {
-    const RecordedCall call("glBindTexture", Enum{target}, TextureName{name});
-    call.gl->units[call.gl->activeUnit] = name;
+    const Call call(__func__, Enum{target}, Name{name});
+    call.driver.units.at(call.driver.activeUnit) = name;
 }
-void glClear(GLbitfield mask) { RecordedCall("glClear", Enum{mask}).target(); }
-void glCompileShader(GLuint name) { RecordedCall("glCompileShader", ShaderName{name}); }
-void glDeleteProgram(GLuint name) {
-    RecordedCall("glDeleteProgram", ProgramName{name}).gl->programs.erase(name);
+void glClear(GLbitfield mask) { Call(__func__, Enum{mask}).expectTarget(); }
+void glCompileShader(GLuint name) { Call(__func__, Name{name}); }
+GLuint glCreateProgram() { return Call(__func__).create("program", "program"); }
+GLuint glCreateShader(GLenum type) {
+    const char* label = type == GL_VERTEX_SHADER ? "vertexShader" : "fragmentShader";
+    return Call(__func__, Enum{type}).create("shader", label);
 }
-void glDeleteShader(GLuint name) { RecordedCall("glDeleteShader", ShaderName{name}).gl->shaders.erase(name); }
-void glDisable(GLenum capability) { RecordedCall("glDisable", Enum{capability}); }
+void glDeleteFramebuffers(GLsizei count, const GLuint* names) {
+    Call(__func__, count, Name{*names}).destroy(*names);
+}
+void glDeleteProgram(GLuint name) { Call(__func__, Name{name}).destroy(name); }
+void glDeleteShader(GLuint name) { Call(__func__, Name{name}).destroy(name); }
+void glDeleteTextures(GLsizei count, const GLuint* names) {
+    Call(__func__, count, Name{*names}).destroy(*names);
+}
+void glDisable(GLenum capability) { Call(__func__, Enum{capability}); }
+void glDisableVertexAttribArray(GLuint location) {
+    Call(__func__, Variable{GLint(location)}).driver.enabled.erase(location);
+}
 void glEnableVertexAttribArray(GLuint location) {
-    RecordedCall("glEnableVertexAttribArray", Attribute{location}).gl->enabled.insert(location);
+    Call(__func__, Variable{GLint(location)}).driver.enabled.insert(location);
 }
-void glLinkProgram(GLuint name) { RecordedCall("glLinkProgram", ProgramName{name}); }
-void glPixelStorei(GLenum name, GLint value) {
-    RecordedCall("glPixelStorei", Enum{name}, value).gl->pixelStore[name] = value;
-}
-void glShaderSource(GLuint name, GLsizei count, const GLchar* const* sources, const GLint* lengths) {
-    RecordedCall("glShaderSource", ShaderName{name}, count, lengths ? "lengths" : "null")
-        .gl->shaders[name].source = sources[0];
-}
-void glTexParameteri(GLenum target, GLenum name, GLint value) {
-    const RecordedCall call("glTexParameteri", Enum{target}, Enum{name}, Enum{GLenum(value)});
-    call.boundTexture().parameters[name] = value;
-}
-void glUseProgram(GLuint name) { RecordedCall("glUseProgram", ProgramName{name}).gl->program = name; }
-void glViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
-    RecordedCall("glViewport", x, y, width, height).gl->viewport = {x, y, width, height};
-}
-
-GLuint glCreateProgram() {
-    const RecordedCall call("glCreateProgram");
-    return call.create(call.gl->programs, "program");
+void glFramebufferTexture2D(GLenum target, GLenum attachment, GLenum textureTarget, GLuint texture,
+                            GLint level) {
+    const Call call(__func__, Enum{target}, Enum{attachment}, Enum{textureTarget}, Name{texture}, level);
+    call.driver.objects[call.driver.framebuffer].target = texture;
 }
 void glGenFramebuffers(GLsizei count, GLuint* names) {
-    const RecordedCall call("glGenFramebuffers", count);
-    names[0] = call.create(call.gl->framebuffers, "framebuffer");
+    names[0] = Call(__func__, count).create("framebuffer", "framebuffer");
 }
 GLint glGetAttribLocation(GLuint program, const GLchar* name) {
-    return lookUp(RecordedCall("glGetAttribLocation", ProgramName{program}, name), program, name, false);
+    return Call(__func__, Name{program}, name).addLocation(program, name);
+}
+GLenum glGetError() { return GLenum(std::exchange(Call(__func__).driver.glError, GL_NO_ERROR)); }
+void glGetIntegerv(GLenum name, GLint* value) {
+    const Call call(__func__, Enum{name});
+    *value = name == GL_MAX_TEXTURE_SIZE ? call.recorder.maxTextureSize : GLint(call.driver.framebuffer);
+}
+void glGetProgramInfoLog(GLuint name, GLsizei size, GLsizei*, GLchar* text) {
+    std::snprintf(text, size_t(size), "%s", Call(__func__, Name{name}, size).recorder.infoLog.c_str());
+}
+void glGetShaderInfoLog(GLuint name, GLsizei size, GLsizei*, GLchar* text) {
+    std::snprintf(text, size_t(size), "%s", Call(__func__, Name{name}, size).recorder.infoLog.c_str());
 }
 GLint glGetUniformLocation(GLuint program, const GLchar* name) {
-    return lookUp(RecordedCall("glGetUniformLocation", ProgramName{program}, name), program, name, true);
+    return Call(__func__, Name{program}, name).addLocation(program, name);
 }
-GLenum glGetError() { return std::exchange(RecordedCall("glGetError").gl->error, GLenum(GL_NO_ERROR)); }
-void glGetIntegerv(GLenum name, GLint* value) {
-    const RecordedCall call("glGetIntegerv", Enum{name});
-    *value = name == GL_MAX_TEXTURE_SIZE ? call.recorder.maxTextureSize : GLint(call.gl->framebuffer);
+void glLinkProgram(GLuint name) { Call(__func__, Name{name}); }
+void glPixelStorei(GLenum name, GLint value) { Call(__func__, Enum{name}, value); }
+void glShaderSource(GLuint name, GLsizei count, const GLchar* const* sources, const GLint* lengths) {
+    Call(__func__, Name{name}, count, lengths ? "lengths" : "null").driver.objects[name].source = sources[0];
 }
-void glGetProgramInfoLog(GLuint name, GLsizei size, GLsizei* /*length*/, GLchar* text) {
-    const RecordedCall call("glGetProgramInfoLog", ProgramName{name}, size);
-    std::snprintf(text, size_t(size), "%s", call.recorder.infoLog.c_str());
+void glTexParameteri(GLenum target, GLenum name, GLint value) {
+    Call(__func__, Enum{target}, Enum{name}, Enum{GLenum(value)});
 }
-void glGetShaderInfoLog(GLuint name, GLsizei size, GLsizei* /*length*/, GLchar* text) {
-    const RecordedCall call("glGetShaderInfoLog", ShaderName{name}, size);
-    std::snprintf(text, size_t(size), "%s", call.recorder.infoLog.c_str());
+void glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height,
+                     GLenum format, GLenum type, const void*) {
+    Call(__func__, Enum{target}, level, x, y, width, height, Enum{format}, Enum{type});
 }
-
 void glUniform1f(GLint location, GLfloat value) {
-    RecordedCall("glUniform1f", Uniform{GLuint(location)}, value).setUniform(location, &value, 1);
-}
-void glUniform1i(GLint location, GLint value) {
-    const auto number = GLfloat(value);
-    RecordedCall("glUniform1i", Uniform{GLuint(location)}, value).setUniform(location, &number, 1);
+    Call(__func__, Variable{location}, value).setUniform(location, &value, 1);
 }
 void glUniform1fv(GLint location, GLsizei count, const GLfloat* values) {
-    RecordedCall("glUniform1fv", Uniform{GLuint(location)}, count).setUniform(location, values, count);
+    Call(__func__, Variable{location}, count).setUniform(location, values, count);
+}
+void glUniform1i(GLint location, GLint value) {
+    const Call call(__func__, Variable{location}, value);
+    call.driver.objects[call.driver.program].samplers.insert(value);
 }
 void glUniform2fv(GLint location, GLsizei count, const GLfloat* values) {
-    RecordedCall("glUniform2fv", Uniform{GLuint(location)}, count).setUniform(location, values, 2 * count);
+    Call(__func__, Variable{location}, count).setUniform(location, values, 2 * count);
 }
 void glUniform3fv(GLint location, GLsizei count, const GLfloat* values) {
-    RecordedCall("glUniform3fv", Uniform{GLuint(location)}, count).setUniform(location, values, 3 * count);
+    Call(__func__, Variable{location}, count).setUniform(location, values, 3 * count);
 }
 void glUniform4fv(GLint location, GLsizei count, const GLfloat* values) {
-    RecordedCall("glUniform4fv", Uniform{GLuint(location)}, count).setUniform(location, values, 4 * count);
+    Call(__func__, Variable{location}, count).setUniform(location, values, 4 * count);
 }
 void glUniformMatrix3fv(GLint location, GLsizei count, GLboolean transpose, const GLfloat* values) {
-    RecordedCall("glUniformMatrix3fv", Uniform{GLuint(location)}, count, Enum{transpose})
-        .setUniform(location, values, 9 * count);
+    Call(__func__, Variable{location}, count, Enum{transpose}).setUniform(location, values, 9 * count);
 }
+void glUseProgram(GLuint name) { Call(__func__, Name{name}).driver.program = name; }
+void glVertexAttribPointer(GLuint location, GLint size, GLenum type, GLboolean normalized, GLsizei stride,
+                           const void* data) {
+    Call(__func__, Variable{GLint(location)}, size, Enum{type}, Enum{normalized}, stride)
+        .driver.pointers[location] = {size, stride, data};
+}
+void glViewport(GLint x, GLint y, GLsizei width, GLsizei height) { Call(__func__, x, y, width, height); }
