@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -20,14 +21,15 @@ struct LutFile {
     /// Colours without order.
     LutFile& fillWithNoise();
 
-    /// `color(r, g, b)` gives the colour of each entry of a three-dimensional table as three levels.
-    template <class Color>
-    LutFile& fill(Color color) {
+    /// Each entry of a three-dimensional table has `level(index)` for the index of each channel.
+    template <class Level>
+    LutFile& fill(Level level) {
+        colors.clear();
         for (size_t r = 0; r < levels.size(); ++r)
             for (size_t g = 0; g < levels.size(); ++g)
                 for (size_t b = 0; b < levels.size(); ++b)
-                    for (auto level : color(r, g, b))
-                        colors.push_back(uint8_t(level));
+                    for (size_t index : {r, g, b})
+                        colors.push_back(uint8_t(std::lround(double(level(index)))));
         return *this;
     }
 
