@@ -269,6 +269,14 @@ public:
     CZeString simplified() const& { return simplified_helper(*this); }
     CZeString simplified() && { return simplified_helper(std::move(*this)); }
 
+    /// Each code point by its simple case mapping in Unicode (core/tools/case_table.cpp names the version),
+    /// so that the size stays. What has no counterpart, and a surrogate without its other half, stays as it
+    /// is.
+    CZeString toLower() const& { return toLower_helper(*this); }
+    CZeString toLower() && { return toLower_helper(std::move(*this)); }
+    CZeString toUpper() const& { return toUpper_helper(*this); }
+    CZeString toUpper() && { return toUpper_helper(std::move(*this)); }
+
     // Numbers in: all of the text must be a number as strtoll, strtoull and strtod in the "C" locale read it,
     // white space (CZeChar::isSpace) at both ends aside; base 0 looks at the prefix "0" or "0x". Otherwise,
     // and when the number does not fit the type, `ok` (unless null) becomes false and the result is 0. A
@@ -353,6 +361,10 @@ public:
     static CZeString trimmed_helper(CZeString&& text);
     static CZeString simplified_helper(const CZeString& text);
     static CZeString simplified_helper(CZeString&& text);
+    static CZeString toLower_helper(const CZeString& text);
+    static CZeString toLower_helper(CZeString&& text);
+    static CZeString toUpper_helper(const CZeString& text);
+    static CZeString toUpper_helper(CZeString&& text);
     CZeString& replace_helper(const CZeChar* before, int beforeSize, const CZeChar* after, int afterSize,
                               Ze::CaseSensitivity cs);
     /// Returns whether the text is a number, which `value` then is, else 0.

@@ -1,0 +1,58 @@
+// Case mappings and conversions of strings, against ICU.
+
+#include "tests/core/text.h"
+
+#include <gmock/gmock.h>
+
+#include <unicode/uchar.h>
+
+namespace {
+
+char32_t only(const CZeList<char32_t>& codePoints) {
+    return codePoints.size() == 1 ? codePoints.at(0) : char32_t(-1);
+}
+
+TEST(StringCase, MapsEveryCodePointAsIcuDoes) {
+    UVersionInfo age;
+    for (char32_t codePoint = 0; codePoint <= 0x10FFFF; ++codePoint) {
+        u_charAge(UChar32(codePoint), age);
+        // Versions may know letters that others lack; 15 is that of the table.
+        if ((codePoint >= 0xD800 && codePoint <= 0xDFFF) || age[0] == 0 || age[0] > 15)
+            continue;
+        const CZeString s = CZeString::fromUcs4(&codePoint, 1);
+        ASSERT_EQ(only(s.toLower().toUcs4()), char32_t(u_tolower(UChar32(codePoint)))) << uint32_t{codePoint};
+        ASSERT_EQ(only(s.toUpper().toUcs4()), char32_t(u_toupper(UChar32(codePoint)))) << uint32_t{codePoint};
+    }
+}
+
+TEST(StringCase, MapsTextsAndReusesBlocks) {
+    const struct {
+        std::u16string text, lower, upper;
+    } rows[] = {
+        {u"@AZ[`az{ \u00C4\u00DF\u00FF", u"@az[`az{ \u00E4\u00DF\u00FF", u"@AZ[`AZ{ \u00C4\u00DF\u0178"},
+        {u"x\U00010400\U00010428y", u"x\U00010428\U00010428y", u"X\U00010400\U00010400Y"},
+        {{0xD801, 'A', 0xDC00, 0xD801}, {0xD801, 'a', 0xDC00, 0xD801}, {0xD801, 'A', 0xDC00, 0xD801}},
+        {u"\u0130\u01C5", u"i\u01C6", u"\u0130\u01C4"}, // no case of its own beside the title one
+    };
+    const auto make = [](const std::u16string& units) {
+        return CZeString::fromUtf16(units.data(), int(units.size()));
+    };
+    for (const auto& row : rows) {
+        const CZeString s = make(row.text);
+        for (const bool isLower : {true, false}) {
+            const CZeString expected = make(isLower ? row.lower : row.upper);
+            const CZeString mapped = isLower ? s.toLower() : s.toUpper();
+            CZeString own(s.unicode(), s.size());
+            const void* const block = own.constData();
+            const CZeString moved = isLower ? std::move(own).toLower() : std::move(own).toUpper();
+            EXPECT_EQ(mapped, expected);
+            EXPECT_EQ(moved, expected);
+            EXPECT_EQ(moved.constData(), block);
+            EXPECT_EQ(mapped.constData() == s.constData(), expected == s);
+            EXPECT_EQ(s, make(row.text));
+        }
+    }
+    EXPECT_TRUE(CZeString().toLower().isNull());
+}
+
+} // namespace
