@@ -1,0 +1,114 @@
+// Text codecs by name and number, and UTF-8 against ICU, also in pieces.
+
+#include "core/codecs/text_codec.h"
+#include "tests/core/text.h"
+#include "tests/support/log_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+
+#include <unicode/ustring.h>
+
+namespace {
+
+TEST(TextCodec, IsFoundByName) {
+    const struct {
+        const char* name;
+        int mib;
+    } rows[] = {
+        {"utf-8", 106},   {"UTF-8", 106},    {"utf8", 0},   {"utf-8 ", 0},     {"ISO-8859-1", 4},
+        {"iso8859-1", 4}, {"CP819", 4},      {"ibm819", 4}, {"ISO-IR-100", 4}, {"csISOLatin1", 4},
+        {"latin1", 0},    {"iso-8859-2", 0}, {"", 0},       {nullptr, 0},      {"\xD5TF-8", 0},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(CZeTextCodec::mibForName(row.name), row.mib) << row.name;
+        EXPECT_EQ(CZeTextCodec(row.name).isValid(), row.mib != 0);
+    }
+}
+
+TEST(TextCodec, ConvertsBothWaysOrWarns) {
+    LogCapture log;
+    const CZeString e = text(u"\u00E9\u20AC");
+    EXPECT_EQ(CZeTextCodec::decode(4, "\xE9"), CZeString(CZeChar(0xE9)));
+    EXPECT_EQ(CZeTextCodec("utf-8").toUnicode("\xEF\xBB\xBF\xC3\xA9\xE2\x82\xAC"), e);
+    EXPECT_EQ(bytes(CZeTextCodec("utf-8").fromUnicode(e)), "\xC3\xA9\xE2\x82\xAC");
+    EXPECT_EQ(bytes(CZeTextCodec("cp819").fromUnicode(e)), "\xE9?");
+    EXPECT_EQ(CZeTextCodec::decode(106, "ab\xC3", 2), text(u"ab"));
+    EXPECT_TRUE(CZeTextCodec::decode(106, nullptr).isNull() && !CZeTextCodec::decode(106, "").isNull());
+    EXPECT_TRUE(CZeTextCodec("cp819").toUnicode(CZeByteArray()).isNull());
+    EXPECT_TRUE(log.texts().empty());
+    EXPECT_TRUE(CZeTextCodec::decode(3, "x", 1).isNull());
+    EXPECT_TRUE(CZeTextCodec("latin1").fromUnicode(e).isNull());
+    EXPECT_THAT(log.texts(), testing::ElementsAre("Unsupported mib!", "Unsupported mib!"));
+    EXPECT_EQ(log.entries().at(0).priority, 5);
+}
+
+std::u16string decodedByIcu(const std::string& bytes) {
+    const bool hasMark = bytes.starts_with("\xEF\xBB\xBF"); // which the library drops
+    std::u16string units(bytes.size() + 1, u'\0');
+    int32_t size = 0;
+    UErrorCode error = U_ZERO_ERROR;
+    u_strFromUTF8WithSub(units.data(), int32_t(units.size()), &size, bytes.data() + 3 * hasMark,
+                         int32_t(bytes.size()) - 3 * hasMark, 0xFFFD, nullptr, &error);
+    EXPECT_TRUE(U_SUCCESS(error));
+    return units.substr(0, size_t(size));
+}
+
+std::string encodedByIcu(const std::u16string& units) {
+    std::string bytes(units.size() * 3 + 1, '\0');
+    int32_t size = 0;
+    UErrorCode error = U_ZERO_ERROR;
+    u_strToUTF8WithSub(bytes.data(), int32_t(bytes.size()), &size, units.data(), int32_t(units.size()), '?',
+                       nullptr, &error);
+    EXPECT_TRUE(U_SUCCESS(error));
+    return bytes.substr(0, size_t(size));
+}
+
+TEST(TextCodec, AgreesWithIcuAlsoInPieces) {
+    const std::string runs[] = {"a",
+                                "plain text of more than thirty-two bytes, ",
+                                "\xC3\xA9",
+                                "\xD0\x96",
+                                "\xE2\x82\xAC",
+                                "\xE4\xB8\xAD",
+                                "\xF0\x9F\x98\x80",
+                                "\xEF\xBB\xBF",
+                                "\xED\xA0\x80",
+                                "\xC0",
+                                "\xE0\x9F",
+                                "\xF4\x90",
+                                "\xF0\x9F\x98",
+                                "\x80",
+                                "\xFF"};
+    const std::u16string more[] = {u"", u"", u"", u"\xD800", u"\xDC00", std::u16string(1, u'\0')};
+    std::minstd_rand random(1);
+    const auto below = [&random](size_t limit) { return random() % limit; };
+    for (int round = 0; round < 20000; ++round) {
+        std::string input;
+        std::u16string units;
+        const size_t valid = below(2) ? std::size(runs) : 7; // well-formed only, or anything
+        for (size_t i = below(24); i > 0; --i) {
+            input += runs[below(valid)];
+            units += decodedByIcu(runs[below(7)]) + more[below(std::size(more))];
+        }
+        const CZeString whole = CZeTextCodec::decode(106, input.data(), int(input.size()));
+        const std::u16string expected = decodedByIcu(input);
+        ASSERT_EQ(whole, CZeString::fromUtf16(expected.data(), int(expected.size()))) << round;
+
+        CZeTextCodec::State state;
+        CZeString joined;
+        for (size_t start = 0; start < input.size();) {
+            const size_t size = std::min(below(40), input.size() - start);
+            const std::vector<char> piece(input.data() + start, input.data() + start + size);
+            joined.append(CZeTextCodec::decode(106, piece.data(), int(size), &state));
+            start += size;
+        }
+        ASSERT_EQ(joined.append(CZeTextCodec::finish(state)), whole) << round;
+
+        const CZeString string = CZeString::fromUtf16(units.data(), int(units.size()));
+        ASSERT_EQ(bytes(string.toUtf8()), encodedByIcu(units)) << round;
+    }
+}
+
+} // namespace
