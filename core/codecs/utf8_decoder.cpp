@@ -1,24 +1,64 @@
 #include "core/codecs/utf8_decoder.h"
 
-#include "core/tools/latin1.h"
+#include "core/codecs/ascii_step.h"
 
-#include <cstring>
 #include <utility>
 
 namespace {
 
-/// How many bytes from `bytes` on are ASCII, counted in steps of eight and then singly.
-int countAscii(const char* bytes, const char* end) {
-    const char* const start = bytes;
-    constexpr uint64_t kHighBits = 0x8080808080808080U;
-    for (uint64_t step; end - bytes >= 8; bytes += 8) {
-        std::memcpy(&step, bytes, sizeof step);
-        if (step & kHighBits)
-            break;
+constexpr bool isTail(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+constexpr char32_t tailBits(char byte) {
+    return static_cast<unsigned char>(byte) & 0x3F;
+}
+
+/// Decodes whole well-formed sequences up to something else or to the last bytes, fewer than a sequence may
+/// take.
+void decodeWellFormed(const char*& bytes, const char* end, CZeChar*& units) {
+    int run = ze::kRunBeforeStep;
+    while (end - bytes >= 4) {
+        const char32_t lead = static_cast<unsigned char>(bytes[0]);
+        if (lead < 0x80) {
+            *units++ = CZeChar(char16_t(lead));
+            ++bytes;
+            if (++run <= ze::kRunBeforeStep)
+                continue;
+            // No byte gives more than one unit, so that there is room for whole steps.
+            for (; end - bytes >= ze::kAsciiStep; bytes += ze::kAsciiStep, units += ze::kAsciiStep) {
+                if (const ze::NonAscii mask = ze::widenAsciiStep(bytes, units)) {
+                    bytes += ze::asciiBefore(mask);
+                    units += ze::asciiBefore(mask);
+                    run = 0;
+                    break;
+                }
+            }
+            continue;
+        }
+        run = 0;
+        if (lead < 0xE0) {
+            if (lead < 0xC2 || !isTail(bytes[1]))
+                return;
+            *units++ = CZeChar(char16_t((lead & 0x1F) << 6 | tailBits(bytes[1])));
+            bytes += 2;
+        } else if (lead < 0xF0) {
+            const char32_t unit = (lead & 0xF) << 12 | tailBits(bytes[1]) << 6 | tailBits(bytes[2]);
+            if (!isTail(bytes[1]) || !isTail(bytes[2]) || unit < 0x800 || (unit >= 0xD800 && unit <= 0xDFFF))
+                return;
+            *units++ = CZeChar(char16_t(unit));
+            bytes += 3;
+        } else {
+            const char32_t codePoint =
+                (lead & 0xF) << 18 | tailBits(bytes[1]) << 12 | tailBits(bytes[2]) << 6 | tailBits(bytes[3]);
+            if (!isTail(bytes[1]) || !isTail(bytes[2]) || !isTail(bytes[3]) || codePoint < 0x10000 ||
+                codePoint > 0x10FFFF)
+                return;
+            *units++ = CZeChar::highSurrogate(codePoint);
+            *units++ = CZeChar::lowSurrogate(codePoint);
+            bytes += 4;
+        }
     }
-    while (bytes != end && static_cast<unsigned char>(*bytes) < 0x80)
-        ++bytes;
-    return int(bytes - start);
 }
 
 } // namespace
@@ -27,17 +67,16 @@ int ze::Utf8Decoder::decode(const char* bytes, int size, CZeChar* units) {
     CZeChar* const start = units;
     const char* const end = bytes + size;
     while (bytes != end) {
+        if (m_missing == 0 && !m_atStart) {
+            decodeWellFormed(bytes, end, units);
+            if (bytes == end)
+                break;
+        }
+        // What is malformed, cut off, or may be a byte-order mark goes byte by byte.
         const auto byte = static_cast<unsigned char>(*bytes);
         if (m_missing == 0) {
-            if (const int ascii = countAscii(bytes, end)) {
-                widenLatin1(bytes, ascii, units);
-                bytes += ascii;
-                units += ascii;
-                m_atStart = false;
-            } else {
-                units = startSequence(byte, units);
-                ++bytes;
-            }
+            units = byte < 0x80 ? put(byte, units) : startSequence(byte, units);
+            ++bytes;
         } else if (byte < m_lowest || byte > m_highest) {
             m_missing = 0; // the byte starts anew
             units = put(CZeChar::Replacement, units);

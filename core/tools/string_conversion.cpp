@@ -1,6 +1,7 @@
 // Strings from and to other encodings. The numbers are in string_numbers.cpp.
 
 #include "core/codecs/utf8_decoder.h"
+#include "core/codecs/utf8_encoder.h"
 #include "core/tools/latin1.h"
 #include "core/tools/ze_string.h"
 #include "core/tools/zero_terminated.h"
@@ -25,38 +26,6 @@ void forEachCodePoint(const CZeString& text, Take take) {
 
 constexpr bool isSurrogate(char32_t codePoint) {
     return (codePoint & ~char32_t{0x7FF}) == 0xD800;
-}
-
-/// The bytes that UTF-8 takes; an unpaired surrogate takes the one of its '?'.
-constexpr int utf8Length(char32_t codePoint) {
-    if (codePoint < 0x80 || isSurrogate(codePoint))
-        return 1;
-    return codePoint < 0x800 ? 2 : codePoint < 0x10000 ? 3 : 4;
-}
-
-char* putUtf8(char32_t codePoint, char* out) {
-    const auto tail = [codePoint](int shift) { return char(0x80 | (codePoint >> shift & 0x3F)); };
-    switch (utf8Length(codePoint)) {
-    case 1:
-        *out++ = isSurrogate(codePoint) ? '?' : char(codePoint);
-        break;
-    case 2:
-        *out++ = char(0xC0 | codePoint >> 6);
-        *out++ = tail(0);
-        break;
-    case 3:
-        *out++ = char(0xE0 | codePoint >> 12);
-        *out++ = tail(6);
-        *out++ = tail(0);
-        break;
-    default:
-        *out++ = char(0xF0 | codePoint >> 18);
-        *out++ = tail(12);
-        *out++ = tail(6);
-        *out++ = tail(0);
-        break;
-    }
-    return out;
 }
 
 /// What a string without units converts to.
@@ -162,15 +131,28 @@ CZeByteArray CZeString::toLatin1_helper_inplace(CZeString& text) {
 CZeByteArray CZeString::toUtf8_helper(const CZeString& text) {
     if (text.isEmpty())
         return emptyBytesOf(text);
-    int64_t length = 0;
-    forEachCodePoint(text, [&length](char32_t codePoint) { length += utf8Length(codePoint); });
-    if (length > INT32_MAX)
+    const CZeChar* const units = text.unicode();
+    const int size = text.size();
+    CZeByteArray ascii(size, Ze::Uninitialized);
+    const int done = ascii.isNull() ? 0 : ze::encodeAscii(units, size, ascii.m_array.units());
+    if (done == size || ascii.isNull())
+        return ascii;
+
+    // At the first unit that takes more, the rest gets the room that it can need at most.
+    const int rest = size - done;
+    int64_t room = done + int64_t{rest} * 3;
+    if (room >= INT32_MAX)
+        room = done + ze::utf8Length(units + done, rest);
+    if (room > INT32_MAX)
         return {};
-    CZeByteArray result(int(length), Ze::Uninitialized);
-    if (result.size() != length)
+    CZeByteArray result(int(room), Ze::Uninitialized);
+    if (result.isNull())
         return {};
-    char* out = result.m_array.units();
-    forEachCodePoint(text, [&out](char32_t codePoint) { out = putUtf8(codePoint, out); });
+    char* const bytes = result.m_array.units();
+    std::memcpy(bytes, ascii.constData(), size_t(done));
+    const auto written = ze::encodeUtf8(units + done, rest, bytes + done) - bytes;
+    result.m_array.setSize(int(written));
+    result.m_array.reallocData(uint32_t(written) + 1, 0); // gives back the rest; all is well if it cannot
     return result;
 }
 

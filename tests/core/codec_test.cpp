@@ -1,6 +1,7 @@
 // Text codecs by name and number, and UTF-8 against ICU, also in pieces.
 
 #include "core/codecs/text_codec.h"
+#include "core/codecs/utf8_encoder.h"
 #include "tests/core/text.h"
 #include "tests/support/log_capture.h"
 
@@ -108,6 +109,7 @@ TEST(TextCodec, AgreesWithIcuAlsoInPieces) {
 
         const CZeString string = CZeString::fromUtf16(units.data(), int(units.size()));
         ASSERT_EQ(bytes(string.toUtf8()), encodedByIcu(units)) << round;
+        ASSERT_EQ(ze::utf8Length(string.unicode(), string.size()), string.toUtf8().size());
     }
 }
 
