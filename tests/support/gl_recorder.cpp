@@ -61,11 +61,6 @@ std::string GlRecorder::calls(std::initializer_list<std::string_view> functions)
     return lines;
 }
 
-std::string GlRecorder::callsFrom(const std::string& first) const {
-    const std::string all = calls();
-    return all.substr(std::min(all.find(first), all.size()));
-}
-
 int GlRecorder::glCallCount() const {
     return int(std::ranges::count_if(driver.calls, isCounted));
 }
@@ -192,11 +187,6 @@ GLuint RecordedCall::create(const std::string& kind, const std::string& label) c
 void RecordedCall::destroy(GLuint name) const {
     driver.objects.erase(name);
     std::ranges::replace(driver.units, name, 0u);
-}
-
-GLint RecordedCall::addLocation(GLuint program, const char* name) const {
-    driver.locations.push_back({program, name});
-    return GLint(driver.locations.size()) - 1;
 }
 
 void RecordedCall::setUniform(GLint location, const GLfloat* values, int count) const {

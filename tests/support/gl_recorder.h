@@ -73,8 +73,6 @@ public:
     /// Recorded calls, one a line; all of them or those of `functions`. Locations are printed by name,
     /// programs as "yuvToRgb", "rgbToYuv", "blur", "mix", "lutRatio" and "lutMapped", after their uniforms.
     std::string calls(std::initializer_list<std::string_view> functions = {}) const;
-    /// From the first call that is written so on.
-    std::string callsFrom(const std::string& first) const;
     int glCallCount() const; ///< calls that `raise` counts for ""
     const std::vector<Draw>& draws() const { return driver.draws; }
     std::vector<std::string> drawTexts(std::string (Draw::*form)() const = &Draw::text) const;

@@ -14,7 +14,7 @@ struct Name {
     GLuint value;
 };
 struct Variable {
-    GLint location;
+    int64_t location; ///< GLint or GLuint
 };
 
 /// Alive while the call lasts. EGL handles are printed by label, attribute lists as "EGL_WIDTH=1
@@ -34,7 +34,6 @@ public:
     /// A name for a new object, or 0 when the call is refused.
     GLuint create(const std::string& kind, const std::string& label) const;
     void destroy(GLuint name) const;
-    GLint addLocation(GLuint program, const char* name) const;
     void setUniform(GLint location, const GLfloat* values, int count) const;
     /// Fails the test where nothing is attached to be drawn to.
     void expectTarget() const;

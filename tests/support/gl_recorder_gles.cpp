@@ -35,6 +35,20 @@ GlRecorder::Values corners(const GlRecorder::Driver& driver, int count) {
     return attributes;
 }
 
+GLint locate(const char* function, GLuint program, const char* name) {
+    auto& locations = Call(function, Name{program}, name).driver.locations;
+    locations.push_back({program, name});
+    return GLint(locations.size()) - 1;
+}
+
+void setUniform(const char* function, GLint location, int count, const GLfloat* values, int size) {
+    Call(function, Variable{location}, count).setUniform(location, values, size * count);
+}
+
+void copyLog(const char* function, GLuint name, GLsizei size, char* text) {
+    std::snprintf(text, size_t(size), "%s", Call(function, Name{name}, size).recorder.infoLog.c_str());
+}
+
 } // namespace
 
 void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
@@ -95,46 +109,32 @@ GLuint glCreateShader(GLenum type) {
     const char* label = type == GL_VERTEX_SHADER ? "vertexShader" : "fragmentShader";
     return Call(__func__, Enum{type}).create("shader", label);
 }
-void glDeleteFramebuffers(GLsizei count, const GLuint* names) {
-    Call(__func__, count, Name{*names}).destroy(*names);
+void glDeleteFramebuffers(GLsizei n, const GLuint* names) {
+    Call(__func__, n, Name{*names}).destroy(*names);
 }
 void glDeleteProgram(GLuint name) { Call(__func__, Name{name}).destroy(name); }
 void glDeleteShader(GLuint name) { Call(__func__, Name{name}).destroy(name); }
-void glDeleteTextures(GLsizei count, const GLuint* names) {
-    Call(__func__, count, Name{*names}).destroy(*names);
-}
+void glDeleteTextures(GLsizei n, const GLuint* names) { Call(__func__, n, Name{*names}).destroy(*names); }
 void glDisable(GLenum capability) { Call(__func__, Enum{capability}); }
-void glDisableVertexAttribArray(GLuint location) {
-    Call(__func__, Variable{GLint(location)}).driver.enabled.erase(location);
-}
-void glEnableVertexAttribArray(GLuint location) {
-    Call(__func__, Variable{GLint(location)}).driver.enabled.insert(location);
-}
+void glDisableVertexAttribArray(GLuint at) { Call(__func__, Variable{at}).driver.enabled.erase(at); }
+void glEnableVertexAttribArray(GLuint at) { Call(__func__, Variable{at}).driver.enabled.insert(at); }
 void glFramebufferTexture2D(GLenum target, GLenum attachment, GLenum textureTarget, GLuint texture,
                             GLint level) {
     const Call call(__func__, Enum{target}, Enum{attachment}, Enum{textureTarget}, Name{texture}, level);
     call.driver.objects[call.driver.framebuffer].target = texture;
 }
-void glGenFramebuffers(GLsizei count, GLuint* names) {
-    names[0] = Call(__func__, count).create("framebuffer", "framebuffer");
+void glGenFramebuffers(GLsizei n, GLuint* names) {
+    names[0] = Call(__func__, n).create("framebuffer", "framebuffer");
 }
-GLint glGetAttribLocation(GLuint program, const GLchar* name) {
-    return Call(__func__, Name{program}, name).addLocation(program, name);
-}
+GLint glGetAttribLocation(GLuint program, const GLchar* name) { return locate(__func__, program, name); }
 GLenum glGetError() { return GLenum(std::exchange(Call(__func__).driver.glError, GL_NO_ERROR)); }
 void glGetIntegerv(GLenum name, GLint* value) {
     const Call call(__func__, Enum{name});
     *value = name == GL_MAX_TEXTURE_SIZE ? call.recorder.maxTextureSize : GLint(call.driver.framebuffer);
 }
-void glGetProgramInfoLog(GLuint name, GLsizei size, GLsizei*, GLchar* text) {
-    std::snprintf(text, size_t(size), "%s", Call(__func__, Name{name}, size).recorder.infoLog.c_str());
-}
-void glGetShaderInfoLog(GLuint name, GLsizei size, GLsizei*, GLchar* text) {
-    std::snprintf(text, size_t(size), "%s", Call(__func__, Name{name}, size).recorder.infoLog.c_str());
-}
-GLint glGetUniformLocation(GLuint program, const GLchar* name) {
-    return Call(__func__, Name{program}, name).addLocation(program, name);
-}
+void glGetProgramInfoLog(GLuint name, GLsizei n, GLsizei*, GLchar* text) { copyLog(__func__, name, n, text); }
+void glGetShaderInfoLog(GLuint name, GLsizei n, GLsizei*, GLchar* text) { copyLog(__func__, name, n, text); }
+GLint glGetUniformLocation(GLuint program, const GLchar* name) { return locate(__func__, program, name); }
 void glLinkProgram(GLuint name) { Call(__func__, Name{name}); }
 void glPixelStorei(GLenum name, GLint value) { Call(__func__, Enum{name}, value); }
 void glShaderSource(GLuint name, GLsizei count, const GLchar* const* sources, const GLint* lengths) {
@@ -147,32 +147,22 @@ void glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width
                      GLenum format, GLenum type, const void*) {
     Call(__func__, Enum{target}, level, x, y, width, height, Enum{format}, Enum{type});
 }
-void glUniform1f(GLint location, GLfloat value) {
-    Call(__func__, Variable{location}, value).setUniform(location, &value, 1);
-}
-void glUniform1fv(GLint location, GLsizei count, const GLfloat* values) {
-    Call(__func__, Variable{location}, count).setUniform(location, values, count);
-}
-void glUniform1i(GLint location, GLint value) {
-    const Call call(__func__, Variable{location}, value);
+void glUniform1f(GLint at, GLfloat value) { Call(__func__, Variable{at}, value).setUniform(at, &value, 1); }
+void glUniform1fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 1); }
+void glUniform1i(GLint at, GLint value) {
+    const Call call(__func__, Variable{at}, value);
     call.driver.objects[call.driver.program].samplers.insert(value);
 }
-void glUniform2fv(GLint location, GLsizei count, const GLfloat* values) {
-    Call(__func__, Variable{location}, count).setUniform(location, values, 2 * count);
-}
-void glUniform3fv(GLint location, GLsizei count, const GLfloat* values) {
-    Call(__func__, Variable{location}, count).setUniform(location, values, 3 * count);
-}
-void glUniform4fv(GLint location, GLsizei count, const GLfloat* values) {
-    Call(__func__, Variable{location}, count).setUniform(location, values, 4 * count);
-}
-void glUniformMatrix3fv(GLint location, GLsizei count, GLboolean transpose, const GLfloat* values) {
-    Call(__func__, Variable{location}, count, Enum{transpose}).setUniform(location, values, 9 * count);
+void glUniform2fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 2); }
+void glUniform3fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 3); }
+void glUniform4fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 4); }
+void glUniformMatrix3fv(GLint at, GLsizei count, GLboolean transpose, const GLfloat* values) {
+    Call(__func__, Variable{at}, count, Enum{transpose}).setUniform(at, values, 9 * count);
 }
 void glUseProgram(GLuint name) { Call(__func__, Name{name}).driver.program = name; }
-void glVertexAttribPointer(GLuint location, GLint size, GLenum type, GLboolean normalized, GLsizei stride,
+void glVertexAttribPointer(GLuint at, GLint size, GLenum type, GLboolean normalized, GLsizei stride,
                            const void* data) {
-    Call(__func__, Variable{GLint(location)}, size, Enum{type}, Enum{normalized}, stride)
-        .driver.pointers[location] = {size, stride, data};
+    Call(__func__, Variable{at}, size, Enum{type}, Enum{normalized}, stride)
+        .driver.pointers[at] = {size, stride, data};
 }
 void glViewport(GLint x, GLint y, GLsizei width, GLsizei height) { Call(__func__, x, y, width, height); }
