@@ -52,30 +52,27 @@ protected:
     void SetUp() override {
         GlTest::SetUp();
         releaseContext();
+        m_core = IsSkipped() ? nullptr : ZecCreateRenderCore();
     }
 
     void TearDown() override {
         // The first effect takes the core's context with it, which lasts until the core leaves it.
         for (ZecEffect* effect : m_effects)
             EXPECT_TRUE(ZecDestoryEffect(effect));
-        if (m_core) {
-            EXPECT_TRUE(ZecDestroyRenderCore(m_core));
-        }
+        EXPECT_TRUE(!m_core || ZecDestroyRenderCore(m_core));
     }
 
     /// The handles that serve every frame, with these parameters.
     std::vector<ZecEffect*> effects(const Chain& chain) {
-        while (m_effects.size() < chain.size())
-            m_effects.push_back(ZecCreateEffect(0));
-        for (size_t i = 0; i < chain.size(); ++i)
-            EXPECT_TRUE(
-                ZecSetBeautyParams(m_effects[i], float(chain[i].mixFactor), float(chain[i].whitenFactor)));
+        m_effects.resize(std::max(m_effects.size(), chain.size()));
+        for (size_t i = 0; i < chain.size(); ++i) {
+            m_effects[i] = m_effects[i] ? m_effects[i] : ZecCreateEffect(0);
+            ZecSetBeautyParams(m_effects[i], float(chain[i].mixFactor), float(chain[i].whitenFactor));
+        }
         return {m_effects.begin(), m_effects.begin() + ptrdiff_t(chain.size())};
     }
 
     void render(const std::vector<ZecEffect*>& list, const ZecImage& input, ZecImage& output, Format f) {
-        if (!m_core)
-            m_core = ZecCreateRenderCore();
         EXPECT_TRUE(ZecRender(m_core, list, &input, &output, f.nv21, f.description.standard,
                               f.description.range, f.width, f.height, 0));
     }
@@ -97,14 +94,16 @@ private:
 };
 
 TEST_F(FramePixel, AgreesWithTheArithmeticInPlaceOrNotAndWritesNothingElse) {
-    const Format sizes[] = {{1, 1}, {2, 2}, {4, 2}, {1, 4}, {5, 3}, {33, 17}, {100, 61}};
+    const Format sizes[] = {{1, 1}, {2, 2}, {4, 2}, {1, 4}, {5, 3}, {33, 17}, {100, 60}};
     for (bool isSkin : {false, true})
         for (Format f : sizes)
             for (int i = 0; i < 8; ++i) {
                 f.nv21 = i & 4;
                 f.description = {i & 1, i >> 1 & 1}; // another one each frame, so that the matrix fits
+                const Chain chain = {isSkin ? reference::BeautyParams{0.8, 0.2}
+                                            : reference::BeautyParams{0, 0.001}};
                 SCOPED_TRACE(testing::Message() << f.width << " x " << f.height << ", case " << i);
-                TestFrame input(f.width, f.height, {.roundTo = i & 1 ? 8 : 1});
+                TestFrame input(f.width, f.height, {.roundTo = 1 << (i & 3)}); // all that GL can be told
                 fillWithNoise(input.image, f, isSkin);
 
                 // One row before and one or two behind are no part of the picture.
@@ -112,12 +111,12 @@ TEST_F(FramePixel, AgreesWithTheArithmeticInPlaceOrNotAndWritesNothingElse) {
                 ZecImage output = block.image;
                 for (int plane : {0, 1})
                     output.planes[plane] += output.pitches[plane];
-                expectBeautified(input.image, output, f, {{0.8, 0.2}}, f.nv21);
+                expectBeautified(input.image, output, f, chain, f.nv21);
                 fillPicture(output, f.width, f.height, [](int, int, int) { return 0x66; });
                 EXPECT_THAT(block.planes[0], testing::Each(0x66));
                 EXPECT_THAT(block.planes[1], testing::Each(0x66));
 
-                expectBeautified(input.image, input.image, f, {{0.8, 0.2}}, f.nv21);
+                expectBeautified(input.image, input.image, f, chain, f.nv21);
             }
 }
 

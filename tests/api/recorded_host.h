@@ -42,8 +42,6 @@ struct RecordedHost {
         core->context = ze::snapshotCurrentContext();
         ZecDestroyRenderCore(core);
     }
-    RecordedHost(const RecordedHost&) = delete;
-    RecordedHost& operator=(const RecordedHost&) = delete;
 
     /// Renders a frame of any content.
     bool render(int width = 5, int height = 3, int pixelFormat = 0, int standard = 0, int range = 1) {

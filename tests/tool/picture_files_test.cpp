@@ -1,5 +1,4 @@
 #include "tests/support/temp_directory.h"
-#include "tests/tool/png_bytes.h"
 #include "tool/chart.h"
 #include "tool/errors.h"
 #include "tool/picture_reader.h"
@@ -9,16 +8,42 @@
 
 #include <map>
 
+#include <zlib.h>
+
 using namespace ze::tool;
 using namespace std::string_literals;
 
 namespace {
 
+std::string bigEndian(size_t value) {
+    std::string bytes;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        bytes += static_cast<char>(value >> shift & 0xff);
+    return bytes;
+}
+
+std::string pngChunk(const std::string& typeAndData) {
+    const auto* bytes = reinterpret_cast<const Bytef*>(typeAndData.data());
+    return bigEndian(typeAndData.size() - 4) + typeAndData + bigEndian(crc32_z(0, bytes, typeAndData.size()));
+}
+
+/// A PNG of `width` × 1 pixels: `row` with its filter byte, and `extra` chunks before it.
+std::string pngBytes(int depth, int colourType, const std::string& row, const std::string& extra,
+                     size_t width = 2) {
+    uLongf size = compressBound(row.size());
+    std::string packed(size, '\0');
+    compress(reinterpret_cast<Bytef*>(packed.data()), &size, reinterpret_cast<const Bytef*>(row.data()),
+             row.size());
+    const std::string kind = {static_cast<char>(depth), static_cast<char>(colourType), 0, 0, 0};
+    return "\x89PNG\r\n\x1a\n" + pngChunk("IHDR" + bigEndian(width) + bigEndian(1) + kind) + extra +
+           pngChunk("IDAT" + packed.substr(0, size)) + pngChunk("IEND");
+}
+
 class PictureFiles : public testing::Test {
 protected:
-    Picture readBytes(const std::string& bytes) const {
+    Picture readBytes(const std::string& bytes, int64_t memory = machineMemory()) const {
         std::ofstream(m_directory / "in", std::ios::binary) << bytes;
-        return readPicture(m_directory / "in");
+        return readPicture(m_directory / "in", memory);
     }
 
     static std::string bytesOf(const Picture& picture, PictureFormat format) {
@@ -54,7 +79,7 @@ TEST_F(PictureFiles, EveryKindOfPngIsRead) {
     // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << "type " << c.type << ", " << c.depth << " bits");
-        const Picture picture = readBytes(pngBytes(2, 1, c.depth, c.type, c.row, c.extra));
+        const Picture picture = readBytes(pngBytes(c.depth, c.type, c.row, c.extra));
         EXPECT_EQ(picture.width, 2);
         EXPECT_EQ(picture.rgb, c.rgb);
         EXPECT_EQ(picture.alpha, c.alpha);
@@ -78,23 +103,12 @@ TEST_F(PictureFiles, PhotosAreTurnedUpright) {
         const Picture picture = readBytes(jpeg.substr(0, 2) + segment + jpeg.substr(2));
         EXPECT_EQ(picture.width, i < 4 ? 32 : 16) << i + 1;
         for (int corner = 0; corner < 4; ++corner) {
-            const Rgb expected = colours.at(shown[i][corner]);
-            const Rgb colour =
-                picture.at(corner % 2 ? picture.width - 3 : 2, corner / 2 ? picture.height - 3 : 2);
-            EXPECT_NEAR(colour.red, expected.red, 30) << i + 1;
-            EXPECT_NEAR(colour.blue, expected.blue, 30) << i + 1;
+            const int x = corner % 2 ? picture.width - 3 : 2, y = corner / 2 ? picture.height - 3 : 2;
+            const Rgb colour = picture.at(x, y), expected = colours.at(shown[i][corner]);
+            EXPECT_LT(std::abs(colour.red - expected.red) + std::abs(colour.blue - expected.blue), 60)
+                << i + 1;
         }
     }
-}
-
-TEST_F(PictureFiles, NamesAreTakenLiterallyAndWhatDoesNotFitInMemoryIsRefused) {
-    const Picture chart = drawChart(40, 30, ChartNoise::speckled);
-    for (const char* name : {"100%.png", "a%03d.png", "http:.png", "pipe:1.png", "-.png"}) {
-        std::ofstream(m_directory / name, std::ios::binary) << bytesOf(chart, PictureFormat::png);
-        EXPECT_EQ(readPicture(m_directory / name).rgb, chart.rgb) << name;
-    }
-    EXPECT_NO_THROW(readPicture(m_directory / "-.png", 40 * 30 * 40));
-    EXPECT_THROW(readPicture(m_directory / "-.png", 40 * 30 * 40 - 1), Failure);
 }
 
 TEST_F(PictureFiles, PngIsExactAndJpegKeepsSingleColumnsOfColour) {
@@ -117,9 +131,24 @@ TEST_F(PictureFiles, PngIsExactAndJpegKeepsSingleColumnsOfColour) {
     for (int x = 0; x < 30; ++x)
         EXPECT_NEAR(back.at(x, 5).red, columns.at(x, 5).red, 25) << x;
     EXPECT_GT(back.at(32, 16).green, 200) << "transparent pixels lie over white";
+}
 
-    EXPECT_EQ(pictureFormatOf("a.PNG"), PictureFormat::png);
-    EXPECT_EQ(pictureFormatOf("a.jpg"), PictureFormat::jpeg);
-    EXPECT_EQ(pictureFormatOf("a.jpeg"), PictureFormat::jpeg);
-    EXPECT_FALSE(pictureFormatOf("png"));
+TEST_F(PictureFiles, WhatIsTooLargeIsNotCalledInvalid) {
+    const std::string picture = bytesOf(Picture(40, 30), PictureFormat::png);
+    const struct {
+        std::string bytes;
+        int64_t memory;
+        ExitCode code;
+    } cases[] = {{picture, 40 * 30 * 40, ExitCode::done},
+                 {picture, 40 * 30 * 40 - 1, ExitCode::failed},
+                 {pngBytes(8, 0, "\0"s, "", 1000000000), INT64_MAX, ExitCode::failed}};
+    for (const auto& c : cases) {
+        ExitCode code = ExitCode::done;
+        try {
+            readBytes(c.bytes, c.memory);
+        } catch (const Failure& failure) {
+            code = failure.code();
+        }
+        EXPECT_EQ(code, c.code) << c.memory;
+    }
 }

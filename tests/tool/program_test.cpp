@@ -1,7 +1,6 @@
 // zebeauty as its users meet it.
 
 #include "tests/support/temp_directory.h"
-#include "tests/tool/png_bytes.h"
 #include "tool/chart.h"
 #include "tool/gl_info.h"
 #include "tool/picture_reader.h"
@@ -57,16 +56,11 @@ protected:
 } // namespace
 
 TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
-    const Picture chart = drawChart(40, 30, ChartNoise::speckled);
-    write("in.png", chart);
-    write("in.jpg", chart);
+    write("in.png", drawChart(40, 30, ChartNoise::speckled));
     write("text.png", "no picture\n"s);
-    write("empty.png", ""s);
-    const std::string png = contentOf(m_directory / "in.png"), jpeg = contentOf(m_directory / "in.jpg");
+    const std::string png = contentOf(m_directory / "in.png");
     write("flipped.png", png.substr(0, 600) + static_cast<char>(png[600] ^ 1) + png.substr(601));
     write("short.png", png.substr(0, png.size() / 2));
-    write("short.jpg", jpeg.substr(0, jpeg.size() / 2));
-    write("huge.png", pngBytes(100000, 100000, 8, 2, "\0"s));
     write("list.png", "#EXTM3U\n#EXTINF:1,\nin.png\n"s);
     std::filesystem::create_directory(m_directory / "folder.png");
     const auto before = fileNames();
@@ -83,30 +77,21 @@ TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
         {"render in.png", 2, "OUTPUT is required"},
         {"render in.png out.png --frob", 2, ".*--frob"},
         {"render in.png out.png --smooth 1.01", 2, "--smooth: "},
-        {"render in.png out.png --smooth nan", 2, "--smooth: "},
-        {"render in.png out.png --whiten -0.1", 2, "--whiten: "},
         {"render in.png out.png --format nv16", 2, "--format: "},
-        {"render in.png out.png --standard bt2020", 2, "--standard: "},
-        {"render in.png out.png --range narrow", 2, "--range: "},
         {"render in.png out.gif", 2, "out.gif: unknown extension"},
         {"render in.png out.png --compare both.bmp", 2, "both.bmp: unknown extension"},
         {"render in.png out.png --compare ./out.png", 2, "./out.png: is named as OUTPUT"},
         {"render in.png in.png", 2, "in.png: exists already"},
-        {"render in.png out.png --compare in.jpg", 2, "in.jpg: exists already"},
         {"render -y in.png folder.png", 2, "folder.png: is a directory"},
         {"chart in.png", 2, "in.png: exists already"},
         {"chart out.png --size 0x5", 2, "--size: "},
-        {"chart out.png --size 5x5x5", 2, "--size: "},
         {"render missing.png out.png", 3, "missing.png: cannot be read: No such file"},
         {"render folder.png out.png", 3, "folder.png: is a directory"},
         {"render 'a\nb.png' out.png", 3, "a b.png: cannot be read"},
         {"render text.png out.png", 3, "text.png: is no valid picture"},
-        {"render empty.png out.png", 3, "empty.png: is no valid picture"},
         {"render list.png out.png", 3, "list.png: is no valid picture"},
         {"render short.png out.png", 3, "short.png: is no valid picture"},
         {"render flipped.png out.png", 3, "flipped.png: is no valid picture .*CRC"},
-        {"render short.jpg out.png", 3, "short.jpg: is no valid picture"},
-        {"render huge.png out.png", 1, "huge.png: .*100000x100000"},
         {"render in.png no/out.png --smooth 0 --whiten 0", 1, "no/out.png: cannot be written: No such file"},
         {"render in.png out.png --compare no/b.png --smooth 0 --whiten 0", 1, "no/b.png: cannot be written: "},
         {"chart /proc/out.png", 1, "/proc/out.png: cannot be written: "},
@@ -127,16 +112,16 @@ TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
 TEST_F(Program, WritesTheSamePixelsInBothLayoutsWithoutAnEffectAndWithoutGl) {
     Picture chart = drawChart(33, 17, ChartNoise::speckled);
     chart.alpha.assign(33 * 17, 200);
-    write("in.png", chart);
-    const std::string render = "render in.png --smooth 0 --whiten 0 ";
+    write("http:%d.png", chart); // means the file of this name
+    const std::string render = "render http:%d.png --smooth 0 --whiten 0 ";
     ASSERT_EQ(run(render + "a.png --compare both.png", kNoGl), 0) << errorText();
-    ASSERT_EQ(run(render + "b.png --format nv21", kNoGl), 0) << errorText();
+    ASSERT_EQ(run(render + "b.PNG --format nv21", kNoGl), 0) << errorText();
     const Picture after = read("a.png"), both = read("both.png");
-    EXPECT_EQ(contentOf(m_directory / "a.png"), contentOf(m_directory / "b.png"));
+    EXPECT_EQ(contentOf(m_directory / "a.png"), contentOf(m_directory / "b.PNG"));
     EXPECT_EQ(after.alpha, chart.alpha);
     for (const char* option : {"--standard bt709", "--range video"}) {
-        ASSERT_EQ(run(render + "-y b.png " + option, kNoGl), 0) << errorText();
-        EXPECT_NE(read("b.png").rgb, after.rgb) << option;
+        ASSERT_EQ(run(render + "-y b.PNG " + option, kNoGl), 0) << errorText();
+        EXPECT_NE(read("b.PNG").rgb, after.rgb) << option;
     }
     ASSERT_EQ(std::pair(both.width, both.height), std::pair(66, 17));
     for (int y = 0; y < 17; ++y)
@@ -145,7 +130,7 @@ TEST_F(Program, WritesTheSamePixelsInBothLayoutsWithoutAnEffectAndWithoutGl) {
             ASSERT_EQ(both.at(33 + x, y), after.at(x, y));
         }
     EXPECT_EQ(outputText() + errorText(), "");
-    EXPECT_EQ(fileNames(), (std::set<std::string>{"in.png", "a.png", "b.png", "both.png"}));
+    EXPECT_EQ(fileNames(), (std::set<std::string>{"http:%d.png", "a.png", "b.PNG", "both.png"}));
 }
 
 TEST_F(Program, OverwritesOnRequestBehindLinksWithTheOldPermissions) {
@@ -167,8 +152,8 @@ TEST_F(Program, RendersUpToTheLimitOfTheGpu) {
                                            std::to_string(limit) + "\n"));
     write("limit.png", Picture(limit, 1));
     write("over.png", Picture(1, limit + 1));
-    EXPECT_EQ(run("render limit.png out.jpg"), 0) << errorText();
-    EXPECT_EQ(read("out.jpg").width, limit);
+    EXPECT_EQ(run("render limit.png out.jpeg"), 0) << errorText();
+    EXPECT_EQ(read("out.jpeg").width, limit);
     EXPECT_EQ(run("render over.png out.png"), 1);
     EXPECT_THAT(errorText(), MatchesRegex("zebeauty: over.png: 1x" + std::to_string(limit + 1) +
                                           ".*limit is " + std::to_string(limit) + ".*\n"));
