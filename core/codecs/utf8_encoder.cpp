@@ -2,14 +2,25 @@
 
 #include "core/codecs/ascii_step.h"
 
+#include <bit>
+#include <cstring>
+
 namespace {
 
 bool isPair(const CZeChar* unit, const CZeChar* end) {
     return unit->isHighSurrogate() && end - unit > 1 && unit[1].isLowSurrogate();
 }
 
-char tail(char32_t bits) {
-    return static_cast<char>(0x80 | (bits & 0x3F));
+constexpr uint32_t tail(char32_t bits) {
+    return 0x80 | (bits & 0x3F);
+}
+
+/// Writes the `Size` low bytes of `word`, the lowest first.
+template <int Size>
+char* put(uint32_t word, char* bytes) {
+    static_assert(std::endian::native == std::endian::little);
+    std::memcpy(bytes, &word, Size);
+    return bytes + Size;
 }
 
 } // namespace
@@ -47,18 +58,27 @@ char* ze::encodeUtf8(const CZeChar* units, int count, char* bytes) {
         }
         run = 0;
         if (unit < 0x800) {
-            *bytes++ = static_cast<char>(0xC0 | unit >> 6);
-            *bytes++ = tail(unit);
+            bytes = put<2>((0xC0 | unit >> 6) | tail(unit) << 8, bytes);
         } else if (unit < 0xD800 || unit > 0xDFFF) {
-            *bytes++ = static_cast<char>(0xE0 | unit >> 12);
-            *bytes++ = tail(unit >> 6);
-            *bytes++ = tail(unit);
+            // Such units come in runs, in which nothing else needs asking. Two-byte ones do so less: there
+            // the same loop cost Latin text a fifth and gave Cyrillic nothing.
+            char32_t next = unit;
+            for (;;) {
+                *bytes++ = static_cast<char>(0xE0 | next >> 12);
+                *bytes++ = static_cast<char>(tail(next >> 6));
+                *bytes++ = static_cast<char>(tail(next));
+                if (units + 1 == end)
+                    break;
+                next = units[1].unicode();
+                if (next < 0x800 || (next >= 0xD800 && next <= 0xDFFF))
+                    break;
+                ++units;
+            }
         } else if (isPair(units, end)) {
             const char32_t codePoint = CZeChar::codePoint(units[0], units[1]);
-            *bytes++ = static_cast<char>(0xF0 | codePoint >> 18);
-            *bytes++ = tail(codePoint >> 12);
-            *bytes++ = tail(codePoint >> 6);
-            *bytes++ = tail(codePoint);
+            bytes = put<4>((0xF0 | codePoint >> 18) | tail(codePoint >> 12) << 8 |
+                               tail(codePoint >> 6) << 16 | tail(codePoint) << 24,
+                           bytes);
             ++units;
         } else {
             *bytes++ = '?';

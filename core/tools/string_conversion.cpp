@@ -133,9 +133,12 @@ CZeByteArray CZeString::toUtf8_helper(const CZeString& text) {
         return emptyBytesOf(text);
     const CZeChar* const units = text.unicode();
     const int size = text.size();
-    CZeByteArray ascii(size, Ze::Uninitialized);
-    const int done = ascii.isNull() ? 0 : ze::encodeAscii(units, size, ascii.m_array.units());
-    if (done == size || ascii.isNull())
+    const bool mayBeAscii = units[0].unicode() < 0x80;
+    CZeByteArray ascii(mayBeAscii ? size : 0, Ze::Uninitialized);
+    if (ascii.size() != (mayBeAscii ? size : 0))
+        return {};
+    const int done = ze::encodeAscii(units, ascii.size(), ascii.m_array.units());
+    if (done == size)
         return ascii;
 
     // At the first unit that takes more, the rest gets the room that it can need at most.
