@@ -139,7 +139,7 @@ TEST_F(Beauty, ReplacesItsTextureForANewSizeTryingTwiceAndAgainInTheNextFrame) {
             EXPECT_EQ(gl.calls({"glDeleteTextures", "glGenTextures"}), recipe(c.calls));
             EXPECT_EQ(gl.draws().size(), c.isRendered ? 2u : 0u);
             gl.clear();
-            EXPECT_TRUE(returnsToOldSize ? render() : renderSmall());
+            ASSERT_TRUE(returnsToOldSize ? render() : renderSmall());
             EXPECT_EQ(gl.draws()[0].sizes(),
                       returnsToOldSize ? "blur(720x1280) -> 720x1280" : "blur(5x3) -> 5x3");
         }
