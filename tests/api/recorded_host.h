@@ -39,6 +39,7 @@ struct RecordedHost {
         if (!core || ZecDestroyRenderCore(core))
             return;
         delete core->context; // it never had one: the host's will do
+        gl.makeHostContextCurrent();
         core->context = ze::snapshotCurrentContext();
         ZecDestroyRenderCore(core);
     }
