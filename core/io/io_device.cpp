@@ -239,7 +239,7 @@ CZeByteArray CZeIODevice::readArray(int64_t maxSize, bool untilEnd) {
     int64_t count = 0;
     int64_t step = size() - pos();
     while (count < maxSize) {
-        step = std::clamp(step, std::min(kBufferSize, maxSize - count), maxSize - count);
+        step = std::clamp<int64_t>(step, std::min<int64_t>(kBufferSize, maxSize - count), maxSize - count);
         bytes.resize(int(count + step));
         const bool hasRoom = bytes.size() == count + step;
         if (!hasRoom)

@@ -85,7 +85,8 @@ public:
     CZeString errorString() const { return m_errorString; }
 
 protected:
-    static constexpr int64_t kBufferSize = 16384;
+    // No variable: one in an exported class is a unique symbol, which would keep the library from unloading.
+    enum : int64_t { kBufferSize = 16384 };
 
     /// Reads 1 to `maxSize` bytes (at least 1) at the device's own position and moves that on. 0 at the end,
     /// −1 after an error, which it may describe with `setErrorString`.
