@@ -42,9 +42,9 @@ void GlRecorder::refuse(const std::string& function, int nth, EGLint error) {
 }
 
 void GlRecorder::makeHostContextCurrent() {
-    driver.context = &driver.eglObjects.emplace_back("hostContext");
-    driver.drawSurface = &driver.eglObjects.emplace_back("hostDraw");
-    driver.readSurface = &driver.eglObjects.emplace_back("hostRead");
+    driver.context = &driver.eglObjects.emplace_back(EglObject{"hostContext"});
+    driver.drawSurface = &driver.eglObjects.emplace_back(EglObject{"hostDraw"});
+    driver.readSurface = &driver.eglObjects.emplace_back(EglObject{"hostRead"});
 }
 
 void GlRecorder::clear() {

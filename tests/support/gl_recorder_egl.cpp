@@ -17,7 +17,7 @@ EGLBoolean destroy(EGLContext handle) {
 }
 
 EglObject* create(const RecordedCall& call, const char* label) {
-    return call.isRefused ? nullptr : &call.driver.eglObjects.emplace_back(label);
+    return call.isRefused ? nullptr : &call.driver.eglObjects.emplace_back(EglObject{label});
 }
 
 } // namespace
