@@ -38,7 +38,7 @@ public:
         return at += size_t(size), size;
     }
 
-    std::string content = "0123456789";
+    std::string content = "0123456789abcdef";
     size_t at = 0;
     bool sequential = false;
     mutable int asked = 0;
@@ -227,13 +227,16 @@ TEST(File, SmallReadsCostNoSystemCallEach) {
     const TempDirectory directory;
     const std::string content = pattern(1 << 20);
     CZeFile file(name(madeFile(directory / "f", content)));
-    ASSERT_TRUE(file.open(Ze::ReadOnly));
+    ASSERT_TRUE(file.open(Ze::ReadWrite));
     const FileSystemDouble system;
     std::string read(content.size(), ' ');
     for (size_t i = 0; i < read.size(); i += 64)
         ASSERT_TRUE(file.read(&read[i], 64) == 64 && file.seek(int64_t(i)) && file.seek(int64_t(i) + 64));
     EXPECT_EQ(read, content);
     EXPECT_LE(system.calls.at("read"), 65);
+    // The block that was read last is the past of the file no more once something is written.
+    EXPECT_TRUE(file.write("!", 1) == 1 && file.seek((1 << 20) - 1));
+    EXPECT_EQ(bytes(file.read(2)), content.back() + "!"s);
 }
 
 TEST(File, TextModeDropsCarriageReturns) {
@@ -315,9 +318,9 @@ TEST(File, GoesBeyondFourGigabytesAndMaps) {
     ASSERT_TRUE(mapped && std::memcmp(mapped + 5, "far", 3) == 0) << utf8(file.errorString());
     mapped[0] = 'x';
     std::filesystem::remove(directory / "sparse");
-    EXPECT_EQ(file.size(), kFar + 3);
-    ASSERT_TRUE(file.seek(kFar - 5));
+    ASSERT_TRUE(file.size() == kFar + 3 && file.seek(kFar - 5));
     EXPECT_EQ(bytes(file.read(100)), "x\0\0\0\0far"s);
+    EXPECT_TRUE(file.write("more", 4) == 4 && file.map(kFar + 3, 4));
     EXPECT_FALSE(file.unmap(mapped + 1) || file.map(-1, 2) || file.map(0, 0));
     EXPECT_TRUE(file.error() == Ze::FileErrMap && file.unmap(mapped) && !file.unmap(mapped));
     EXPECT_TRUE(file.seek(0) && file.readAll().isNull());
@@ -352,9 +355,9 @@ TEST(File, BuffersForASubclassThatSeeks) {
     char data[16];
     EXPECT_EQ(device.read(data, 2), 2);
     EXPECT_EQ(device.write("XY", 2), 2); // at 2, though 4 bytes have been read
-    EXPECT_EQ(device.content, "01XY456789");
-    EXPECT_EQ(device.read(data, 16), 6);
-    EXPECT_TRUE(device.seek(12) && device.pos() == 12 && device.seek(1));
+    EXPECT_EQ(device.content, "01XY456789abcdef");
+    EXPECT_EQ(device.read(data, 16), 12);
+    EXPECT_TRUE(device.seek(20) && device.pos() == 20 && device.seek(1));
     EXPECT_EQ(bytes(device.peek(3)), "1XY");
     device.content.clear();
     EXPECT_EQ(device.write("x", 1), -1);
@@ -362,6 +365,7 @@ TEST(File, BuffersForASubclassThatSeeks) {
     EXPECT_TRUE(pipe.read(data, 1) == 1 && pipe.write("XY", 2) == 2);
     EXPECT_EQ(bytes(pipe.read(3)), "123");        // both directions are apart
     EXPECT_TRUE(pipe.pos() == 4 && pipe.at == 6); // and no more was asked for
+    EXPECT_TRUE(pipe.read(data, 1) == 1 && pipe.read(data, 16) == 3 && pipe.at == 10);
 }
 
 } // namespace
