@@ -3,12 +3,14 @@
 #include "core/io/native_path.h"
 #include "core/io/open_mode.h"
 #include "core/io/restarting.h"
+#include "core/io/tree_removal.h"
 #include "core/tools/error_text.h"
 #include "core/warning.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <string>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -35,6 +37,29 @@ struct stat statusOf(int descriptor, const CZeString& name) {
     return status;
 }
 
+/// The errno of mkdir, or 0 when the directory exists now.
+int makeDirectory(const std::string& path) {
+    if (mkdir(path.c_str(), 0777) == 0)
+        return 0;
+    const int error = errno;
+    struct stat status = {};
+    const bool isThere = error == EEXIST && stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    return isThere ? 0 : error;
+}
+
+/// Tries the directory itself first: most calls find it, or its parent, already there.
+bool makeWithParents(std::string path) {
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    const int error = makeDirectory(path);
+    if (error != ENOENT)
+        return error == 0;
+    const std::string::size_type slash = path.rfind('/');
+    if (slash == 0 || slash == std::string::npos)
+        return false;
+    return makeWithParents(path.substr(0, slash)) && makeDirectory(path) == 0;
+}
+
 } // namespace
 
 CZeGenericFileEngine::CZeGenericFileEngine(const CZeString& fileName) : m_fileName(fileName) {}
@@ -46,6 +71,19 @@ CZeGenericFileEngine::~CZeGenericFileEngine() {
 CZeString CZeGenericFileEngine::tempPath() {
     const char* const path = std::getenv("TMPDIR");
     return CZeString::fromLocal8Bit(path && *path ? path : "/tmp");
+}
+
+bool CZeGenericFileEngine::mkpath(const CZeString& path) {
+    return makeWithParents(ze::nativePath(path).constData());
+}
+
+bool CZeGenericFileEngine::rmdir(const CZeString& path) {
+    return ::rmdir(ze::nativePath(path).constData()) == 0;
+}
+
+bool CZeGenericFileEngine::removeRecursively(const CZeString& path) {
+    const CZeByteArray name = ze::nativePath(path);
+    return !name.isEmpty() && ze::removeTree(name.constData());
 }
 
 /// Only a mode that allows writing can truncate: Truncate alone or with ReadOnly has no mode string, and

@@ -17,6 +17,13 @@ public:
     /// The directory for temporary files: the environment's TMPDIR, or "/tmp" when that is unset or empty.
     static CZeString tempPath();
 
+    // The work behind CZeDir, which says what becomes of the directory and when the result is true. Nothing
+    // is logged.
+
+    static bool mkpath(const CZeString& path);
+    static bool rmdir(const CZeString& path);
+    static bool removeRecursively(const CZeString& path);
+
     /// An empty name is refused with a warning.
     bool open(int mode) override;
     /// Takes over `descriptor`, which is open on this engine's file and fits `mode`.
