@@ -65,6 +65,11 @@ int CZeString::compare_helper(const CZeChar* left, int leftSize, const CZeChar* 
     return compareTexts(ze::Utf16View(left, leftSize), ze::Utf16View(right, rightSize), cs);
 }
 
+int CZeString::compare_helper(const CZeChar* left, int leftSize, CZeLatin1String right,
+                              Ze::CaseSensitivity cs) {
+    return compareTexts(ze::Utf16View(left, leftSize), right, cs);
+}
+
 int CZeString::compare(const CZeString& other, Ze::CaseSensitivity cs) const {
     return compare_helper(unicode(), size(), other.unicode(), other.size(), cs);
 }
@@ -74,7 +79,7 @@ int CZeString::compare(const CZeStringRef& other, Ze::CaseSensitivity cs) const 
 }
 
 int CZeString::compare(CZeLatin1String other, Ze::CaseSensitivity cs) const {
-    return compareTexts(ze::Utf16View(*this), other, cs);
+    return compare_helper(unicode(), size(), other, cs);
 }
 
 int CZeStringRef::compare(const CZeStringRef& other, Ze::CaseSensitivity cs) const {

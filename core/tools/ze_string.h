@@ -356,6 +356,8 @@ public:
     /// Without case a null range sorts behind every other; two ranges with the same start by their sizes.
     static int compare_helper(const CZeChar* left, int leftSize, const CZeChar* right, int rightSize,
                               Ze::CaseSensitivity cs);
+    static int compare_helper(const CZeChar* left, int leftSize, CZeLatin1String right,
+                              Ze::CaseSensitivity cs);
     static CZeString trimmed_helper(const CZeString& text);
     /// Uses the block of `text` for the result where no other string shares it; so do the next ones.
     static CZeString trimmed_helper(CZeString&& text);
