@@ -1,5 +1,7 @@
 #include "core/tools/byte_array.h"
 
+#include "core/tools/c_locale.h"
+
 #include <cstdio>
 #include <functional>
 
@@ -66,6 +68,7 @@ CZeByteArray& CZeByteArray::setNum(double value, char format, int precision) {
         std::snprintf(pattern, sizeof pattern, "%%.%d%c", precision, format);
 
     char text[128];
+    const ze::InCLocale scope;
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
     const int length = std::snprintf(text, sizeof text, pattern, value);

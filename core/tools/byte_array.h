@@ -66,8 +66,8 @@ public:
     CZeByteArray left(int count) const { return CZeByteArray(m_array.cut(0, count)); }
     CZeByteArray right(int count) const { return CZeByteArray(m_array.cutRight(count)); }
 
-    /// Formats `value` as printf does with the conversion `format` (one that takes a double, such as 'e', 'f'
-    /// or 'g') and, unless negative, `precision`. At most 127 bytes are kept.
+    /// Formats `value` as printf does in the "C" locale with the conversion `format` (one that takes a
+    /// double, such as 'e', 'f' or 'g') and, unless negative, `precision`. At most 127 bytes are kept.
     CZeByteArray& setNum(double value, char format = 'g', int precision = 6);
 
     /// Below, at or above 0 as `left` sorts before, with or behind `right`: the bytes decide as memcmp sees

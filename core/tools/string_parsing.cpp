@@ -112,7 +112,9 @@ unsigned short CZeString::toUShort(bool* ok, int base) const {
 
 double CZeString::toDouble(bool* ok) const {
     double value = 0;
-    const bool isOk = parse(*this, value, ze::strtodInCLocale);
+    const ze::InCLocale scope;
+    const bool isOk =
+        parse(*this, value, [](const char* from, char** rest) { return std::strtod(from, rest); });
     if (ok)
         *ok = isOk;
     return value;

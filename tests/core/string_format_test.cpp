@@ -2,11 +2,14 @@
 
 #include "tests/core/text.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/temp_directory.h"
 
 #include <gmock/gmock.h>
 
 #include <climits>
+#include <clocale>
 #include <cmath>
+#include <cstdlib>
 #include <utility>
 
 namespace {
@@ -114,6 +117,21 @@ TEST(Number, ReadsDoubles) {
         EXPECT_EQ(ok, row.fitsFloat) << utf8(text(row.string));
     }
     EXPECT_EQ(text(u"1.5").toDouble() + double{text(u"1.5").toFloat()}, 3);
+}
+
+TEST(Number, KeepsItsPointWhereTheProgramHasAComma) {
+    const TempDirectory directory;
+    const std::string make = "localedef -i de_DE -f UTF-8 " + directory / "de_DE.UTF-8" + " 2>/dev/null";
+    setenv("LOCPATH", directory.path().c_str(), 1);
+    const bool hasComma = std::system(make.c_str()) == 0 && std::setlocale(LC_ALL, "de_DE.UTF-8");
+    unsetenv("LOCPATH");
+    if (!hasComma)
+        GTEST_SKIP() << "no decimal comma: localedef or its sources are not installed";
+    bool ok = true;
+    EXPECT_EQ(utf8(CZeString::number(1.5)) + utf8(text(u"%1").arg(2.5)), "1.52.5");
+    EXPECT_TRUE(text(u"1.5").toDouble() == 1.5 && text(u"1,5").toDouble(&ok) == 0 && !ok);
+    EXPECT_STREQ(std::localeconv()->decimal_point, ","); // which the program keeps
+    std::setlocale(LC_ALL, "C");
 }
 
 TEST(Arg, FillsTheLowestEscape) {
