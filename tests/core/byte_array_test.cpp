@@ -57,11 +57,10 @@ TEST(ByteArray, ResizeGrowsByPowersAndShrinksBelowHalf) {
         CZeByteArray array = row.from == 0 ? CZeByteArray() : letters(row.from);
         const int size = row.to == INT_MAX ? row.from : std::max(row.to, 0);
         array.resize(row.to);
-        EXPECT_EQ(array.size(), size) << row.from << " to " << row.to;
-        EXPECT_EQ(array.capacity(), row.capacity) << row.from << " to " << row.to;
-        EXPECT_EQ(array.constData()[size], 0);
+        SCOPED_TRACE(&row - rows);
+        EXPECT_TRUE(array.size() == size && array.capacity() == row.capacity && !array.isNull());
+        EXPECT_EQ(*array.end(), 0);
         EXPECT_EQ(array.left(std::min(row.from, size)), letters(std::min(row.from, size)));
-        EXPECT_FALSE(array.isNull());
     }
 }
 
@@ -72,25 +71,22 @@ TEST(ByteArray, ReservedCapacityIsKept) {
     array.resize(3);
     EXPECT_EQ(array.capacity(), 200);
     array.resize(0);
-    EXPECT_EQ(array.capacity(), 200);
-    EXPECT_EQ(array.constData()[0], 0);
+    EXPECT_TRUE(array.capacity() == 200 && *array.end() == 0);
     const CZeByteArray copy = array;
     array.resize(50); // detaching takes the wish along
     array.resize(1);
     EXPECT_EQ(array.capacity(), 128 - 24);
-    array.reallocData(2, 0);
-    EXPECT_EQ(array.capacity(), 2);
-    array = "abc";
-    array.reallocData(2, 0);
-    EXPECT_EQ(array, CZeByteArray("a"));
-    array.reallocData(0, 0);
-    EXPECT_TRUE(array.isEmpty() && !array.isNull());
-    array.truncate(-1);
     array = "abc";
     array.truncate(3);
-    EXPECT_EQ(array, CZeByteArray("abc"));
+    EXPECT_EQ(array.size(), 3);
+    array.reallocData(2, 0);
+    EXPECT_TRUE(array == "a" && array.capacity() == 2);
     array.truncate(-1);
-    EXPECT_TRUE(array.isEmpty());
+    EXPECT_TRUE(array.isEmpty() && !array.isNull() && array.capacity() == 0);
+    array.reallocData(9, 0);
+    array.reallocData(0, 0);
+    array.truncate(-1);
+    EXPECT_TRUE(array.isEmpty() && !array.isNull() && array.capacity() == 0);
 }
 
 TEST(ByteArray, ChangingACopyLeavesTheOriginal) {
@@ -102,15 +98,11 @@ TEST(ByteArray, ChangingACopyLeavesTheOriginal) {
     copy = original;
     copy.resize(3);
     EXPECT_NE(copy.constData(), original.constData());
-    CZeByteArray moved = std::move(copy);
-    EXPECT_EQ(moved, original);
+    EXPECT_EQ(CZeByteArray(std::move(copy)), original);
     copy = original;
     copy = "xyz";
     copy = *&copy;
-    EXPECT_EQ(bytes(copy), "xyz");
-    EXPECT_EQ(bytes(original), "abc");
-
-    copy.reallocData(8, 0);
+    EXPECT_EQ(bytes(copy) + bytes(original), "xyzabc");
     CZeByteArray unshared = original;
     unshared.reallocData(8, SZeArrayData::NonShared);
     CZeByteArray second = unshared; // must not end up with the same block
@@ -120,23 +112,22 @@ TEST(ByteArray, ChangingACopyLeavesTheOriginal) {
 
 TEST(ByteArray, AssigningTextReusesABlockThatFitsWell) {
     const struct {
-        const char* name;
         int capacity, size, reserved, length, newCapacity;
     } rows[] = {
-        {"fits", 100, 99, 0, 60, 100},         {"fills", 100, 10, 0, 99, 100},
-        {"half", 100, 99, 0, 49, 100},         {"below half", 100, 99, 0, 48, 49},
-        {"grows in place", 100, 9, 0, 9, 100}, {"below half and shorter", 100, 10, 0, 9, 10},
-        {"too long", 100, 99, 0, 100, 101},    {"too long, reserved", 100, 99, 1, 100, 101},
+        // clang-format off
+        {100, 99, 0, 60, 100}, {100, 10, 0, 99, 100}, {100, 99, 0, 49, 100}, {100, 99, 0, 48, 49}, // below half
+        {100, 9, 0, 9, 100}, {100, 10, 0, 9, 10}, // below half, but as long or shorter
+        {100, 99, 0, 100, 101}, {100, 99, 1, 100, 101},
+        // clang-format on
     };
     for (const auto& row : rows) {
         CZeByteArray array = letters(row.size);
         array.reallocData(uint32_t(row.capacity), row.reserved);
         const CZeByteArray source = letters(row.length);
         array = source.constData();
-        EXPECT_EQ(array, source) << row.name;
-        EXPECT_EQ(array.capacity(), row.newCapacity) << row.name;
+        EXPECT_TRUE(array == source && array.capacity() == row.newCapacity) << "row " << &row - rows;
         array.resize(0);
-        EXPECT_EQ(array.capacity(), row.reserved ? row.newCapacity : 0) << row.name;
+        EXPECT_EQ(array.capacity(), row.reserved ? row.newCapacity : 0);
     }
     for (const int offset : {1, 40, 99}) {
         CZeByteArray array = letters(100); // its own text, moved within the block or out of it
@@ -154,7 +145,7 @@ TEST(ByteArray, ComparesBytesThenSizes) {
         CZeByteArray left, right;
         int sign;
     } rows[] = {
-        {"ab", "abc", -1}, {"abc", "abc", 0},       {"abd", "abc", 1}, {"b", "abc", 1},
+        {"ab", "abc", -1}, {"abd", "abc", 1},       {"b", "abc", 1},
         {"", "a", -1},     {CZeByteArray(), "", 0}, {"\x80", "a", 1},
     };
     for (const auto& row : rows) {

@@ -66,6 +66,37 @@ std::string encodedByIcu(const std::u16string& units) {
     return bytes.substr(0, size_t(size));
 }
 
+/// Decodes the two pieces beside `cut`, each out of and into blocks of exactly the size that is to suffice.
+std::u16string decodedInPieces(ze::Utf8Decoder& decoder, const std::string& bytes, size_t cut) {
+    std::u16string all;
+    for (const std::string& piece : {bytes.substr(0, cut), bytes.substr(cut)}) {
+        const std::vector<char> in(piece.begin(), piece.end());
+        std::vector<CZeChar> out(in.size() + 1);
+        out.resize(size_t(decoder.decode(in.data(), int(in.size()), out.data())));
+        for (const CZeChar unit : out)
+            all += unit.unicode();
+    }
+    CZeChar last;
+    return decoder.finish(&last) ? all + last.unicode() : all;
+}
+
+TEST(Utf8, EveryKindOfSequenceDecodesAsByIcuInAnyTwoPieces) {
+    // The first and the last byte of every range that the rules tell apart.
+    const std::string kinds =
+        "a\x80\x8F\x90\x9F\xA0\xBB\xBF\xC1\xC2\xDF\xE0\xE1\xED\xEE\xEF\xF0\xF1\xF4\xF5\xFF";
+    const size_t count = kinds.size(), all = count * count * count * count;
+    ze::Utf8Decoder decoder; // as new after each text
+    for (size_t code = 0; code < 2 * all; ++code) {
+        std::string input = code < all ? "" : "x";
+        for (size_t rest = code % all, i = 0; i < 4; ++i, rest /= count)
+            input += kinds[rest % count];
+        input += code < all ? "" : "plain";
+        const std::u16string expected = decodedByIcu(input);
+        for (size_t cut = 0; cut <= 4; ++cut)
+            ASSERT_EQ(decodedInPieces(decoder, input, cut), expected) << code << ' ' << cut;
+    }
+}
+
 TEST(TextCodec, AgreesWithIcuAlsoInPieces) {
     const std::string runs[] = {"a",
                                 "plain text of more than thirty-two bytes, ",
@@ -96,6 +127,7 @@ TEST(TextCodec, AgreesWithIcuAlsoInPieces) {
         const CZeString whole = CZeTextCodec::decode(106, input.data(), int(input.size()));
         const std::u16string expected = decodedByIcu(input);
         ASSERT_EQ(whole, CZeString::fromUtf16(expected.data(), int(expected.size()))) << round;
+        ASSERT_EQ(*whole.end(), CZeChar());
 
         CZeTextCodec::State state;
         CZeString joined;

@@ -37,26 +37,20 @@ TEST(String, TellsNullFromEmpty) {
 
 TEST(String, WrappedMemoryIsNeverWritten) {
     const std::vector<CZeChar> foreign = {'a', 'b', 'c', 'd'};
-    const auto wrap = [&foreign] { return CZeString::fromRawData(foreign.data(), 4); };
-    const CZeString cut = CZeString::fromRawData(foreign.data(), 2);
-    EXPECT_EQ(std::u16string(cut.utf16()), u"ab");
+    const auto wrap = [&foreign](int size = 4) { return CZeString::fromRawData(foreign.data(), size); };
+    EXPECT_EQ(std::u16string(wrap(2).utf16()), u"ab");
     CZeString s = wrap();
-    EXPECT_EQ(s.constData(), foreign.data());
     s.truncate(2); // shortens the view
     EXPECT_EQ(s.constData(), foreign.data());
-    EXPECT_EQ(utf8(s), "ab");
     EXPECT_EQ(std::u16string(s.utf16()), u"ab");
-    EXPECT_EQ(utf8(wrap().fill('x')), "xxxx");
-    EXPECT_EQ(utf8(wrap().append(CZeChar('e'))), "abcde");
+    EXPECT_EQ(utf8(wrap().fill('x')) + utf8(wrap().append(CZeChar('e'))), "xxxxabcde");
     EXPECT_EQ(utf8(wrap().insert(1, foreign.data() + 1, 3)), "abcdbcd");
     (s = wrap())[3] = 'X';
     EXPECT_EQ(utf8(s), "abcX");
-    s.setRawData(foreign.data() + 1, 2);
-    const CZeString copy = s;
+    const CZeString copy = s.setRawData(foreign.data() + 1, 2);
     s.resize(1);
     EXPECT_EQ(utf8(copy) + utf8(s), "bcb");
-    s.setRawData(foreign.data(), 4);
-    s.resize(6, '.');
+    s.setRawData(foreign.data(), 4).resize(6, '.');
     EXPECT_EQ(utf8(s), "abcd..");
     EXPECT_EQ(foreign, (std::vector<CZeChar>{'a', 'b', 'c', 'd'}));
 }
@@ -64,8 +58,7 @@ TEST(String, WrappedMemoryIsNeverWritten) {
 TEST(String, StorageMembers) {
     CZeString s = text(u"abc");
     s.expand(2);
-    s.expand(3);
-    EXPECT_EQ(utf8(s), "abc ");
+    EXPECT_EQ(utf8(s), "abc");
     s.expand(6);
     s.chop(2);
     s.chop(-1);
@@ -74,8 +67,7 @@ TEST(String, StorageMembers) {
     s.chop(INT_MAX);
     EXPECT_TRUE(s.isEmpty() && !s.isNull());
     s.reserve(100);
-    s.append(CZeLatin1String("abc"));
-    s.truncate(-1);
+    s.append(CZeLatin1String("abc")).truncate(-1);
     s.reserve(5);
     EXPECT_EQ(s.capacity(), 101);
     s.reallocData(3, false);
@@ -97,36 +89,25 @@ TEST(String, AppendGrowsGeometrically) {
         blocks += capacity != s.capacity();
         ASSERT_TRUE(s.size() >= capacity || s.constData() == block);
     }
-    EXPECT_LE(blocks, 15);
-    EXPECT_EQ(s.size(), 100000);
-    EXPECT_EQ(s.at(99999).unicode(), char16_t(99999));
-    EXPECT_EQ(s.constData()[s.size()], CZeChar());
+    EXPECT_TRUE(blocks <= 15 && s.at(99999) == char16_t(99999) && *s.end() == CZeChar());
 }
 
 TEST(String, AppendMindsNull) {
     const CZeString abc = text(u"abc");
     CZeString s;
-    s.append(CZeString());
-    s.append(CZeStringRef());
-    s.append(CZeLatin1String());
-    s.append(abc.unicode(), 0);
-    s.append(abc.unicode(), -1);
-    s.append(static_cast<const CZeChar*>(nullptr), 3);
+    s.append(CZeString()).append(CZeStringRef()).append(CZeLatin1String()).append(abc.unicode(), 0);
+    s.append(abc.unicode(), -1).append(static_cast<const CZeChar*>(nullptr), 3);
     EXPECT_TRUE(s.isNull());
-    s.append(abc);
-    EXPECT_EQ(s.constData(), abc.constData());
+    EXPECT_EQ(s.append(abc).constData(), abc.constData());
     s.append(abc.midRef(1)).append(CZeLatin1String("\xE9!")).append(CZeChar('x'));
-    EXPECT_EQ(utf8(s), "abcbc\xC3\xA9!x");
-    EXPECT_EQ(utf8(abc), "abc");
+    EXPECT_EQ(utf8(s) + utf8(abc), "abcbc\xC3\xA9!xabc");
     EXPECT_FALSE(CZeString().append(text(u"")).isNull());
-    CZeString shared = abc;
+    CZeString shared = abc; // an empty string detaches, a null one does not
     EXPECT_EQ(shared.append(CZeString()).constData(), abc.constData());
-    EXPECT_NE(shared.append(text(u"")).constData(),
-              abc.constData()); // an empty string detaches, a null one not
+    EXPECT_NE(shared.append(text(u"")).constData(), abc.constData());
     EXPECT_EQ(utf8(shared + abc.leftRef(1) + CZeLatin1String("-") + abc.rightRef(2)), "abca-bc");
     EXPECT_EQ(utf8(abc.leftRef(1) + abc.rightRef(1) + (abc.leftRef(2) + CZeChar('+'))), "acab+");
     EXPECT_EQ(utf8(CZeLatin1String("<") + abc + (abc.leftRef(1) + CZeLatin1String(">"))), "<abca>");
-    EXPECT_EQ(utf8(abc + CZeLatin1String("-") + CZeChar('+') + abc), "abc-+abc");
 }
 
 TEST(String, InsertAtAndBehind) {
@@ -166,30 +147,23 @@ TEST(String, TakesItsOwnUnits) {
     const CZeString copy = s;
     s.append(s).append(s.leftRef(2)).insert(2, s);
     EXPECT_EQ(utf8(s), "ababcabcabcabcab");
-    s = s.mid(4);
-    s.setUnicode(s.unicode() + 1, 3);
-    EXPECT_EQ(utf8(s), "abc");
+    s.setUnicode(s.unicode() + 5, 3);
     s = *&s;
-    s.append(s.at(1));
-    EXPECT_EQ(utf8(s), "abcb");
-    EXPECT_EQ(utf8(copy), "abc");
+    EXPECT_EQ(utf8(s.append(s.at(1))) + utf8(copy), "abcbabc");
 }
 
 TEST(String, RefusesSizesBeyondTheLimit) {
     const CZeChar unit('x');
     CZeString s = text(u"abc");
     const void* const block = s.constData();
-    s.insert(INT_MAX - 1, unit);
-    s.insert(INT_MAX, unit);
-    s.insert(1 << 30, CZeLatin1String("x"));
+    s.insert(INT_MAX - 1, unit).insert(INT_MAX, unit).insert(1 << 30, CZeLatin1String("x"));
     s.resize(INT_MAX);
     s.resize(1 << 30, '.');
     s.expand(INT_MAX);
     s.expand(INT_MAX - 1);
     s.reserve(INT_MAX);
     s.append(CZeString::fromRawData(&unit, INT_MAX)); // nobody looks at the units
-    EXPECT_EQ(utf8(s), "abc");
-    EXPECT_EQ(s.constData(), block);
+    EXPECT_TRUE(s == CZeLatin1String("abc") && s.constData() == block);
 }
 
 TEST(String, ComparesWithAndWithoutCase) {
@@ -215,22 +189,21 @@ TEST(String, ComparesWithAndWithoutCase) {
         EXPECT_EQ(l.compare(r, Ze::CaseInsensitive), row.foldedOrder);
         EXPECT_EQ(l.compare(r, static_cast<Ze::CaseSensitivity>(2)), row.foldedOrder);
         EXPECT_EQ(CZeStringRef(&r).compare(CZeStringRef(&l), Ze::CaseInsensitive), -row.foldedOrder);
-        EXPECT_EQ(l == r, row.order == 0);
-        EXPECT_EQ(l < r, row.order < 0);
-        EXPECT_EQ(l > r, row.order > 0);
-        EXPECT_EQ(CZeStringRef(&l) == CZeStringRef(&r), row.order == 0);
-        EXPECT_EQ(l != CZeStringRef(&r), row.order != 0);
-        EXPECT_TRUE((l < CZeStringRef(&r)) == (row.order < 0) && (CZeStringRef(&l) > r) == (row.order > 0));
-        const CZeByteArray latin1 = r.toLatin1();
-        if (CZeString::fromLatin1(latin1) == r) {
-            const CZeLatin1String view(latin1.constData(), latin1.size());
-            EXPECT_EQ(l.compare(view), row.order);
-            EXPECT_EQ(l.compare(view, Ze::CaseInsensitive), row.foldedOrder);
-            EXPECT_TRUE((l == view) == (row.order == 0) && (l < view) == (row.order < 0) &&
-                        (l > view) == (row.order > 0));
-            EXPECT_TRUE((view == l) == (row.order == 0) && (view > l) == (row.order < 0) &&
-                        (view <= l) == (row.order >= 0));
+        const auto ordersAsItShould = [&row](const auto& left, const auto& right) {
+            return (left == right) == (row.order == 0) && (left != right) == (row.order != 0) &&
+                   (left < right) == (row.order < 0) && (left > right) == (row.order > 0) &&
+                   (left <= right) == (row.order <= 0) && (left >= right) == (row.order >= 0);
+        };
+        EXPECT_TRUE(ordersAsItShould(l, r) && ordersAsItShould(CZeStringRef(&l), CZeStringRef(&r)));
+        EXPECT_TRUE(ordersAsItShould(l, CZeStringRef(&r)) && ordersAsItShould(CZeStringRef(&l), r));
+        const CZeByteArray latin1[] = {l.toLatin1(), r.toLatin1()};
+        const CZeLatin1String left(latin1[0].constData()), right(latin1[1].constData());
+        if (CZeString(right) == r) {
+            EXPECT_EQ(l.compare(right), row.order);
+            EXPECT_EQ(l.compare(right, Ze::CaseInsensitive), row.foldedOrder);
+            EXPECT_TRUE(ordersAsItShould(l, right));
         }
+        EXPECT_TRUE(CZeString(left) != l || ordersAsItShould(left, r));
     }
     EXPECT_GT(text(u"\u00E9").compare(CZeLatin1String("a")), 0);
     EXPECT_EQ(text(u"\u00E9"), CZeLatin1String("\xE9"));
@@ -255,14 +228,19 @@ TEST(String, CutsPieces) {
             const CZeStringRef view = s.midRef(position, count);
             EXPECT_EQ(utf8(view), bytes(s.toLatin1().mid(position, count))); // one rule for all
             EXPECT_EQ(utf8(view), utf8(piece));
-            EXPECT_EQ(view.isNull(), piece.isNull());
+            const bool isOutside = position > 10 || (count >= 0 && position < 0 && position + count <= 0);
+            EXPECT_TRUE(view.isNull() == isOutside && piece.isNull() == isOutside);
             EXPECT_EQ(piece.constData() == s.constData(), piece.size() == 10); // a shared copy
         }
     }
     EXPECT_EQ(utf8(s.left(3)) + utf8(s.leftRef(3)) + utf8(s.right(3)) + utf8(s.rightRef(3)), "012012789789");
+    const CZeByteArray array = s.toLatin1();
+    EXPECT_EQ(bytes(array.left(3)) + bytes(array.right(3)), "012789");
     EXPECT_TRUE(s.left(0).isEmpty() && s.rightRef(0).isEmpty() && !s.right(0).isNull());
-    for (const int all : {-1, 10, 11})
+    for (const int all : {-1, 10, 11}) {
         EXPECT_TRUE(s.left(all) == s && s.right(all) == s && s.leftRef(all) == s && s.rightRef(all) == s);
+        EXPECT_TRUE(array.left(all) == array && array.right(all).constData() == array.constData());
+    }
 }
 
 std::string joined(const CZeStringList& list) {
@@ -307,14 +285,12 @@ TEST(String, Splits) {
 }
 
 TEST(String, ListsAreShared) {
-    CZeStringList list = text(u"a b c d e f g h i j").split(' ');
+    CZeStringList list = text(u"a b c").split(' ');
     const CZeStringList copy = list;
     EXPECT_EQ(copy.begin(), list.begin());
     for (int i = 0; i < 100; ++i)
         list.append(list[i]);
-    EXPECT_EQ(joined(copy), "<a><b><c><d><e><f><g><h><i><j>");
-    EXPECT_EQ(list.size(), 110);
-    EXPECT_EQ(utf8(list.at(109)), "j");
+    EXPECT_EQ(joined(copy) + utf8(list.at(102)), "<a><b><c>a");
     EXPECT_NE(list, copy);
     list = copy;
     EXPECT_EQ(list, copy);
@@ -340,62 +316,40 @@ TEST(String, Sections) {
     EXPECT_TRUE(path.section('/', 5, 9).isNull() && path.section('/', -99, -50).isNull());
 }
 
-TEST(String, Trims) {
+TEST(String, TrimsAndSimplifies) {
     const struct {
         const char16_t* string;
-        const char* trimmed;
+        const char *trimmed, *simplified;
     } rows[] = {
         // clang-format off
-        {u" \t\n\v\f\r a b \r\n", "a b"}, {u"ab", "ab"}, {u"   ", ""}, {u"", ""}, {u" x", "x"}, {u"x ", "x"},
-        {u"\u0085\u00A0\u1680\u180E\u2000\u2006\u2008\u2009\u200A\u2028\u2029\u205F\u3000x", "x"},
-        {u"\u2001\u2007x\u200B\u202F", "\xE2\x80\x81\xE2\x80\x87x\xE2\x80\x8B\xE2\x80\xAF"}, // no such space here
+        {u" \t\n\v\f\r a \t b \r\n", "a \t b", "a b"}, {u"ab", "ab", "ab"}, {u"a b", "a b", "a b"}, {u"   ", "", ""},
+        {u"", "", ""}, {u" x", "x", "x"}, {u"x ", "x", "x"}, {u"a\tb", "a\tb", "a b"}, {u"a  b", "a  b", "a b"},
+        {u"\u0085\u00A0\u1680\u180E\u2000\u2006\u2008\u2009\u200A\u2028\u2029\u205F\u3000x", "x", "x"},
+        {u"\u2001\u2007x", "\xE2\x80\x81\xE2\x80\x87x", "\xE2\x80\x81\xE2\x80\x87x"}, // no such spaces here
+        {u"\u200B\u202F", "\xE2\x80\x8B\xE2\x80\xAF", "\xE2\x80\x8B\xE2\x80\xAF"},
         // clang-format on
     };
     for (const auto& row : rows) {
         const CZeString s = text(row.string);
-        CZeString own(s.unicode(), s.size());
-        const void* const block = own.constData();
-        const bool keepsBlock = 2 * std::string(row.trimmed).size() > size_t(s.size());
-        const CZeString moved = std::move(own).trimmed();
-        for (const CZeString& trimmed : {s.trimmed(), moved, CZeString(s).trimmed()}) {
-            EXPECT_EQ(utf8(trimmed), row.trimmed);
-            EXPECT_FALSE(trimmed.isNull());
-            EXPECT_EQ(trimmed.constData()[trimmed.size()], CZeChar());
+        for (const bool trims : {true, false}) {
+            const std::string expected = trims ? row.trimmed : row.simplified;
+            const auto clean = [trims](auto&& string) {
+                return trims ? std::forward<decltype(string)>(string).trimmed()
+                             : std::forward<decltype(string)>(string).simplified();
+            };
+            CZeString own(s.unicode(), s.size());
+            const void* const block = own.constData();
+            const CZeString moved = clean(std::move(own));
+            for (const CZeString& cleaned : {clean(s), moved, clean(CZeString(s))}) {
+                EXPECT_EQ(utf8(cleaned), expected);
+                EXPECT_TRUE(!cleaned.isNull() && *cleaned.end() == CZeChar());
+            }
+            EXPECT_TRUE(moved.constData() == block || 2 * moved.size() <= s.size());
+            EXPECT_EQ(clean(s).constData() == s.constData() || s.isEmpty(), s == moved);
+            EXPECT_EQ(s, text(row.string));
+            EXPECT_TRUE(clean(CZeString()).isNull());
         }
-        EXPECT_TRUE(!keepsBlock || moved.constData() == block);
-        EXPECT_EQ(s, text(row.string));
     }
-    const CZeString clean = text(u"clean");
-    EXPECT_EQ(clean.trimmed().constData(), clean.constData());
-    EXPECT_TRUE(CZeString().trimmed().isNull());
-}
-
-TEST(String, Simplifies) {
-    const struct {
-        const char16_t* string;
-        const char* simplified;
-    } rows[] = {
-        {u"  a \t b\u00A0\u3000c\n", "a b c"},
-        {u"a b", "a b"},
-        {u"a\tb", "a b"},
-        {u"a  b", "a b"},
-        {u" \n ", ""},
-        {u"", ""},
-    };
-    for (const auto& row : rows) {
-        const CZeString s = text(row.string);
-        CZeString own(s.unicode(), s.size());
-        const void* const block = own.constData();
-        const CZeString moved = std::move(own).simplified();
-        for (const CZeString& simplified : {s.simplified(), moved, CZeString(s).simplified()}) {
-            EXPECT_EQ(utf8(simplified), row.simplified);
-            EXPECT_FALSE(simplified.isNull());
-        }
-        EXPECT_TRUE(moved.isEmpty() || moved.constData() == block);
-        EXPECT_EQ(s, text(row.string));
-        EXPECT_EQ(s.simplified().constData() == s.constData(), s == moved);
-    }
-    EXPECT_TRUE(CZeString().simplified().isNull());
 }
 
 } // namespace
