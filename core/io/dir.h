@@ -6,6 +6,7 @@
 
 class CZeString;
 
+/// What the rest of the library does with directories, by absolute path. Any thread may call it.
 class ZE_EXPORT CZeDir {
 public:
     /// Creates the directory `path` and every missing parent with mode 0777 less the umask; trailing '/' are
