@@ -1,0 +1,46 @@
+// Any pattern and argument of `arg`, against a plain search for the lowest escape.
+
+#include "core/tools/string_ref.h"
+#include "fuzz/fuzz_input.h"
+#include "fuzz/plain_rules.h"
+#include "log/log_settings.h"
+
+#include <array>
+#include <charconv>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    ZeSetLogFilter(0);
+    FuzzInput input(data, size);
+    const int width = int8_t(input.byte()), base = 2 + input.byte() % 35, precision = input.byte() % 50;
+    const char fill = char(input.byte());
+    const size_t formatIndex = input.byte() % 3;
+    const std::string pattern = input.text(input.byte()), given = input.text();
+    const CZeString text = CZeString::fromLatin1(pattern.data(), int(pattern.size()));
+    const auto check = [&](const CZeString& result, std::string argument) {
+        argument.insert(width > 0 ? 0 : argument.size(),
+                        size_t(std::max(std::abs(width) - int(argument.size()), 0)), fill);
+        const std::string expected = replaceLowest(pattern, argument);
+        require(result == CZeLatin1String(expected.data(), int(expected.size())));
+    };
+    const CZeLatin1String view(given.data(), int(given.size()));
+    const CZeString string(view);
+    check(text.arg(string, width, CZeChar(fill)), given);
+    check(text.arg(CZeStringRef(&string), width, CZeChar(fill)), given);
+    check(text.arg(view, width, CZeChar(fill)), given);
+    check(text.arg(fill, width, CZeChar(fill)), std::string(1, fill));
+
+    char digits[512];
+    const auto formatted = [&digits](auto... how) {
+        return std::string(digits, std::to_chars(digits, std::end(digits), how...).ptr);
+    };
+    const long number = std::strtol(given.c_str(), nullptr, 36);
+    check(text.arg(number, width, base, CZeChar(fill)), formatted(number, base));
+    const auto bits = static_cast<unsigned long>(number);
+    check(text.arg(bits, width, base, CZeChar(fill)), formatted(bits, base));
+    const double real = std::strtod(given.c_str(), nullptr);
+    using enum std::chars_format;
+    const auto format = std::array{scientific, fixed, general}[formatIndex];
+    check(text.arg(real, width, "efg"[formatIndex], precision, CZeChar(fill)),
+          formatted(real, format, precision).substr(0, 127));
+    return 0;
+}
