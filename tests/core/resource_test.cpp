@@ -1,4 +1,5 @@
 #include "core/io/file.h"
+#include "core/io/resource_file_engine.h"
 #include "core/io/resource_info.h"
 #include "core/tools/compression.h"
 #include "tests/core/test_file.h"
@@ -66,6 +67,9 @@ TEST(Resource, RefusesWhatIsNotRegisteredOrNotReading) {
     CZeFile plain(name(":/a/plain"));
     EXPECT_FALSE(plain.remove() || plain.rename(name(directory / "copy")));
     EXPECT_EQ(utf8(plain.errorString()) + listing(directory), "Cannot remove source file");
+    CZeResourceFileEngine engine(name(":/a/plain"));
+    EXPECT_TRUE(CZeResourceFileEngine(name(":/a")).isDirectory() && !engine.isDirectory());
+    EXPECT_TRUE(engine.write("x", 1) == -1 && !engine.map(0, 1) && !engine.unmap(nullptr));
     for (const char* const path : {"", "a", ":/", "/a", ":/a/../c", ":/.", ":/a", ":/a/plain", ":/a/plain/c"})
         EXPECT_FALSE(add(path, "x")) << path;
     EXPECT_FALSE(take(":/a") || take(":/") || take("a"));
@@ -73,15 +77,14 @@ TEST(Resource, RefusesWhatIsNotRegisteredOrNotReading) {
 }
 
 TEST(Resource, AnyThreadMayRegister) {
-    std::vector<std::thread> threads;
     std::vector<int> failures(4);
-    for (size_t t = 0; t < failures.size(); ++t) {
-        threads.emplace_back([t, &failures] {
-            const std::string path = ":/shared/" + std::to_string(t);
+    std::vector<std::thread> threads;
+    for (int& failed : failures) {
+        threads.emplace_back([&failed, path = ":/shared/" + std::to_string(&failed - failures.data())] {
             for (int i = 0; i < 200; ++i) {
                 CZeFile file(name(path));
                 const bool isOpen = add(path, "some bytes") && file.open(Ze::ReadOnly) && take(path);
-                failures[t] += !isOpen || bytes(file.readAll()) != "some bytes";
+                failed += !isOpen || bytes(file.readAll()) != "some bytes";
             }
         });
     }

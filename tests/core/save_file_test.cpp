@@ -36,10 +36,8 @@ TEST_F(SaveFile, PutsTheWholeInPlaceAtOnce) {
     system.mostBytes = 999;
     system.interrupted = 2;
     ASSERT_TRUE(file.open(Ze::WriteOnly) && file.write(content.data(), 100000) == 100000);
-    EXPECT_TRUE(file.seek(0) && file.write(content.data(), 1) == 1);
-    EXPECT_EQ(contentOf(path), "old");
-    EXPECT_TRUE(file.commit() && !file.isOpen());
-    EXPECT_EQ(contentOf(path), content);
+    EXPECT_TRUE(file.seek(0) && file.write(content.data(), 1) == 1 && contentOf(path) == "old");
+    EXPECT_TRUE(file.commit() && !file.isOpen() && contentOf(path) == content);
     EXPECT_EQ(permissions(path), 0604u);
     EXPECT_EQ(system.calls["fsync"], 2); // the file, then the directory
     const mode_t mask = umask(027);
@@ -56,8 +54,8 @@ TEST_F(SaveFile, LeavesTheOldFileWheneverSomethingIsWrong) {
         system.failures = {row};
         ASSERT_TRUE(file.open(Ze::WriteOnly) && file.write("new", 3) == 3);
         EXPECT_FALSE(file.commit()) << row.first;
-        EXPECT_EQ(utf8(file.errorString()), "Permission denied");
-        EXPECT_EQ(contentOf(path) + listing(directory), "oldfile ") << row.first;
+        EXPECT_EQ(utf8(file.errorString()) + contentOf(path) + listing(directory),
+                  "Permission deniedoldfile ");
     }
     // A write that failed spoils the file, whatever is written after it.
     system.failures["write"] = {ENOSPC};
@@ -79,7 +77,8 @@ TEST_F(SaveFile, FollowsLinksAndStaysInItsDirectory) {
     EXPECT_EQ(contentOf(path) + contentOf(directory / "a/new"), "newnew");
     const auto old = std::filesystem::current_path();
     std::filesystem::current_path(directory / "a");
-    CZeSaveFile relative(name("relative"));
+    CZeSaveFile relative;
+    relative.setFileName(name("relative"));
     EXPECT_TRUE(relative.open(Ze::WriteOnly));
     std::filesystem::current_path(old);
     std::filesystem::rename(directory / "a", directory / "b");

@@ -32,19 +32,19 @@ std::u16string units(const CZeString& string) {
 }
 
 struct Case {
-    std::u16string text, pattern; // as they are
+    std::u16string text; // as it is
     CZeString string, needle;
     std::u16string haystack, sought; // folded where the case does not count
     Ze::CaseSensitivity cs;
 };
 
 template <class Check>
-void forEachCase(size_t length, Check check) {
-    for (const auto& text : allTexts(length)) {
+void forEachCase(Check check) {
+    for (const auto& text : allTexts(4)) {
         for (const auto& pattern : allTexts(2)) {
             for (const auto cs : {Ze::CaseSensitive, Ze::CaseInsensitive}) {
                 SCOPED_TRACE(utf8(::text(text.c_str())) + "|" + utf8(::text(pattern.c_str())));
-                check(Case{text, pattern, ::text(text.c_str()), ::text(pattern.c_str()), folded(text, cs),
+                check(Case{text, ::text(text.c_str()), ::text(pattern.c_str()), folded(text, cs),
                            folded(pattern, cs), cs});
             }
         }
@@ -52,30 +52,26 @@ void forEachCase(size_t length, Check check) {
 }
 
 TEST(StringSearch, FollowsAPlainModel) {
-    forEachCase(4, [](const Case& c) {
+    forEachCase([](const Case& c) {
         const int size = int(c.text.size());
         int count = 0;
         for (size_t at = 0; (at = c.haystack.find(c.sought, at)) != std::u16string::npos; ++at)
             ++count;
         EXPECT_EQ(c.string.count(c.needle, c.cs), count); // overlapping ones, too
-        EXPECT_EQ(c.string.startsWith(c.needle, c.cs), c.haystack.rfind(c.sought, 0) == 0);
-        EXPECT_EQ(c.string.endsWith(c.needle, c.cs),
-                  size >= c.needle.size() &&
-                      c.haystack.substr(c.haystack.size() - c.sought.size()) == c.sought);
+        EXPECT_EQ(c.string.startsWith(c.needle, c.cs), c.haystack.starts_with(c.sought));
+        EXPECT_EQ(c.string.endsWith(c.needle, c.cs), c.haystack.ends_with(c.sought));
         for (int from = -6; from <= 6; ++from) {
             const int start = from < 0 ? from + size : from;
-            EXPECT_EQ(c.string.indexOf(c.needle, from, c.cs),
-                      int(c.haystack.find(c.sought, size_t(std::max(start, 0)))))
-                << from;
-            EXPECT_EQ(c.string.lastIndexOf(c.needle, from, c.cs),
-                      start < 0 ? -1 : int(c.haystack.rfind(c.sought, size_t(start))))
-                << from;
+            const size_t first = c.haystack.find(c.sought, size_t(std::max(start, 0)));
+            const int last = start < 0 ? -1 : int(c.haystack.rfind(c.sought, size_t(start)));
+            EXPECT_EQ(c.string.indexOf(c.needle, from, c.cs), int(first)) << from;
+            EXPECT_EQ(c.string.lastIndexOf(c.needle, from, c.cs), last) << from;
         }
     });
 }
 
 TEST(StringReplace, FollowsAPlainModel) {
-    forEachCase(4, [](const Case& c) {
+    forEachCase([](const Case& c) {
         for (const char16_t* const after : {u"", u"a", u"xy", u"wxyz"}) {
             std::u16string expected;
             size_t copied = 0;
@@ -90,11 +86,8 @@ TEST(StringReplace, FollowsAPlainModel) {
             EXPECT_EQ(units(shared.replace(c.needle, text(after), c.cs)), expected);
             EXPECT_EQ(units(c.string), c.text);
             EXPECT_EQ(alone.constData()[alone.size()], CZeChar());
-            if (!*after) {
-                EXPECT_EQ(
-                    units(shared.setUnicode(c.string.unicode(), c.string.size()).remove(c.needle, c.cs)),
-                    expected);
-            }
+            CZeString removed = c.string;
+            EXPECT_TRUE(*after || units(removed.remove(c.needle, c.cs)) == expected);
         }
     });
 }
@@ -112,11 +105,9 @@ TEST(StringReplace, RangesFollowAPlainModel) {
                 for (const bool wraps : {false, true}) {
                     CZeString s = wraps ? CZeString::fromRawData(foreign.data(), 6) : text(model.c_str());
                     CZeString t = s;
-                    EXPECT_EQ(units(s.replace(position, count, text(after))), expected)
-                        << position << ' ' << count;
-                    if (!*after) {
-                        EXPECT_EQ(units(t.remove(position, count)), expected);
-                    }
+                    SCOPED_TRACE(testing::Message() << position << ' ' << count);
+                    EXPECT_EQ(units(s.replace(position, count, text(after))), expected);
+                    EXPECT_TRUE(*after || units(t.remove(position, count)) == expected);
                 }
             }
         }
