@@ -91,6 +91,11 @@ CZeString arg_helper(const CZeString& text, ze::Utf16View argument, int fieldWid
     return text;
 }
 
+void warnOfText(const CZeString& text, const CZeString& argument) {
+    ze::coreWarning("CZeString::arg: Argument missing: %s, %s", text.toLocal8Bit().constData(),
+                    argument.toLocal8Bit().constData());
+}
+
 /// The warning of the arguments that are no strings: text and value follow each other without a gap.
 void warnOfValue(const CZeString& text, const CZeString& value) {
     ze::coreWarning("CZeString::arg: Argument missing:%s%s", text.toLocal8Bit().constData(),
@@ -99,25 +104,26 @@ void warnOfValue(const CZeString& text, const CZeString& value) {
 
 template <class Integer>
 CZeString integerArg(const CZeString& text, Integer argument, int fieldWidth, int base, CZeChar fill) {
-    return arg_helper(text, CZeString::number(argument, base), fieldWidth, fill,
+    const CZeString digits = CZeString::number(argument, base);
+    if (digits.isNull())
+        return {};
+    return arg_helper(text, digits, fieldWidth, fill,
                       [&] { warnOfValue(text, CZeString::number(argument)); }); // decimal whatever the base
 }
 
 } // namespace
 
 CZeString CZeString::arg(const CZeString& argument, int fieldWidth, CZeChar fill) const {
-    return arg_helper(*this, argument, fieldWidth, fill, [&] {
-        ze::coreWarning("CZeString::arg: Argument missing: %s, %s", toLocal8Bit().constData(),
-                        argument.toLocal8Bit().constData());
-    });
+    return arg_helper(*this, argument, fieldWidth, fill, [&] { warnOfText(*this, argument); });
 }
 
 CZeString CZeString::arg(const CZeStringRef& argument, int fieldWidth, CZeChar fill) const {
-    return arg(argument.toString(), fieldWidth, fill);
+    return arg_helper(*this, argument, fieldWidth, fill, [&] { warnOfText(*this, argument.toString()); });
 }
 
 CZeString CZeString::arg(CZeLatin1String argument, int fieldWidth, CZeChar fill) const {
-    return arg(CZeString(argument), fieldWidth, fill);
+    const CZeString widened(argument);
+    return widened.size() == argument.size() ? arg(widened, fieldWidth, fill) : CZeString();
 }
 
 CZeString CZeString::arg(CZeChar argument, int fieldWidth, CZeChar fill) const {
@@ -138,7 +144,10 @@ CZeString CZeString::arg(unsigned long argument, int fieldWidth, int base, CZeCh
 }
 
 CZeString CZeString::arg(double argument, int fieldWidth, char format, int precision, CZeChar fill) const {
-    return arg_helper(*this, number(argument, format, precision), fieldWidth, fill, [&] {
+    const CZeString digits = number(argument, format, precision);
+    if (digits.isNull())
+        return {};
+    return arg_helper(*this, digits, fieldWidth, fill, [&] {
         ze::coreWarning("CZeString::arg: Argument missing: %s, %g", toLocal8Bit().constData(), argument);
     });
 }

@@ -161,8 +161,10 @@ CZeByteArray CZeString::toUtf8_helper(const CZeString& text) {
 
 CZeList<char32_t> CZeString::toUcs4_helper(const CZeString& text) {
     CZeList<char32_t> result;
-    forEachCodePoint(text, [&result](char32_t codePoint) {
+    int codePoints = 0;
+    forEachCodePoint(text, [&](char32_t codePoint) {
         result.append(isSurrogate(codePoint) ? char32_t{CZeChar::Replacement} : codePoint);
+        ++codePoints;
     });
-    return result;
+    return result.size() == codePoints ? result : CZeList<char32_t>();
 }

@@ -19,16 +19,21 @@ void forEachPart(ze::Utf16View text, ze::Utf16View separator, Ze::CaseSensitivit
     take(start, text.count - start);
 }
 
-/// The parts as a list of what `piece` makes of position and size.
+/// The parts as a list of what `piece` makes of position and size; an empty list when there is no memory.
 template <class Element, class Piece>
 CZeList<Element> split_helper(ze::Utf16View text, ze::Utf16View separator, CZeString::SplitBehavior behavior,
                               Ze::CaseSensitivity cs, Piece piece) {
     CZeList<Element> parts;
+    int missing = 0;
     forEachPart(text, separator, cs, [&](int position, int size) {
-        if (size > 0 || behavior == CZeString::KeepEmptyParts)
-            parts.append(piece(position, size));
+        if (size == 0 && behavior == CZeString::SkipEmptyParts)
+            return;
+        const int oldSize = parts.size();
+        if (const Element part = piece(position, size); part.size() == size)
+            parts.append(part);
+        missing += parts.size() == oldSize;
     });
-    return parts;
+    return missing == 0 ? parts : CZeList<Element>();
 }
 
 CZeStringList splitText(const CZeString& text, ze::Utf16View separator, CZeString::SplitBehavior behavior,

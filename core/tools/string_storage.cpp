@@ -76,6 +76,8 @@ void CZeString::chop(int count) {
 CZeString& CZeString::fill(CZeChar unit, int size) {
     if (size >= 0)
         resize(size);
+    if (size >= 0 && this->size() != size)
+        return *this;
     if (CZeChar* const units = data())
         std::fill_n(units, this->size(), unit);
     return *this;

@@ -174,6 +174,7 @@ public:
     CZeString& operator+=(const CZeStringRef& text) { return append(text); }
     CZeString& operator+=(CZeLatin1String text) { return append(text); }
     CZeString& operator+=(CZeChar unit) { return append(unit); }
+    // A sum that there is no memory for is its left side.
     friend CZeString operator+(CZeString left, const CZeString& right) {
         return std::move(left.append(right));
     }
@@ -240,7 +241,7 @@ public:
     CZeStringRef rightRef(int count) const;
 
     /// The parts between the occurrences of `separator`, at least one when empty parts are kept. An empty
-    /// separator lies before, between and behind all units.
+    /// separator lies before, between and behind all units. An empty list when there is no memory.
     CZeStringList split(const CZeString& separator, SplitBehavior behavior = KeepEmptyParts,
                         Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
     CZeStringList split(CZeChar separator, SplitBehavior behavior = KeepEmptyParts,

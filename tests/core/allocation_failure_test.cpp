@@ -1,0 +1,296 @@
+// Every allocation of every operation fails once: a change then leaves everything as it was, what makes
+// something new gives nothing, and no block is lost. The linker leads the library's calls through the
+// doubles.
+
+#include "core/codecs/text_codec.h"
+#include "core/tools/compression.h"
+#include "tests/core/text.h"
+#include "tests/support/log_capture.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <initializer_list>
+#include <optional>
+#include <string>
+
+namespace {
+
+int g_untilFailure = 0; // allocations up to and with the one that fails; 0: none does
+bool g_failsOn = false; // so do all that follow
+bool g_hasFailed = false;
+int g_blocks = 0;
+
+bool failsNow() {
+    if (g_untilFailure == 0 || (--g_untilFailure > 0))
+        return false;
+    g_untilFailure = g_failsOn ? 1 : 0;
+    return g_hasFailed = true;
+}
+
+} // namespace
+
+extern "C" {
+void* __real_malloc(size_t size);
+void* __real_realloc(void* block, size_t size);
+void __real_free(void* block);
+
+void* __wrap_malloc(size_t size) {
+    void* const block = failsNow() ? nullptr : __real_malloc(size);
+    g_blocks += block != nullptr;
+    return block;
+}
+void* __wrap_realloc(void* block, size_t size) {
+    return failsNow() ? nullptr : __real_realloc(block, size);
+}
+void __wrap_free(void* block) {
+    g_blocks -= block != nullptr;
+    __real_free(block);
+}
+}
+
+namespace {
+
+using testing::Contains;
+
+/// Calls `attempt` with the first allocation failing, then the second and so on, until it needs no more;
+/// first with that one alone, then with all from it on. `attempt` takes a function that runs work under this
+/// condition and returns whether an allocation failed. Returns how many did.
+template <class Attempt>
+int forEachFailure(Attempt attempt) {
+    int failures = 0;
+    for (const bool failsOn : {false, true}) {
+        bool hasFailed = true;
+        for (int n = 1; hasFailed; ++n) {
+            const int blocks = g_blocks;
+            attempt([&](auto work) {
+                g_untilFailure = n;
+                g_failsOn = failsOn;
+                g_hasFailed = false;
+                work();
+                g_untilFailure = 0;
+                return hasFailed = g_hasFailed;
+            });
+            EXPECT_EQ(g_blocks, blocks) << "with allocation " << n << " failing";
+            failures += hasFailed;
+        }
+    }
+    return failures;
+}
+
+/// A change to an object that owns its block, shares it, or wraps foreign memory.
+template <class Text>
+void expectAllOrNothing(const char* name, const std::function<Text()>& makeOwn,
+                        const std::function<void(Text&)>& change) {
+    SCOPED_TRACE(name);
+    Text expected = makeOwn();
+    change(expected);
+    int failures = 0;
+    for (const bool isShared : {false, true}) {
+        failures += forEachFailure([&](auto underFailure) {
+            const Text before = makeOwn();
+            Text subject = isShared ? before : makeOwn();
+            const bool hasFailed = underFailure([&] { change(subject); });
+            EXPECT_EQ(subject, hasFailed && subject != expected ? makeOwn() : expected);
+            EXPECT_EQ(before, makeOwn());
+            if constexpr (requires { subject.resize(0); }) {
+                subject.resize(subject.size() + 1); // it serves on
+                EXPECT_EQ(subject.constData()[subject.size()], '\0');
+            }
+        });
+    }
+    EXPECT_GT(failures, 0) << "needs no memory: " << name;
+}
+
+template <class Result>
+bool isNothing(const Result& result) {
+    if constexpr (requires { result.isNull(); })
+        return result.isNull();
+    else if constexpr (requires { result.isEmpty(); })
+        return result.isEmpty();
+    else
+        return !result.has_value();
+}
+
+template <class Make>
+void expectResultOrNothing(const char* name, Make make) {
+    SCOPED_TRACE(name);
+    const auto expected = make();
+    const int failures = forEachFailure([&](auto underFailure) {
+        auto result = std::decay_t<decltype(expected)>();
+        const bool hasFailed = underFailure([&] { result = make(); });
+        EXPECT_TRUE(result == expected || (hasFailed && isNothing(result)));
+    });
+    EXPECT_GT(failures, 0) << "needs no memory: " << name;
+}
+
+/// Searches and numbers as results that can be nothing.
+std::optional<int> found(int position) {
+    return position < 0 ? std::nullopt : std::optional(position);
+}
+template <class Number, class... Base>
+std::optional<Number> number(Number (CZeString::*parse)(bool*, Base...) const, const char16_t* digits) {
+    bool ok = false;
+    const CZeString string = text(digits);
+    const Number value = [&] {
+        if constexpr (sizeof...(Base) == 0)
+            return (string.*parse)(&ok);
+        else
+            return (string.*parse)(&ok, 10);
+    }();
+    return ok ? std::optional(value) : std::nullopt;
+}
+
+CZeString sample() {
+    return text(u"one two three");
+}
+
+TEST(AllocationFailure, LeavesAStringAsItWas) {
+    const struct {
+        const char* name;
+        std::function<void(CZeString&)> change;
+    } changes[] = {
+        {"append", [](auto& s) { s.append(sample()); }},
+        {"append a unit", [](auto& s) { s.append(CZeChar('x')); }},
+        {"append Latin-1", [](auto& s) { s.append(CZeLatin1String("four")); }},
+        {"append own part", [](auto& s) { s.append(s.midRef(4, 3)); }},
+        {"insert", [](auto& s) { s.insert(3, sample()); }},
+        {"insert behind the end", [](auto& s) { s.insert(30, CZeLatin1String("x")); }},
+        {"resize", [](auto& s) { s.resize(40, 'x'); }},
+        {"cut", [](auto& s) { s.truncate(2); }},
+        {"chop", [](auto& s) { s.chop(12); }},
+        {"expand", [](auto& s) { s.expand(50); }},
+        {"fill", [](auto& s) { s.fill('x'); }},
+        {"fill more", [](auto& s) { s.fill('x', 60); }},
+        {"reserve", [](auto& s) { s.reserve(70); }},
+        {"reallocData", [](auto& s) { s.reallocData(8, false); }},
+        {"write",
+         [](auto& s) {
+             if (CZeChar* const units = s.data())
+                 units[0] = 'x';
+         }},
+        {"utf16", [](auto& s) { s.append(CZeChar('x')).utf16(); }},
+        {"remove", [](auto& s) { s.remove(1, 3); }},
+        {"remove a text", [](auto& s) { s.remove(CZeLatin1String("t")); }},
+        {"replace by more", [](auto& s) { s.replace(CZeLatin1String("t"), CZeLatin1String("xyz")); }},
+        {"replace by less", [](auto& s) { s.replace(sample().mid(3, 5), text(u"")); }},
+        {"replace by own part", [](auto& s) { s.replace(s.midRef(0, 1), s.midRef(4, 9)); }},
+        {"replace a range", [](auto& s) { s.replace(2, 1, CZeLatin1String("a longer text")); }},
+        {"replace a range by own part", [](auto& s) { s.replace(2, 9, s.midRef(1, 2)); }},
+    };
+    const CZeString foreign = sample();
+    for (const auto& [name, change] : changes) {
+        expectAllOrNothing<CZeString>(
+            name, [] { return sample() + CZeChar('.'); }, change);
+        expectAllOrNothing<CZeString>(
+            name, [&] { return CZeString::fromRawData(foreign.unicode(), foreign.size()); }, change);
+    }
+}
+
+TEST(AllocationFailure, LeavesAByteArrayAsItWas) {
+    const struct {
+        const char* name;
+        std::function<void(CZeByteArray&)> change;
+    } changes[] = {
+        {"assign", [](auto& b) { b = "a text that is longer than before"; }},
+        {"assign own part", [](auto& b) { b = b.constData() + 1; }},
+        {"grow",
+         [](auto& b) {
+             b.resize(9);
+             b.resize(8);
+         }},
+        {"cut", [](auto& b) { b.truncate(1); }},
+        {"reallocData", [](auto& b) { b.reallocData(100, SZeArrayData::ReserveCapacity); }},
+        {"write",
+         [](auto& b) {
+             if (char* const bytes = b.data())
+                 bytes[0] = 'x';
+         }},
+    };
+    for (const auto& [name, change] : changes)
+        expectAllOrNothing<CZeByteArray>(
+            name, [] { return CZeByteArray("contents"); }, change);
+}
+
+TEST(AllocationFailure, GivesNothingInPlaceOfSomethingNew) {
+    const CZeString s = sample(), pattern = text(u"%1, %1"), wide = text(u"一二三 < é 😀");
+    const CZeByteArray utf8Bytes = wide.toUtf8();
+    const CZeLatin1String latin1("Latin");
+    const char32_t codePoints[] = {U'一', U'😀', 0};
+#define ZE_MAKE(expression) expectResultOrNothing(#expression, [&] { return expression; })
+    ZE_MAKE(CZeString(3, 'x'));
+    ZE_MAKE(CZeString(latin1));
+    ZE_MAKE(CZeString::fromRawData(s.unicode(), 3));
+    ZE_MAKE(CZeString::fromUtf8(utf8Bytes));
+    ZE_MAKE(CZeString::fromUtf16(u"units"));
+    ZE_MAKE(CZeString::fromUcs4(codePoints));
+    ZE_MAKE(wide.toUtf8());
+    ZE_MAKE(s.toUtf8());
+    ZE_MAKE(wide.toLatin1());
+    ZE_MAKE(CZeString(wide.unicode(), 3).toLatin1());
+    ZE_MAKE(wide.toUcs4());
+    ZE_MAKE(s.mid(1, 3));
+    ZE_MAKE(s.split(' '));
+    ZE_MAKE(s.splitRef(' '));
+    ZE_MAKE(s.section(' ', 1, 1));
+    ZE_MAKE(s.repeated(3));
+    ZE_MAKE(s.leftJustified(20));
+    ZE_MAKE(s.rightJustified(5, ' ', true));
+    ZE_MAKE(wide.toHtmlEscaped());
+    ZE_MAKE(text(u"  a   b ").trimmed());
+    ZE_MAKE(text(u"  a   b ").simplified());
+    ZE_MAKE(CZeString(s).toUpper());
+    ZE_MAKE(CZeString::number(42));
+    ZE_MAKE(CZeString::number(0.1));
+    ZE_MAKE(pattern.arg(s));
+    ZE_MAKE(pattern.arg(s.midRef(0, 3), 5));
+    ZE_MAKE(pattern.arg(latin1, -9));
+    ZE_MAKE(pattern.arg('c'));
+    ZE_MAKE(pattern.arg(42));
+    ZE_MAKE(pattern.arg(0.5));
+    ZE_MAKE(found(s.indexOf(CZeLatin1String("two"))));
+    ZE_MAKE(found(s.lastIndexOf(CZeLatin1String("two"))));
+    ZE_MAKE(found(s.count(CZeLatin1String("t")) - 1));
+    ZE_MAKE(found(s.startsWith(CZeLatin1String("one")) - 1));
+    ZE_MAKE(found(s.endsWith(CZeLatin1String("three")) - 1));
+    ZE_MAKE(number(&CZeString::toShort, u"-42"));
+    ZE_MAKE(number(&CZeString::toULongLong, u"42"));
+    ZE_MAKE(number(&CZeString::toDouble, u"1.5"));
+    ZE_MAKE(number(&CZeString::toFloat, u"1.5"));
+    ZE_MAKE(CZeByteArray("bytes"));
+    ZE_MAKE(CZeByteArray(3, 'x'));
+    ZE_MAKE(CZeByteArray().setNum(1.5));
+    ZE_MAKE(CZeByteArray("bytes").mid(1, 2));
+#undef ZE_MAKE
+}
+
+TEST(AllocationFailure, KeepsAListAndADecoder) {
+    expectAllOrNothing<CZeStringList>(
+        "append", [] { return sample().split(' '); }, [](auto& list) { list.append(CZeString()); });
+    CZeTextCodec::State begun;
+    CZeTextCodec::decode(CZeTextCodec::Utf8, "a\xC3", 2, &begun);
+    forEachFailure([&](auto underFailure) {
+        CZeTextCodec::State state = begun;
+        CZeString piece;
+        const auto decode = [&] { piece = CZeTextCodec::decode(CZeTextCodec::Utf8, "\xA9", 1, &state); };
+        if (underFailure(decode) && piece.isNull())
+            decode();
+        EXPECT_EQ(piece, text(u"é"));
+    });
+}
+
+TEST(AllocationFailure, IsReportedByCompression) {
+    const CZeByteArray bytes(9000, 'x');
+    const CZeByteArray packed = ZeCompress(bytes.constData(), bytes.size());
+    CZeByteArray understated = packed;
+    understated.data()[2] = 0x01; // so that the room must grow
+    const LogCapture log;
+    expectResultOrNothing("ZeCompress", [&] { return ZeCompress(bytes.constData(), bytes.size()); });
+    expectResultOrNothing("ZeUncompress", [&] { return ZeUncompress(packed.constData(), packed.size()); });
+    expectResultOrNothing("growing",
+                          [&] { return ZeUncompress(understated.constData(), understated.size()); });
+    EXPECT_THAT(log.texts(), Contains("ZeCompress: Z_MEM_ERROR: Not enough memory"));
+    EXPECT_THAT(log.texts(), Contains("ZeUncompress: Input data is corrupted"));
+}
+
+} // namespace
