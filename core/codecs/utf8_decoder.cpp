@@ -1,10 +1,16 @@
 #include "core/codecs/utf8_decoder.h"
 
-#include "core/codecs/ascii_step.h"
+#include "core/codecs/ascii_run.h"
 
 #include <utility>
 
 namespace {
+
+constexpr int kLongest = 4; // bytes of a sequence
+
+constexpr bool isAscii(char byte) {
+    return static_cast<unsigned char>(byte) < 0x80;
+}
 
 constexpr bool isTail(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
@@ -14,38 +20,34 @@ constexpr char32_t tailBits(char byte) {
     return static_cast<unsigned char>(byte) & 0x3F;
 }
 
-/// Decodes whole well-formed sequences up to something else or to the last bytes, fewer than a sequence may
-/// take.
-void decodeWellFormed(const char*& bytes, const char* end, CZeChar*& units) {
-    int run = ze::kRunBeforeStep;
-    while (end - bytes >= 4) {
+struct Progress {
+    const char* bytes;
+    CZeChar* units;
+};
+
+/// Decodes whole well-formed sequences up to something else, or to the last bytes, fewer than the longest
+/// sequence, or into a run of ASCII that is worth a call. (A call in here cost mixed text a third.)
+[[gnu::noinline]] Progress decodeMixed(const char* bytes, const char* end, CZeChar* units) {
+    const char* const last = end - kLongest;
+    for (int run = 0; bytes <= last;) {
         const char32_t lead = static_cast<unsigned char>(bytes[0]);
         if (lead < 0x80) {
             *units++ = CZeChar(char16_t(lead));
             ++bytes;
-            if (++run <= ze::kRunBeforeStep)
-                continue;
-            // No byte gives more than one unit, so that there is room for whole steps.
-            for (; end - bytes >= ze::kAsciiStep; bytes += ze::kAsciiStep, units += ze::kAsciiStep) {
-                if (const ze::NonAscii mask = ze::widenAsciiStep(bytes, units)) {
-                    bytes += ze::asciiBefore(mask);
-                    units += ze::asciiBefore(mask);
-                    run = 0;
-                    break;
-                }
-            }
+            if (++run == ze::kRunBeforeCall) [[unlikely]]
+                return {bytes, units};
             continue;
         }
         run = 0;
         if (lead < 0xE0) {
             if (lead < 0xC2 || !isTail(bytes[1]))
-                return;
+                break;
             *units++ = CZeChar(char16_t((lead & 0x1F) << 6 | tailBits(bytes[1])));
             bytes += 2;
         } else if (lead < 0xF0) {
             const char32_t unit = (lead & 0xF) << 12 | tailBits(bytes[1]) << 6 | tailBits(bytes[2]);
             if (!isTail(bytes[1]) || !isTail(bytes[2]) || unit < 0x800 || (unit >= 0xD800 && unit <= 0xDFFF))
-                return;
+                break;
             *units++ = CZeChar(char16_t(unit));
             bytes += 3;
         } else {
@@ -53,11 +55,31 @@ void decodeWellFormed(const char*& bytes, const char* end, CZeChar*& units) {
                 (lead & 0xF) << 18 | tailBits(bytes[1]) << 12 | tailBits(bytes[2]) << 6 | tailBits(bytes[3]);
             if (!isTail(bytes[1]) || !isTail(bytes[2]) || !isTail(bytes[3]) || codePoint < 0x10000 ||
                 codePoint > 0x10FFFF)
-                return;
+                break;
             *units++ = CZeChar::highSurrogate(codePoint);
             *units++ = CZeChar::lowSurrogate(codePoint);
             bytes += 4;
         }
+    }
+    return {bytes, units};
+}
+
+/// Decodes well-formed sequences up to something else or to the last bytes.
+void decodeWellFormed(const char*& bytes, const char* end, CZeChar*& units) {
+    while (end - bytes >= kLongest) {
+        if (isAscii(*bytes)) {
+            // No byte gives more than one unit, so that there is room.
+            const int count = ze::widenAsciiRun(bytes, int(end - bytes), units);
+            bytes += count;
+            units += count;
+            if (end - bytes < kLongest)
+                return;
+        }
+        const Progress progress = decodeMixed(bytes, end, units);
+        bytes = progress.bytes;
+        units = progress.units;
+        if (bytes != end && !isAscii(*bytes))
+            return;
     }
 }
 

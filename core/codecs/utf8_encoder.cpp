@@ -1,6 +1,7 @@
 #include "core/codecs/utf8_encoder.h"
 
-#include "core/codecs/ascii_step.h"
+#include "core/codecs/ascii_run.h"
+#include "core/codecs/short_step.h"
 
 #include <bit>
 #include <cstring>
@@ -25,52 +26,38 @@ char* put(uint32_t word, char* bytes) {
 
 } // namespace
 
-int ze::encodeAscii(const CZeChar* units, int count, char* bytes) {
-    int done = 0;
-    for (; count - done >= kAsciiStep; done += kAsciiStep) {
-        if (const NonAscii mask = narrowAsciiStep(units + done, bytes + done))
-            return done + asciiBefore(mask);
-    }
-    for (; done < count && units[done].unicode() < 0x80; ++done)
-        bytes[done] = static_cast<char>(units[done].unicode());
-    return done;
-}
-
 char* ze::encodeUtf8(const CZeChar* units, int count, char* bytes) {
     const CZeChar* const end = units + count;
-    int run = 0;
     while (units != end) {
-        const char32_t unit = units->unicode();
-        if (unit < 0x80) {
-            *bytes++ = static_cast<char>(unit);
-            ++units;
-            if (++run <= kRunBeforeStep)
-                continue;
-            for (; end - units >= kAsciiStep; units += kAsciiStep, bytes += kAsciiStep) {
-                if (const NonAscii mask = narrowAsciiStep(units, bytes)) {
-                    units += asciiBefore(mask);
-                    bytes += asciiBefore(mask);
-                    run = 0;
-                    break;
-                }
-            }
-            continue;
-        }
-        run = 0;
+        char32_t unit = units->unicode();
         if (unit < 0x800) {
-            bytes = put<2>((0xC0 | unit >> 6) | tail(unit) << 8, bytes);
+            // A step looks at two times eight units, and one more gives room for the byte that it writes too
+            // much.
+            if (end - units > 2 * kShortStep && eightWithout(kBeyondShort, units)) {
+                if (eightWithout(kBeyondAscii, units) && eightWithout(kBeyondAscii, units + kShortStep)) {
+                    const int ascii = narrowAsciiRun(units, int(end - units), bytes);
+                    units += ascii;
+                    bytes += ascii;
+                } else {
+                    bytes = putShortUnits(units, bytes);
+                    units += kShortStep;
+                }
+                continue;
+            }
+            if (unit < 0x80)
+                *bytes++ = static_cast<char>(unit);
+            else
+                bytes = put<2>((0xC0 | unit >> 6) | tail(unit) << 8, bytes);
         } else if (unit < 0xD800 || unit > 0xDFFF) {
-            // Such units come in runs, in which nothing else needs asking. Two-byte ones do so less: there
-            // the same loop cost Latin text a fifth and gave Cyrillic nothing.
-            char32_t next = unit;
+            // Such units come in runs, in which nothing else needs asking.
             for (;;) {
-                *bytes++ = static_cast<char>(0xE0 | next >> 12);
-                *bytes++ = static_cast<char>(tail(next >> 6));
-                *bytes++ = static_cast<char>(tail(next));
+                *bytes++ = static_cast<char>(0xE0 | unit >> 12);
+                *bytes++ = static_cast<char>(tail(unit >> 6));
+                *bytes++ = static_cast<char>(tail(unit));
                 if (units + 1 == end)
                     break;
-                next = units[1].unicode();
-                if (next < 0x800 || (next >= 0xD800 && next <= 0xDFFF))
+                unit = units[1].unicode();
+                if (unit < 0x800 || (unit >= 0xD800 && unit <= 0xDFFF))
                     break;
                 ++units;
             }

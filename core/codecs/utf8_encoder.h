@@ -6,9 +6,6 @@
 
 namespace ze {
 
-/// How many units from `units` on are ASCII; they are written to `bytes`, which has room for `count`.
-int encodeAscii(const CZeChar* units, int count, char* bytes);
-
 /// Writes `count` units as UTF-8; an unpaired surrogate as '?'. `bytes` has room for three times as many,
 /// or for `utf8Length` of them. Returns the end of what was written.
 char* encodeUtf8(const CZeChar* units, int count, char* bytes);
