@@ -142,19 +142,8 @@ CZeByteArray CZeString::toUtf8_helper(const CZeString& text) {
     if (done == size)
         return ascii;
 
+    // At the first unit that takes more, the rest gets the room that it can need at most.
     const int rest = size - done;
-    char small[1536];
-    if (rest <= int(sizeof(small)) / 3) {
-        const auto written = int(ze::encodeUtf8(units + done, rest, small) - small);
-        CZeByteArray result(done + written, Ze::Uninitialized);
-        if (result.isNull())
-            return {};
-        std::memcpy(result.m_array.units(), ascii.constData(), size_t(done));
-        std::memcpy(result.m_array.units() + done, small, size_t(written));
-        return result;
-    }
-
-    // The rest gets the room that it can need at most.
     int64_t room = done + int64_t{rest} * 3;
     if (room >= INT32_MAX)
         room = done + ze::utf8Length(units + done, rest);
