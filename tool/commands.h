@@ -9,6 +9,9 @@ namespace ze::tool {
 /// `zebeauty render INPUT OUTPUT`
 void addRenderCommand(CLI::App& program);
 
+/// `zebeauty lut bake|info|export|identity`
+void addLutCommand(CLI::App& program);
+
 /// `zebeauty info`
 void addInfoCommand(CLI::App& program);
 

@@ -3,6 +3,8 @@
 #include "tool/errors.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
@@ -11,6 +13,13 @@ namespace ze::tool {
 
 namespace {
 
+// What may help where EGL does not find what it needs; empty when it is the case already.
+std::string platformHint() {
+    const char* const platform = std::getenv("EGL_PLATFORM");
+    const bool isSurfaceless = platform && std::strcmp(platform, "surfaceless") == 0;
+    return isSurfaceless ? "" : "; EGL_PLATFORM=surfaceless draws without a display";
+}
+
 // Throws unless `done`, naming the EGL call.
 void require(bool done, const char* call) {
     if (done)
@@ -18,7 +27,7 @@ void require(bool done, const char* call) {
     char text[100];
     std::snprintf(text, sizeof text, "no EGL with OpenGL ES 2.0: %s failed (0x%x)", call,
                   static_cast<unsigned>(eglGetError()));
-    throw Failure(ExitCode::noGl, text);
+    throw Failure(ExitCode::noGl, text + platformHint());
 }
 
 // A context on a surface of one pixel, current while this lives.

@@ -10,13 +10,36 @@ namespace {
 
 using namespace ze::tool;
 
+// CLI11 would call a word that is no command an unexpected argument.
+void checkCommand(const CLI::App& program, int argc, char** argv) {
+    const CLI::App* group = &program;
+    std::string words;
+    for (int i = 1; !group->get_subcommands({}).empty(); ++i) {
+        const std::string word = i < argc ? argv[i] : "";
+        if (word.rfind('-', 0) == 0)
+            return;
+        if (word.empty())
+            throw Failure(ExitCode::usage, "no command is named; see zebeauty" + words + " --help");
+        const auto named =
+            group->get_subcommands([&](const CLI::App* command) { return command->get_name() == word; });
+        if (named.empty())
+            throw Failure(ExitCode::usage,
+                          "unknown command '" + word + "'; see zebeauty" + words + " --help");
+        words += " " + word;
+        group = named.front();
+    }
+}
+
 ExitCode run(int argc, char** argv) {
-    CLI::App program("Beautifies still pictures with libZeBeautyEffect.", "zebeauty");
+    CLI::App program("Beautifies and grades still pictures with libZeBeautyEffect.", "zebeauty");
+    program.set_version_flag("--version", "zebeauty " ZE_VERSION);
     program.footer("Exit codes: 0 done, 1 processing failed, 2 usage, 3 input not readable or not valid, "
                    "4 no EGL or OpenGL ES");
     addRenderCommand(program);
+    addLutCommand(program);
     addInfoCommand(program);
     addChartCommand(program);
+    checkCommand(program, argc, argv);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -26,8 +49,6 @@ ExitCode run(int argc, char** argv) {
         }
         throw Failure(ExitCode::usage, error.what());
     }
-    if (program.get_subcommands().empty())
-        throw Failure(ExitCode::usage, "no command is named; see zebeauty --help");
     if (!std::cout.flush())
         throw Failure(ExitCode::failed, "cannot write to standard output");
     return ExitCode::done;

@@ -92,10 +92,15 @@ std::vector<uint8_t> encode(AVCodecID id, const AVFrame& frame) {
 
 } // namespace
 
-std::optional<PictureFormat> pictureFormatOf(const std::string& path) {
+std::string extensionOf(const std::string& path) {
     std::string extension = std::filesystem::path(path).extension();
     std::transform(extension.begin(), extension.end(), extension.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return extension;
+}
+
+std::optional<PictureFormat> pictureFormatOf(const std::string& path) {
+    const std::string extension = extensionOf(path);
     if (extension == ".png")
         return PictureFormat::png;
     if (extension == ".jpg" || extension == ".jpeg")

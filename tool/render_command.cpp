@@ -1,15 +1,18 @@
 #include "tool/commands.h"
 #include "tool/errors.h"
 #include "tool/gl_info.h"
+#include "tool/number_text.h"
 #include "tool/output_file.h"
 #include "tool/picture_reader.h"
 #include "tool/render_session.h"
 #include "tool/side_by_side.h"
 #include "tool/targets.h"
+#include "tool/temporary_lut.h"
 
-#include <charconv>
+#include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 namespace ze::tool {
 
@@ -21,6 +24,10 @@ struct RenderOptions {
     std::string compare; // Empty: no picture of before and after.
     float smooth = 0.8f;
     float whiten = 0.2f;
+    std::string lut; // Empty: no grading.
+    float intensity = 1;
+    bool beautify = true;
+    bool gradeFirst = false;
     std::string format = "nv12";
     std::string standard = "bt601";
     std::string range = "full";
@@ -32,8 +39,15 @@ struct RenderOptions {
                 range == "video" ? ColourRange::video : ColourRange::full};
     }
 
-    // The library's own limits decide; the numbers here only tell whether it will need GL.
-    bool changesAnything() const { return double{smooth} > 0.001 || double{whiten} >= 0.001; }
+    // In the order of the command line. `table` is there when a LUT is named.
+    EffectChain effects(const std::optional<TemporaryLut>& table) const {
+        EffectChain chain;
+        if (beautify)
+            chain.push_back(Beauty{smooth, whiten});
+        if (table)
+            chain.insert(gradeFirst ? chain.begin() : chain.end(), Grading{table->path(), intensity});
+        return chain;
+    }
 };
 
 bool isSameFile(const std::string& first, const std::string& second) {
@@ -44,19 +58,26 @@ bool isSameFile(const std::string& first, const std::string& second) {
     return resolved(first) == resolved(second);
 }
 
-void checkSize(const Picture& picture) {
+void checkSize(const Picture& picture, const std::optional<TemporaryLut>& lut) {
     const int limit = queryGl().maxTextureSize;
-    if (picture.width > limit || picture.height > limit)
-        throw Failure(ExitCode::failed, std::to_string(picture.width) + "x" + std::to_string(picture.height) +
-                                            " pixels are too many for the GPU, whose limit is " +
-                                            std::to_string(limit) + " in each direction");
+    const auto checkSide = [&](int width, int height, const std::string& what) {
+        if (width > limit || height > limit)
+            throw Failure(ExitCode::failed, std::to_string(width) + "x" + std::to_string(height) + what +
+                                                " are too many for the GPU, whose limit is " +
+                                                std::to_string(limit) + " in each direction");
+    };
+    checkSide(picture.width, picture.height, " pixels");
+    if (lut)
+        checkSide(lut->levelCount() * lut->levelCount(), lut->levelCount(), " texels of the look-up table");
 }
 
-Picture beautified(const RenderOptions& options, const Picture& before) {
-    if (options.changesAnything())
-        checkSize(before);
+Picture rendered(const RenderOptions& options, const std::optional<TemporaryLut>& lut,
+                 const Picture& before) {
+    const EffectChain effects = options.effects(lut);
+    if (std::any_of(effects.begin(), effects.end(), isActive))
+        checkSize(before, lut);
     YuvFrame frame = yuvFromPicture(before, options.description());
-    RenderSession(options.smooth, options.whiten).render(frame);
+    RenderSession(effects).render(frame);
     Picture after = pictureFromYuv(frame);
     after.alpha = before.alpha;
     return after;
@@ -76,7 +97,10 @@ void render(const RenderOptions& options) {
     }
 
     const Picture before = inNameOf(options.input, [&] { return readPicture(options.input); });
-    const Picture after = inNameOf(options.input, [&] { return beautified(options, before); });
+    std::optional<TemporaryLut> lut;
+    if (!options.lut.empty())
+        lut.emplace(options.lut);
+    const Picture after = inNameOf(options.input, [&] { return rendered(options, lut, before); });
     OutputFile output(options.output, encoded(options.output, after, outputFormat));
     if (!options.compare.empty()) {
         const Picture both = inNameOf(options.compare, [&] { return sideBySide(before, after); });
@@ -87,17 +111,15 @@ void render(const RenderOptions& options) {
 
 // Unlike CLI::Range this does not let "nan" through.
 std::string checkAmount(const std::string& text) {
-    float amount = 0;
-    const char* const end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, amount);
-    const bool valid = result.ec == std::errc() && result.ptr == end && amount >= 0 && amount <= 1;
-    return valid ? "" : "'" + text + "' is no number from 0 to 1";
+    const float amount = parsedNumber(text);
+    return amount >= 0 && amount <= 1 ? "" : "'" + text + "' is no number from 0 to 1";
 }
 
 } // namespace
 
 void addRenderCommand(CLI::App& program) {
-    CLI::App* command = program.add_subcommand("render", "Smooth and whiten the skin in a picture");
+    CLI::App* command =
+        program.add_subcommand("render", "Smooth and whiten the skin in a picture, and grade its colours");
     const auto options = std::make_shared<RenderOptions>();
     command->add_option("INPUT", options->input, "Picture to read: PNG, JPEG or what else FFmpeg reads")
         ->required();
@@ -106,11 +128,21 @@ void addRenderCommand(CLI::App& program) {
             "OUTPUT", options->output,
             "Picture to write, .png, .jpg or .jpeg. PNG keeps transparency, JPEG gets a white ground")
         ->required();
-    command->add_option("--smooth", options->smooth, "How much to smooth skin, 0 to 1")
+    CLI::Option* smooth = command->add_option("--smooth", options->smooth, "How much to smooth skin, 0 to 1")
+                              ->check(checkAmount)
+                              ->capture_default_str();
+    CLI::Option* whiten =
+        command->add_option("--whiten", options->whiten, "How much to lift the whole picture, 0 to 1")
+            ->check(checkAmount)
+            ->capture_default_str();
+    CLI::Option* lut =
+        command->add_option("--lut", options->lut,
+                            "Grade colours through a LUT file, or through anything that 'zebeauty lut bake' "
+                            "reads. With --smooth or --whiten both effects run, in the order in which they "
+                            "are named here; without them the grading runs alone");
+    command->add_option("--intensity", options->intensity, "How much of the graded colour to mix in, 0 to 1")
         ->check(checkAmount)
-        ->capture_default_str();
-    command->add_option("--whiten", options->whiten, "How much to lift the whole picture, 0 to 1")
-        ->check(checkAmount)
+        ->needs(lut)
         ->capture_default_str();
     command->add_option("--format", options->format, "Frame layout")
         ->check(CLI::IsMember({"nv12", "nv21"}))
@@ -124,7 +156,16 @@ void addRenderCommand(CLI::App& program) {
     command->add_option("--compare", options->compare,
                         "Also write before and after, side by side, to this file");
     command->add_flag("-y", options->overwrite, "Overwrite OUTPUT and the --compare file");
-    command->callback([options] { render(*options); });
+    command->callback([=] {
+        const std::vector<CLI::Option*>& named = command->parse_order();
+        const auto placeOf = [&](const CLI::Option* option) {
+            return std::find(named.begin(), named.end(), option);
+        };
+        const auto beauty = std::min(placeOf(smooth), placeOf(whiten));
+        options->beautify = beauty != named.end() || options->lut.empty();
+        options->gradeFirst = placeOf(lut) < beauty;
+        render(*options);
+    });
 }
 
 } // namespace ze::tool

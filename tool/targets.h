@@ -8,8 +8,11 @@
 
 namespace ze::tool {
 
-/// The format for an output file `path`. Throws `Failure` (`usage`) when its extension names none, when it is
-/// a directory, and when it exists and `overwrite` is not set.
+/// The format for a picture to be written to `path`. Throws `Failure` (`usage`) when its extension names
+/// none, when it is a directory, and when it exists and `overwrite` is not set.
 PictureFormat checkTarget(const std::string& path, bool overwrite);
+
+/// The same for a file that has to have `extension`, in small or capital letters.
+void checkTarget(const std::string& path, bool overwrite, const std::string& extension);
 
 } // namespace ze::tool

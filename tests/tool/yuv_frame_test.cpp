@@ -74,7 +74,7 @@ TEST(RenderSession, KeepsEveryByteWithoutAnEffectAndWhitensEveryPixel) {
         picture = drawChart(picture.width, picture.height, ChartNoise::speckled);
         const YuvFrame before = yuvFromPicture(picture, description);
         YuvFrame after = before;
-        RenderSession(0, 0).render(after);
+        RenderSession({Beauty{0, 0}}).render(after);
         EXPECT_EQ(after.luma, before.luma);
         EXPECT_EQ(after.chroma, before.chroma);
 
@@ -82,7 +82,7 @@ TEST(RenderSession, KeepsEveryByteWithoutAnEffectAndWhitensEveryPixel) {
             picture.rgb[i] = static_cast<uint8_t>(60 + 30 * (i % 3));
         YuvFrame frame = yuvFromPicture(picture, description);
         if (hasGl)
-            RenderSession(0, 1).render(frame);
+            RenderSession({Beauty{0, 1}}).render(frame);
         for (uint8_t& channel : picture.rgb)
             channel = static_cast<uint8_t>(channel + (hasGl ? 38 : 0)); // 0.15 of 255
         expectNear(pictureFromYuv(frame).rgb, picture.rgb, 4);
