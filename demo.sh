@@ -11,11 +11,24 @@ fail() {
     exit 1
 }
 
+case ${1:-} in
+-h | --help)
+    sed -n '2,/^set/{s/^# \{0,1\}//p;}' "$0"
+    exit
+    ;;
+-*) fail "$1 is no option; usage: ./demo.sh [PHOTO] [OUTPUT]" ;;
+esac
 [ $# -le 2 ] || fail "usage: ./demo.sh [PHOTO] [OUTPUT]"
 photo=${1:+$(realpath -m -- "$1")}
 output=${2:+$(realpath -m -- "$2")}
 cd "$(dirname "${BASH_SOURCE[0]}")"
 [ -z "$photo" ] || [ -r "$photo" ] || fail "$photo cannot be read"
+case $output in
+"" | *.png | *.jpg | *.jpeg) ;;
+*) fail "$output: OUTPUT is a .png or .jpg" ;;
+esac
+[ ! -e "$output" ] || fail "$output exists; name another OUTPUT, or use zebeauty render -y to overwrite"
+[ -z "$output" ] || [ -d "${output%/*}/" ] || fail "${output%/*} is no directory"
 
 ./setup/install.sh
 [ -f build/release/build.ninja ] || cmake --preset release >/dev/null
