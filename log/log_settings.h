@@ -22,6 +22,7 @@ ZE_EXPORT bool ZeIsLogLevelEnabled(int level);
 ZE_EXPORT void ZeSetFileLogging(bool on);
 
 /// Sends the console's messages to standard error, one line each, instead of the Android log (initially off).
+/// On Linux the Android log is standard error too, with lines of its own form.
 ZE_EXPORT void ZeSetConsoleToStandardError(bool on);
 
 /// Sets the directory under which log files are made: an absolute path in the local encoding (UTF-8); null
