@@ -9,12 +9,7 @@
 namespace {
 
 TEST(ByteArray, TellsNullFromEmpty) {
-    const struct {
-        CZeByteArray array;
-        bool null;
-        std::string contents;
-        int capacity;
-    } rows[] = {
+    const std::tuple<CZeByteArray, bool, std::string, int> rows[] = {
         // clang-format off
         {CZeByteArray(), true, "", 0}, {CZeByteArray(nullptr, 5), true, "", 0},
         {CZeByteArray("abc", 0), false, "", 0}, {CZeByteArray(""), false, "", 0},
@@ -24,12 +19,10 @@ TEST(ByteArray, TellsNullFromEmpty) {
         {CZeByteArray(0, Ze::Uninitialized), false, "", 1}, {CZeByteArray(-1, Ze::Uninitialized), false, "", 1},
         // clang-format on
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        EXPECT_EQ(row.array.isNull(), row.null);
-        EXPECT_EQ(bytes(row.array), row.contents);
-        EXPECT_EQ(row.array.capacity(), row.capacity);
-        EXPECT_EQ(row.array.constData()[row.array.size()], 0);
+    for (const auto& [array, isNull, contents, capacity] : rows) {
+        EXPECT_TRUE(array.isNull() == isNull && array.capacity() == capacity) << contents;
+        EXPECT_EQ(bytes(array), contents);
+        EXPECT_EQ(*array.end(), 0);
     }
 }
 
@@ -42,9 +35,7 @@ CZeByteArray letters(int size) {
 }
 
 TEST(ByteArray, ResizeGrowsByPowersAndShrinksBelowHalf) {
-    const struct {
-        int from, to, capacity;
-    } rows[] = {
+    const std::tuple<int, int, int> rows[] = {
         // clang-format off
         {0, 5, 6}, // out of the static block: exact
         {1000, 1000, 1001}, // room for the terminator counts
@@ -53,14 +44,14 @@ TEST(ByteArray, ResizeGrowsByPowersAndShrinksBelowHalf) {
         {1000, INT_MAX, 1001}, // refused
         // clang-format on
     };
-    for (const auto& row : rows) {
-        CZeByteArray array = row.from == 0 ? CZeByteArray() : letters(row.from);
-        const int size = row.to == INT_MAX ? row.from : std::max(row.to, 0);
-        array.resize(row.to);
-        SCOPED_TRACE(&row - rows);
-        EXPECT_TRUE(array.size() == size && array.capacity() == row.capacity && !array.isNull());
+    for (const auto& [from, to, capacity] : rows) {
+        CZeByteArray array = from == 0 ? CZeByteArray() : letters(from);
+        const int size = to == INT_MAX ? from : std::max(to, 0);
+        array.resize(to);
+        SCOPED_TRACE(to);
+        EXPECT_TRUE(array.size() == size && array.capacity() == capacity && !array.isNull());
         EXPECT_EQ(*array.end(), 0);
-        EXPECT_EQ(array.left(std::min(row.from, size)), letters(std::min(row.from, size)));
+        EXPECT_EQ(array.left(std::min(from, size)), letters(std::min(from, size)));
     }
 }
 
@@ -141,30 +132,23 @@ TEST(ByteArray, AssigningTextReusesABlockThatFitsWell) {
 }
 
 TEST(ByteArray, ComparesBytesThenSizes) {
-    const struct {
-        CZeByteArray left, right;
-        int sign;
-    } rows[] = {
+    const std::tuple<CZeByteArray, CZeByteArray, int> rows[] = {
         {"ab", "abc", -1}, {"abd", "abc", 1},       {"b", "abc", 1},
         {"", "a", -1},     {CZeByteArray(), "", 0}, {"\x80", "a", 1},
     };
-    for (const auto& row : rows) {
-        const int order = CZeByteArray::compare(row.left, row.right);
-        EXPECT_EQ((order > 0) - (order < 0), row.sign) << bytes(row.left) << ' ' << bytes(row.right);
-        EXPECT_EQ(row.left < row.right, row.sign < 0);
-        EXPECT_EQ(row.left >= row.right, row.sign >= 0);
-        EXPECT_EQ(row.left == row.right, row.sign == 0);
+    for (const auto& [left, right, sign] : rows) {
+        const int order = CZeByteArray::compare(left, right);
+        EXPECT_EQ((order > 0) - (order < 0), sign) << bytes(left) << ' ' << bytes(right);
+        EXPECT_TRUE((left < right) == (sign < 0) && (left > right) == (sign > 0) &&
+                    (left == right) == (sign == 0));
+        EXPECT_TRUE((left >= right) == (sign >= 0) && (left <= right) == (sign <= 0) &&
+                    (left != right) == (sign != 0));
     }
     EXPECT_EQ(CZeByteArray::compare("ab", "abcde"), -3);
 }
 
 TEST(ByteArray, SetNumFormatsAsPrintf) {
-    const struct {
-        double value;
-        char format;
-        int precision;
-        std::string text;
-    } rows[] = {
+    const std::tuple<double, char, int, std::string> rows[] = {
         // clang-format off
         {0.1, 'g', 6, "0.1"}, {1234567, 'g', 6, "1.23457e+06"}, {1.5, 'g', -1, "1.5"},
         {1.5, 'f', -1, "1.500000"}, {2.0 / 3, 'f', 2, "0.67"}, {-2.0 / 3, 'E', 1, "-6.7E-01"},
@@ -172,11 +156,8 @@ TEST(ByteArray, SetNumFormatsAsPrintf) {
         {1, 'f', 200, "1." + std::string(125, '0')}, // cut at 127
         // clang-format on
     };
-    for (const auto& row : rows) {
-        CZeByteArray array("before");
-        EXPECT_EQ(bytes(array.setNum(row.value, row.format, row.precision)), row.text);
-        EXPECT_FALSE(array.isNull());
-    }
+    for (const auto& [value, format, precision, text] : rows)
+        EXPECT_EQ(bytes(CZeByteArray("before").setNum(value, format, precision)), text);
 }
 
 } // namespace

@@ -14,18 +14,14 @@
 namespace {
 
 TEST(TextCodec, IsFoundByName) {
-    const struct {
-        const char* name;
-        int mib;
-    } rows[] = {
+    const std::pair<const char*, int> rows[] = {
         {"utf-8", 106},   {"UTF-8", 106},    {"utf8", 0},   {"utf-8 ", 0},     {"ISO-8859-1", 4},
         {"iso8859-1", 4}, {"CP819", 4},      {"ibm819", 4}, {"ISO-IR-100", 4}, {"csISOLatin1", 4},
         {"latin1", 0},    {"iso-8859-2", 0}, {"", 0},       {nullptr, 0},      {"\xD5TF-8", 0},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(CZeTextCodec::mibForName(row.name), row.mib) << row.name;
-        EXPECT_EQ(CZeTextCodec(row.name).isValid(), row.mib != 0);
-    }
+    for (const auto& [name, mib] : rows)
+        EXPECT_TRUE(CZeTextCodec::mibForName(name) == mib && CZeTextCodec(name).isValid() == (mib != 0))
+            << mib;
 }
 
 TEST(TextCodec, ConvertsBothWaysOrWarns) {

@@ -87,18 +87,16 @@ TEST_F(FileRename, CopiesWhereTheSystemCannotRename) {
 }
 
 TEST_F(FileRename, AFailedCopyLeavesTheSourceAndNothingElse) {
-    const struct {
-        const char* function;
-        FileSystemDouble::Failure failure;
-    } rows[] = {{"write", {ENOSPC, 1, 2}}, {"read", {EIO, 100, 1}}, {"fopen", {EMFILE}},
-                {"fopen", {EMFILE, 1, 1}}, {"fsync", {EIO}},        {"unlink", {EACCES}}};
+    const std::pair<const char*, FileSystemDouble::Failure> rows[] = {
+        {"write", {ENOSPC, 1, 2}}, {"read", {EIO, 100, 1}}, {"fopen", {EMFILE}},
+        {"fopen", {EMFILE, 1, 1}}, {"fsync", {EIO}},        {"unlink", {EACCES}}};
     system.mostBytes = 7777;
-    for (const auto& row : rows) {
-        system.failures = {{"rename", {EXDEV}}, {row.function, row.failure}};
-        const bool isCopied = row.failure.error == EACCES;
+    for (const auto& [function, failure] : rows) {
+        system.failures = {{"rename", {EXDEV}}, {function, failure}};
+        const bool isCopied = failure.error == EACCES;
         EXPECT_EQ(rename("new"), isCopied ? "Cannot remove source file" : "Error while renaming.");
         system.failures.clear();
-        EXPECT_EQ(listing(directory), "file ") << row.function;
+        EXPECT_EQ(listing(directory), "file ") << function;
         EXPECT_EQ(contentOf(path), content);
     }
     std::filesystem::create_symlink("nowhere", directory / "dangling");

@@ -110,11 +110,11 @@ TEST(File, OpensWithTheModeStringThatTheAccessCallsFor) {
         const char* existing;
         const char* content; ///< of the existing file after "new" was written, where that is allowed
     } rows[] = {
-        {r, nullptr, "rb", "old text"},           {w, "wb", "wb", "new"},
-        {r | w, "wb+", "rb+", "new text"},        {w | t | Ze::Text, "wb", "wb", "new"},
-        {w | a, "ab", "ab", "old textnew"},       {r | w | t, "wb+", "wb+", "new"},
-        {r | w | a, "ab+", "ab+", "old textnew"}, {w | a | t, "ab", "ab", "old textnew"},
-        {r | a, "ab+", "ab+", "old text"},
+        // clang-format off
+        {r, nullptr, "rb", "old text"}, {w, "wb", "wb", "new"}, {r | w, "wb+", "rb+", "new text"},
+        {w | t | Ze::Text, "wb", "wb", "new"}, {w | a, "ab", "ab", "old textnew"}, {r | w | t, "wb+", "wb+", "new"},
+        {r | w | a, "ab+", "ab+", "old textnew"}, {w | a | t, "ab", "ab", "old textnew"}, {r | a, "ab+", "ab+", "old text"},
+        // clang-format on
     };
     for (const auto& row : rows) {
         for (const bool exists : {false, true}) {
@@ -136,22 +136,21 @@ TEST(File, SaysWhyItCannotBeOpened) {
     const TempDirectory directory;
     std::filesystem::create_symlink("nowhere", directory / "dangling");
     const std::string file = madeFile(directory / "\xC3\xA9\xE2\x82\xAC", "x");
+    constexpr char kNone[] = "No such file or directory";
     const std::tuple<std::string, int, FileSystemDouble::Failure, int, const char*> rows[] = {
-        {file + "?", Ze::ReadOnly, {0, 0}, 5, "No such file or directory"},
-        {file + "\0?"s, Ze::ReadOnly, {0, 0}, 5, "No such file or directory"}, // not the file before the zero
-        {directory / "dangling", Ze::ReadOnly, {0, 0}, 5, "No such file or directory"},
+        // clang-format off
+        {file + "?", Ze::ReadOnly, {0, 0}, 5, kNone}, {directory / "dangling", Ze::ReadOnly, {0, 0}, 5, kNone},
+        {file + "\0?"s, Ze::ReadOnly, {0, 0}, 5, kNone}, // not the file before the zero
         {directory.path(), Ze::ReadOnly, {0, 0}, 5, "file to open is a directory"},
         {directory.path(), Ze::WriteOnly, {0, 0}, 5, "Is a directory"},
         {file, Ze::ReadOnly | Ze::Truncate, {0, 0}, 5, "Invalid argument"},
-        {file, Ze::ReadOnly, {EACCES}, 5, "Permission denied"},
-        {file, Ze::ReadOnly, {EMFILE}, 4, "Too many open files"},
+        {file, Ze::ReadOnly, {EACCES}, 5, "Permission denied"}, {file, Ze::ReadOnly, {EMFILE}, 4, "Too many open files"},
         {file, Ze::ReadOnly, {EINTR, 3}, 0, ""}, // tried again
+        // clang-format on
     };
     CZeFile opened;
-    const auto descriptors = [] {
-        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-    };
-    const auto before = descriptors();
+    const std::filesystem::path descriptors = "/proc/self/fd";
+    const auto before = std::distance(std::filesystem::directory_iterator(descriptors), {});
     for (const auto& [path, mode, failure, code, text] : rows) {
         FileSystemDouble system;
         system.failures["fopen"] = failure;
@@ -160,7 +159,7 @@ TEST(File, SaysWhyItCannotBeOpened) {
         EXPECT_TRUE(opened.isOpen() == (code == 0) && opened.error() == code) << text;
         EXPECT_EQ(utf8(opened.errorString()), text);
     }
-    EXPECT_EQ(descriptors(), before + 1);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(descriptors), {}), before + 1);
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
@@ -182,36 +181,30 @@ TEST(File, ReadsAndWritesLikeAStringInMemory) {
             const size_t sizes[] = {1, 1 + below(64), 1 + below(3000), 16383 + below(3), 40000};
             std::string data(sizes[below(5)], '\0');
             std::string rest = pos < model.size() ? model.substr(pos, data.size()) : "";
-            switch (below(7)) {
-            case 0:
-            case 1:
+            const size_t action = below(7);
+            if (action < 2) {
                 ASSERT_EQ(file.read(data.data(), int64_t(data.size())), rest.size()) << seed << ' ' << step;
                 ASSERT_EQ(data.substr(0, rest.size()), rest);
                 pos += rest.size();
-                break;
-            case 2:
+            } else if (action == 2) {
                 ASSERT_EQ(bytes(file.peek(int64_t(data.size()))), rest);
                 ASSERT_EQ(file.atEnd(), rest.empty());
-                break;
-            case 3:
-            case 4:
+            } else if (action == 3) {
+                pos = below(2) ? below(model.size() + 100) : pos - std::min(pos, below(3000));
+                ASSERT_TRUE(file.seek(int64_t(pos)));
+            } else if (action == 4) {
+                data.push_back('\0');
+                rest.resize(std::min(rest.find('\n'), rest.size() - 1) + 1);
+                ASSERT_EQ(file.readLine(data.data(), int64_t(data.size())), rest.size());
+                ASSERT_EQ(data.substr(0, rest.size() + 1), rest + '\0');
+                pos += rest.size();
+            } else {
                 std::generate(data.begin(), data.end(), [&] { return char(random()); });
                 ASSERT_EQ(file.write(data.data(), int64_t(data.size())), data.size());
                 pos = appends ? model.size() : pos;
                 model.resize(std::max(model.size(), pos));
                 model.replace(pos, data.size(), data);
                 pos += data.size();
-                break;
-            case 5:
-                pos = below(2) ? below(model.size() + 100) : pos - std::min(pos, below(3000));
-                ASSERT_TRUE(file.seek(int64_t(pos)));
-                break;
-            case 6:
-                data.push_back('\0');
-                rest.resize(std::min(rest.find('\n'), rest.size() - 1) + 1);
-                ASSERT_EQ(file.readLine(data.data(), int64_t(data.size())), rest.size());
-                ASSERT_EQ(data.substr(0, rest.size() + 1), rest + '\0');
-                pos += rest.size();
             }
             ASSERT_EQ(file.pos(), pos) << seed << ' ' << step;
             ASSERT_EQ(file.size(), model.size()) << seed << ' ' << step;
@@ -370,13 +363,12 @@ TEST(GenericFileEngine, AsksTheSystem) {
         none(name(directory / "none"));
     EXPECT_TRUE(here.isDirectory() && !file.isDirectory() && !none.isDirectory());
     EXPECT_THAT(log.texts(), ElementsAre("stat() ZE_FAILED for '" + directory / "none" + "'"));
-    const char* const old = getenv("TMPDIR");
-    const std::string kept = old ? old : "";
-    for (const std::string set : {"/elsewhere", ""}) {
-        setenv("TMPDIR", set.c_str(), 1);
-        EXPECT_EQ(utf8(CZeGenericFileEngine::tempPath()), set.empty() ? "/tmp" : set);
-    }
-    old ? setenv("TMPDIR", kept.c_str(), 1) : unsetenv("TMPDIR");
+    const std::string kept = getenv("TMPDIR") ? getenv("TMPDIR") : "/tmp";
+    setenv("TMPDIR", "", 1);
+    EXPECT_EQ(utf8(CZeGenericFileEngine::tempPath()), "/tmp");
+    setenv("TMPDIR", "/elsewhere", 1);
+    EXPECT_EQ(utf8(CZeGenericFileEngine::tempPath()), "/elsewhere");
+    setenv("TMPDIR", kept.c_str(), 1);
 }
 
 } // namespace

@@ -144,10 +144,7 @@ TEST(StringSearch, TakesEveryFormOfText) {
 
 TEST(StringBuilding, RepeatsPadsAndEscapes) {
     const CZeString ab = text(u"ab");
-    const struct {
-        CZeString result;
-        const char* contents;
-    } rows[] = {
+    const std::pair<CZeString, const char*> rows[] = {
         // clang-format off
         {ab.repeated(3), "ababab"}, {ab.repeated(0), ""}, {ab.repeated(-1), ""}, {text(u"").repeated(9), ""},
         {ab.leftJustified(4, '.'), "ab.."}, {ab.rightJustified(4, '.'), "..ab"}, {ab.leftJustified(3), "ab "},
@@ -156,10 +153,8 @@ TEST(StringBuilding, RepeatsPadsAndEscapes) {
         {text(u"<a href=\"x\">&'\u00E9</a>").toHtmlEscaped(), "&lt;a href=&quot;x&quot;&gt;&amp;'\xC3\xA9&lt;/a&gt;"},
         // clang-format on
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(utf8(row.result), row.contents);
-        EXPECT_FALSE(row.result.isNull());
-    }
+    for (const auto& [result, contents] : rows)
+        EXPECT_TRUE(utf8(result) == contents && !result.isNull()) << contents;
     EXPECT_EQ(utf8(ab), "ab");
     for (const CZeString& same :
          {ab.repeated(1), ab.leftJustified(2), ab.rightJustified(0), ab.toHtmlEscaped()})

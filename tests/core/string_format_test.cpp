@@ -18,11 +18,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 TEST(Number, FormatsIntegersInEveryBase) {
-    const struct {
-        long value;
-        int base;
-        std::string text;
-    } rows[] = {
+    const std::tuple<long, int, std::string> rows[] = {
         // clang-format off
         {0, 10, "0"}, {255, 16, "ff"}, {-255, 16, "-ff"}, {35, 36, "z"}, {36, 36, "10"}, {5, 2, "101"},
         {-10, 10, "-10"}, {42, 1, "42"}, {42, 37, "42"}, {42, -2, "42"}, {8, 8, "10"},
@@ -30,11 +26,11 @@ TEST(Number, FormatsIntegersInEveryBase) {
         {LONG_MIN, 2, "-1" + std::string(63, '0')},
         // clang-format on
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(utf8(CZeString::number(row.value, row.base)), row.text);
-        EXPECT_EQ(utf8(text(u"before").setNum(row.value, row.base)), row.text);
-        const auto bits = static_cast<unsigned long>(row.value);
-        EXPECT_EQ(utf8(CZeString::number(bits, row.base)) == row.text, row.value >= 0);
+    for (const auto& [value, base, digits] : rows) {
+        EXPECT_EQ(utf8(CZeString::number(value, base)), digits);
+        EXPECT_EQ(utf8(text(u"before").setNum(value, base)), digits);
+        const auto bits = static_cast<unsigned long>(value);
+        EXPECT_EQ(utf8(CZeString::number(bits, base)) == digits, value >= 0);
     }
     EXPECT_EQ(utf8(CZeString::number(INT_MIN) + CZeString::number(UINT_MAX)), "-21474836484294967295");
     EXPECT_EQ(utf8(CZeString::number(ULONG_MAX, 2)), std::string(64, '1'));
@@ -92,12 +88,7 @@ TEST(Number, ReadsIntegers) {
 }
 
 TEST(Number, ReadsDoubles) {
-    const struct {
-        const char16_t* string;
-        bool ok;
-        double value;
-        bool fitsFloat;
-    } rows[] = {
+    const std::tuple<const char16_t*, bool, double, bool> rows[] = {
         // clang-format off
         {u" 1.5 ", true, 1.5, true}, {u"-2.5e3", true, -2500, true}, {u"1,5", false, 0, false}, {u"0x1p3", true, 8, true},
         {u".5", true, .5, true}, {u"", false, 0, false}, {u".", false, 0, false}, {u"1.5x", false, 0, false},
@@ -106,12 +97,12 @@ TEST(Number, ReadsDoubles) {
         {u"inf", true, HUGE_VAL, true}, {u"-0", true, -0.0, true}, {u"\u00A0" u"3\u0085", true, 3, true},
         // clang-format on
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(utf8(text(row.string)));
-        bool ok = !row.ok, fitsFloat = !row.fitsFloat;
-        EXPECT_EQ(text(row.string).toDouble(&ok), row.value);
-        EXPECT_EQ(text(row.string).toFloat(&fitsFloat), row.fitsFloat ? float(row.value) : 0.0f);
-        EXPECT_TRUE(ok == row.ok && fitsFloat == row.fitsFloat);
+    for (const auto& [units, isOk, value, isFloat] : rows) {
+        const CZeString s = text(units);
+        bool ok = !isOk, fits = !isFloat;
+        EXPECT_EQ(s.toDouble(&ok), value) << utf8(s);
+        EXPECT_EQ(s.toFloat(&fits), isFloat ? float(value) : 0.0f) << utf8(s);
+        EXPECT_TRUE(ok == isOk && fits == isFloat) << utf8(s);
     }
     EXPECT_EQ(text(u"1.5").toDouble() + double{text(u"1.5").toFloat()}, 3);
 }
@@ -132,11 +123,7 @@ TEST(Number, KeepsItsPointWhereTheProgramHasAComma) {
 }
 
 TEST(Arg, FillsTheLowestEscape) {
-    const struct {
-        const char16_t* string;
-        int fieldWidth;
-        const char* result;
-    } rows[] = {
+    const std::tuple<const char16_t*, int, const char*> rows[] = {
         // clang-format off
         {u"Error %1 in %1 and %2", 0, "Error x in x and %2"}, {u"%10 %9", 0, "%10 x"}, {u"%10", 0, "x"},
         {u"%100", 0, "x0"}, {u"%0%1", 0, "x%1"},
@@ -147,12 +134,12 @@ TEST(Arg, FillsTheLowestEscape) {
         // clang-format on
     };
     LogCapture log;
-    for (const auto& row : rows) {
-        const CZeString s = text(row.string);
-        EXPECT_EQ(utf8(s.arg(text(u"x"), row.fieldWidth, CZeChar('.'))), row.result);
-        EXPECT_EQ(utf8(s.arg(CZeChar('x'), row.fieldWidth, CZeChar('.'))), row.result);
-        EXPECT_EQ(utf8(s.arg('x', row.fieldWidth, CZeChar('.'))), row.result);
-        EXPECT_EQ(s, text(row.string));
+    for (const auto& [string, width, result] : rows) {
+        const CZeString s = text(string);
+        EXPECT_EQ(utf8(s.arg(text(u"x"), width, CZeChar('.'))), result);
+        EXPECT_EQ(utf8(s.arg(CZeChar('x'), width, CZeChar('.'))), result);
+        EXPECT_EQ(utf8(s.arg('x', width, CZeChar('.'))), result);
+        EXPECT_EQ(s, text(string));
     }
     EXPECT_THAT(log.texts(), IsEmpty());
 }

@@ -11,11 +11,7 @@ namespace {
 
 TEST(String, TellsNullFromEmpty) {
     const CZeChar abc[] = {'a', 'b', 'c', CZeChar()};
-    const struct {
-        CZeString string;
-        bool null;
-        const char* contents;
-    } rows[] = {
+    const std::tuple<CZeString, bool, std::string> rows[] = {
         // clang-format off
         {CZeString(), true, ""}, {CZeString(nullptr, 3), true, ""}, {CZeString(abc, 0), false, ""},
         {CZeString(abc, 2), false, "ab"}, {CZeString(abc), false, "abc"}, {CZeChar('x'), false, "x"},
@@ -27,11 +23,9 @@ TEST(String, TellsNullFromEmpty) {
         {CZeString::fromRawData(nullptr, 2), true, ""}, {CZeString::fromRawData(abc, 0), false, ""},
         // clang-format on
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(&row - rows);
-        EXPECT_EQ(row.string.isNull(), row.null);
-        EXPECT_EQ(utf8(row.string), row.contents);
-        EXPECT_EQ(row.string == CZeString(), row.string.isEmpty());
+    for (const auto& [string, isNull, contents] : rows) {
+        EXPECT_TRUE(string.isNull() == isNull && utf8(string) == contents) << contents;
+        EXPECT_EQ(string == CZeString(), contents.empty());
     }
 }
 
@@ -111,16 +105,14 @@ TEST(String, AppendMindsNull) {
 }
 
 TEST(String, InsertAtAndBehind) {
-    const struct {
-        int position;
-        const char* result;
-    } rows[] = {{0, "XYabc"}, {1, "aXYbc"}, {3, "abcXY"}, {5, "abc  XY"}, {-1, "abc"}};
+    const std::pair<int, const char*> rows[] = {
+        {0, "XYabc"}, {1, "aXYbc"}, {3, "abcXY"}, {5, "abc  XY"}, {-1, "abc"}};
     const CZeString xy = text(u"XY");
-    for (const auto& row : rows) {
-        EXPECT_EQ(utf8(text(u"abc").insert(row.position, CZeLatin1String("XY"))), row.result);
-        EXPECT_EQ(utf8(text(u"abc").insert(row.position, xy)), row.result);
-        EXPECT_EQ(utf8(text(u"abc").insert(row.position, CZeStringRef(&xy))), row.result);
-        EXPECT_EQ(utf8(text(u"abc").insert(row.position, 'Y').insert(row.position, 'X')), row.result);
+    for (const auto& [position, result] : rows) {
+        EXPECT_EQ(utf8(text(u"abc").insert(position, CZeLatin1String("XY"))), result);
+        EXPECT_EQ(utf8(text(u"abc").insert(position, xy)), result);
+        EXPECT_EQ(utf8(text(u"abc").insert(position, CZeStringRef(&xy))), result);
+        EXPECT_EQ(utf8(text(u"abc").insert(position, 'Y').insert(position, 'X')), result);
     }
 }
 
@@ -276,29 +268,23 @@ TEST(String, Splits) {
 
 TEST(String, Sections) {
     const CZeString path = text(u"/usr/local/bin/tool");
-    const struct {
-        int first, last;
-        const char* contents;
-    } rows[] = {
+    const std::tuple<int, int, const char*> rows[] = {
         // clang-format off
         {3, 4, "bin/tool"}, {3, 3, "bin"}, {0, 0, ""}, {0, 1, "/usr"}, {-1, -1, "tool"}, {-2, -1, "bin/tool"},
         {1, -2, "usr/local/bin"}, {2, 99, "local/bin/tool"}, {-99, 1, "/usr"}, {5, 9, ""}, {3, 2, ""},
         {-99, -50, ""}, {0, -1, "/usr/local/bin/tool"},
         // clang-format on
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(utf8(path.section('/', row.first, row.last)), row.contents) << row.first << row.last;
-        EXPECT_EQ(utf8(path.section(text(u"/"), row.first, row.last)), row.contents);
+    for (const auto& [first, last, contents] : rows) {
+        EXPECT_EQ(utf8(path.section('/', first, last)), contents) << first << last;
+        EXPECT_EQ(utf8(path.section(text(u"/"), first, last)), contents);
     }
     EXPECT_EQ(utf8(text(u"1aNd2AND3").section(text(u"and"), 1, 1, Ze::CaseInsensitive)), "2");
     EXPECT_TRUE(path.section('/', 5, 9).isNull() && path.section('/', -99, -50).isNull());
 }
 
 TEST(String, TrimsAndSimplifies) {
-    const struct {
-        const char16_t* string;
-        const char *trimmed, *simplified;
-    } rows[] = {
+    const std::tuple<const char16_t*, const char*, const char*> rows[] = {
         // clang-format off
         {u" \t\n\v\f\r a \t b \r\n", "a \t b", "a b"}, {u"ab", "ab", "ab"}, {u"a b", "a b", "a b"}, {u"   ", "", ""},
         {u"", "", ""}, {u" x", "x", "x"}, {u"x ", "x", "x"}, {u"a\tb", "a\tb", "a b"}, {u"a  b", "a  b", "a b"},
@@ -307,13 +293,13 @@ TEST(String, TrimsAndSimplifies) {
         {u"\u200B\u202F", "\xE2\x80\x8B\xE2\x80\xAF", "\xE2\x80\x8B\xE2\x80\xAF"},
         // clang-format on
     };
-    for (const auto& row : rows) {
-        const CZeString s = text(row.string);
+    for (const auto& [string, trimmed, simplified] : rows) {
+        const CZeString s = text(string);
         for (const bool trims : {true, false}) {
-            const std::string expected = trims ? row.trimmed : row.simplified;
-            const auto clean = [trims](auto&& string) {
-                return trims ? std::forward<decltype(string)>(string).trimmed()
-                             : std::forward<decltype(string)>(string).simplified();
+            const std::string expected = trims ? trimmed : simplified;
+            const auto clean = [trims](auto&& dirty) {
+                return trims ? std::forward<decltype(dirty)>(dirty).trimmed()
+                             : std::forward<decltype(dirty)>(dirty).simplified();
             };
             CZeString own(s.unicode(), s.size());
             const void* const block = own.constData();
@@ -324,7 +310,7 @@ TEST(String, TrimsAndSimplifies) {
             }
             EXPECT_TRUE(moved.constData() == block || 2 * moved.size() <= s.size());
             EXPECT_EQ(clean(s).constData() == s.constData() || s.isEmpty(), s == moved);
-            EXPECT_EQ(s, text(row.string));
+            EXPECT_EQ(s, text(string));
             EXPECT_TRUE(clean(CZeString()).isNull());
         }
     }
