@@ -190,6 +190,16 @@ public:
         return true;
     }
 
+    /// Adds `count` units for the caller to fill and returns the first of them. Null, and nothing done, when
+    /// `count` is below 1 or the block is shared or has no room for them.
+    Unit* extend(int count) {
+        const int oldSize = size();
+        if (count < 1 || uint32_t(oldSize) + uint32_t(count) >= capacity() || isShared())
+            return nullptr;
+        setSize(oldSize + count);
+        return units() + oldSize;
+    }
+
     /// Writes size and terminator into a block that has room for both.
     void setSize(int count) {
         m_block->size = count;

@@ -95,7 +95,7 @@ CZeString& CZeString::append(const CZeString& text) {
         openGap(size(), 0);
         return *this;
     }
-    return insert(size(), text);
+    return append(text.unicode(), text.size());
 }
 
 CZeString& CZeString::remove(int position, int count) {

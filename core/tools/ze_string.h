@@ -143,10 +143,22 @@ public:
     /// string to the null string makes it a shared copy; appending an empty one gives this string a block of
     /// its own.
     CZeString& append(const CZeString& text);
-    CZeString& append(const CZeChar* units, int size) { return insert(this->size(), units, size); }
+    CZeString& append(const CZeChar* units, int size) {
+        CZeChar* const room = units ? m_array.extend(size) : nullptr;
+        if (!room)
+            return insert(this->size(), units, size);
+        std::memcpy(room, units, size_t(size) * sizeof(CZeChar));
+        return *this;
+    }
     CZeString& append(const CZeStringRef& text) { return insert(size(), text); }
     CZeString& append(CZeLatin1String text) { return insert(size(), text); }
-    CZeString& append(CZeChar unit) { return insert(size(), &unit, 1); }
+    CZeString& append(CZeChar unit) {
+        CZeChar* const room = m_array.extend(1);
+        if (!room)
+            return insert(size(), &unit, 1);
+        *room = unit;
+        return *this;
+    }
 
     /// Removes `count` units at `position`; a negative position counts from the end, a negative count reaches
     /// up to it. Nothing happens when the position lies outside.
