@@ -1,0 +1,52 @@
+// Runs zebeauty as its users do.
+
+#pragma once
+
+#include "tests/support/temp_directory.h"
+#include "tool/picture_reader.h"
+#include "tool/picture_writer.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+
+#include <sys/wait.h>
+
+/// A directory in which the program runs, and what it says.
+class Program : public testing::Test {
+protected:
+    void write(const std::string& name, const std::string& bytes) {
+        std::ofstream(m_directory / name, std::ios::binary) << bytes;
+    }
+
+    void write(const std::string& name, const ze::tool::Picture& picture) {
+        const std::vector<uint8_t> bytes =
+            ze::tool::encodePicture(picture, ze::tool::pictureFormatOf(name).value());
+        write(name, std::string(bytes.begin(), bytes.end()));
+    }
+
+    // Runs the program in the directory, with a shell's quoting, and returns its exit code.
+    int run(const std::string& arguments, const std::string& environment = "") {
+        const std::string command = "cd '" + m_directory.path() + "' && " + environment + " '" ZEBEAUTY "' " +
+                                    arguments + " >'" + (m_streams / "out") + "' 2>'" + (m_streams / "err") +
+                                    "'";
+        const int status = std::system(command.c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    std::string errorText() const { return contentOf(m_streams / "err"); }
+    std::string outputText() const { return contentOf(m_streams / "out"); }
+    ze::tool::Picture read(const std::string& name) const {
+        return ze::tool::readPicture(m_directory / name);
+    }
+
+    std::set<std::string> fileNames() const {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_directory.path()))
+            names.insert(entry.path().filename());
+        return names;
+    }
+
+    TempDirectory m_directory;
+    TempDirectory m_streams;
+};
