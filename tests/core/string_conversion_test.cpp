@@ -8,10 +8,6 @@
 
 namespace {
 
-std::u16string units(const CZeString& string) {
-    return std::u16string(reinterpret_cast<const char16_t*>(string.unicode()), size_t(string.size()));
-}
-
 TEST(Utf8, EveryCodePointComesBack) {
     std::vector<char32_t> all;
     for (char32_t codePoint = 0; codePoint <= 0x10FFFF; ++codePoint) {

@@ -27,10 +27,6 @@ std::u16string folded(std::u16string text, Ze::CaseSensitivity cs) {
     return text;
 }
 
-std::u16string units(const CZeString& string) {
-    return {reinterpret_cast<const char16_t*>(string.unicode()), size_t(string.size())};
-}
-
 struct Case {
     std::u16string text; // as it is
     CZeString string, needle;

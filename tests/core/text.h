@@ -16,6 +16,10 @@ inline std::string bytes(const CZeByteArray& array) {
     return std::string(array.constData(), size_t(array.size()));
 }
 
+inline std::u16string units(const CZeString& string) {
+    return {reinterpret_cast<const char16_t*>(string.unicode()), size_t(string.size())};
+}
+
 inline std::string utf8(const CZeString& string) {
     return bytes(string.toUtf8());
 }
