@@ -45,9 +45,13 @@ public:
     mutable int asked = 0;
 };
 
-TEST(File, RefusesWithTheseWarnings) {
+class File : public testing::Test {
+protected:
     const LogCapture log;
     const TempDirectory directory;
+};
+
+TEST_F(File, RefusesWithTheseWarnings) {
     const std::string path = madeFile(directory / "f", "0123456789");
     char data[8] = "";
     CZeFile closed, reader(name(path)), writer(name(directory / "g"));
@@ -55,10 +59,11 @@ TEST(File, RefusesWithTheseWarnings) {
     pipe.sequential = closedPipe.sequential = true;
     ASSERT_TRUE(reader.open(Ze::ReadOnly) && writer.open(Ze::WriteOnly) && pipe.open(Ze::ReadWrite));
     constexpr char kTooLong[] = "maxSize argument exceeds CZeByteArray size limit";
+    constexpr char kBeyond[] = "CZeGenericFileEngine::map: Mapping a file beyond its size is not portable";
     const std::tuple<std::string, int64_t, std::function<int64_t()>> rows[] = {
+        // clang-format off
         {"CZeIODevice::open: File access not specified", 0, [&] { return closed.open(0); }},
-        {"CZeIODevice::open: File access not specified", 0,
-         [&] { return closed.open(Ze::Append | Ze::Text); }},
+        {"CZeIODevice::open: File access not specified", 0, [&] { return closed.open(Ze::Append | Ze::Text); }},
         {"CZeGenericFileEngine::open: No file name specified", 0, [&] { return closed.open(Ze::ReadOnly); }},
         {"Cannot call seek on a sequential device", 0, [&] { return closedPipe.seek(-1); }},
         {"The device is not open", 0, [&] { return memory.seek(-1); }},
@@ -81,15 +86,12 @@ TEST(File, RefusesWithTheseWarnings) {
          [&] { return reader.setFileName(name("x")), reader.fileName() == name(path); }},
         {"CZeFile::remove: Empty or null file name", 0, [&] { return closed.remove(); }},
         {"CZeFile::rename: Empty or null file name", 0, [&] { return closed.rename(name("x")); }},
-        {"CZeGenericFileEngine::map: Mapping a file beyond its size is not portable", 1,
-         [&] { return !reader.map(3, 8); }},
-        {"CZeGenericFileEngine::map: Mapping a file beyond its size is not portable", 1,
-         [&] { return !reader.map(INT64_MAX, INT64_MAX); }},
-        {"No file engine available or engine does not support MapExtension", 1,
-         [&] { return !closed.map(0, 1); }},
-        {"No file engine available or engine does not support UnMapExtension", 0,
-         [&] { return closed.unmap(nullptr); }},
+        {kBeyond, 1, [&] { return !reader.map(3, 8); }},
+        {kBeyond, 1, [&] { return !reader.map(INT64_MAX, INT64_MAX); }},
+        {"No file engine available or engine does not support MapExtension", 1, [&] { return !closed.map(0, 1); }},
+        {"No file engine available or engine does not support UnMapExtension", 0, [&] { return closed.unmap(nullptr); }},
         {"stat() ZE_FAILED for '" + path + "?'", 0, [&] { return CZeFile(name(path + "?")).exists(); }},
+        // clang-format on
     };
     std::vector<std::string> warnings;
     for (const auto& [warning, result, call] : rows) {
@@ -101,8 +103,7 @@ TEST(File, RefusesWithTheseWarnings) {
     EXPECT_EQ(pipe.asked, 1);
 }
 
-TEST(File, OpensWithTheModeStringThatTheAccessCallsFor) {
-    const LogCapture log;
+TEST_F(File, OpensWithTheModeStringThatTheAccessCallsFor) {
     constexpr int r = Ze::ReadOnly, w = Ze::WriteOnly, a = Ze::Append, t = Ze::Truncate;
     const struct {
         int mode;
@@ -119,21 +120,19 @@ TEST(File, OpensWithTheModeStringThatTheAccessCallsFor) {
     for (const auto& row : rows) {
         for (const bool exists : {false, true}) {
             const FileSystemDouble system;
-            const TempDirectory directory;
-            CZeFile file(name(exists ? madeFile(directory / "f", "old text") : directory / "f"));
+            const std::string path = directory / std::to_string(2 * row.mode + exists);
+            CZeFile file(name(exists ? madeFile(path, "old text") : path));
             ASSERT_EQ(file.open(row.mode), exists || row.missing) << row.mode;
             EXPECT_THAT(system.modes, ElementsAre(exists ? row.existing : row.missing ? row.missing : "rb"));
             EXPECT_EQ(file.pos(), exists && row.mode & a ? 8 : 0);
             EXPECT_TRUE(!(row.mode & w) || file.write("new", 3) == 3);
             EXPECT_TRUE(file.close());
-            EXPECT_TRUE(!exists || contentOf(directory / "f") == row.content) << row.mode;
+            EXPECT_TRUE(!exists || contentOf(path) == row.content) << row.mode;
         }
     }
 }
 
-TEST(File, SaysWhyItCannotBeOpened) {
-    const LogCapture log;
-    const TempDirectory directory;
+TEST_F(File, SaysWhyItCannotBeOpened) {
     std::filesystem::create_symlink("nowhere", directory / "dangling");
     const std::string file = madeFile(directory / "\xC3\xA9\xE2\x82\xAC", "x");
     constexpr char kNone[] = "No such file or directory";
@@ -164,12 +163,11 @@ TEST(File, SaysWhyItCannotBeOpened) {
 }
 
 // Random operations on a file against the same ones on a string, with short and interrupted transfers.
-TEST(File, ReadsAndWritesLikeAStringInMemory) {
+TEST_F(File, ReadsAndWritesLikeAStringInMemory) {
     for (unsigned seed = 0; seed < 60; ++seed) {
         std::mt19937 random(seed);
         const auto below = [&](size_t limit) { return size_t(random() % limit); };
         const bool appends = seed % 3 == 0;
-        const TempDirectory directory;
         std::string model = pattern(below(100000));
         CZeFile file(name(madeFile(directory / "f", model)));
         ASSERT_TRUE(file.open(Ze::ReadWrite | (appends ? Ze::Append : 0)));
@@ -214,8 +212,7 @@ TEST(File, ReadsAndWritesLikeAStringInMemory) {
     }
 }
 
-TEST(File, SmallReadsCostNoSystemCallEach) {
-    const TempDirectory directory;
+TEST_F(File, SmallReadsCostNoSystemCallEach) {
     const std::string content = pattern(1 << 20);
     CZeFile file(name(madeFile(directory / "f", content)));
     ASSERT_TRUE(file.open(Ze::ReadWrite));
@@ -229,8 +226,7 @@ TEST(File, SmallReadsCostNoSystemCallEach) {
     EXPECT_EQ(bytes(file.read(2)), content.back() + "!"s);
 }
 
-TEST(File, TextModeDropsCarriageReturns) {
-    const TempDirectory directory;
+TEST_F(File, TextModeDropsCarriageReturns) {
     const std::string path =
         madeFile(directory / "f", "one\r\n\r\r\n\0x\rlast"s + std::string(20000, '\r') + "!");
     for (const bool isText : {false, true}) {
@@ -250,8 +246,7 @@ TEST(File, TextModeDropsCarriageReturns) {
     }
 }
 
-TEST(File, KeepsWhatADiskDidNotTakeUntilItDoes) {
-    const TempDirectory directory;
+TEST_F(File, KeepsWhatADiskDidNotTakeUntilItDoes) {
     const std::string content = pattern(30000);
     CZeFile file(name(directory / "f"));
     ASSERT_TRUE(file.open(Ze::WriteOnly));
@@ -268,9 +263,7 @@ TEST(File, KeepsWhatADiskDidNotTakeUntilItDoes) {
     EXPECT_EQ(contentOf(directory / "f"), content);
 }
 
-TEST(File, TellsOfErrorsUpToTheEnd) {
-    const LogCapture log;
-    const TempDirectory directory;
+TEST_F(File, TellsOfErrorsUpToTheEnd) {
     CZeFile file(name(madeFile(directory / "f", "abc")));
     {
         CZeFile full(file.fileName());
@@ -295,9 +288,7 @@ TEST(File, TellsOfErrorsUpToTheEnd) {
     EXPECT_TRUE(file.remove() && !file.isOpen() && !file.remove() && file.error() == Ze::FileErrRemove);
 }
 
-TEST(File, GoesBeyondFourGigabytesAndMaps) {
-    const LogCapture log;
-    const TempDirectory directory;
+TEST_F(File, GoesBeyondFourGigabytesAndMaps) {
     constexpr int64_t kFar = (int64_t{5} << 30) + 7;
     CZeFile file(name(directory / "sparse"));
     ASSERT_TRUE(file.open(Ze::ReadWrite) && file.seek(kFar) && file.write("far", 3) == 3);
@@ -315,8 +306,7 @@ TEST(File, GoesBeyondFourGigabytesAndMaps) {
     EXPECT_EQ(log.texts().back(), "maxSize argument exceeds CZeByteArray size limit");
 }
 
-TEST(File, ReadsAPipeAsItComes) {
-    const TempDirectory directory;
+TEST_F(File, ReadsAPipeAsItComes) {
     const std::string path = directory / "pipe";
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
     std::thread writer([&] {
@@ -336,7 +326,7 @@ TEST(File, ReadsAPipeAsItComes) {
     EXPECT_EQ(bytes(noSize.readAll()).substr(0, 5), "Name:");
 }
 
-TEST(File, BuffersForASubclassThatSeeks) {
+TEST_F(File, BuffersForASubclassThatSeeks) {
     MemoryDevice device, pipe;
     pipe.sequential = true;
     ASSERT_TRUE(device.open(Ze::ReadWrite) && pipe.open(Ze::ReadWrite));
@@ -356,9 +346,7 @@ TEST(File, BuffersForASubclassThatSeeks) {
     EXPECT_TRUE(pipe.read(data, 1) == 1 && pipe.read(data, 16) == 3 && pipe.at == 10);
 }
 
-TEST(GenericFileEngine, AsksTheSystem) {
-    const LogCapture log;
-    const TempDirectory directory;
+TEST_F(File, EnginesAskTheSystem) {
     const CZeGenericFileEngine here(name(directory.path())), file(name(madeFile(directory / "f", ""))),
         none(name(directory / "none"));
     EXPECT_TRUE(here.isDirectory() && !file.isDirectory() && !none.isDirectory());
