@@ -17,6 +17,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # GCC 12 sees overlapping copies inside its own std::string (GCC bug 105651).
   target_compile_options(ze_options INTERFACE -Wno-restrict)
 endif()
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # A unique symbol, as GCC makes of inline static data, would keep the library from ever being unloaded.
+  target_compile_options(ze_options INTERFACE -fno-gnu-unique)
+endif()
 if(ZE_WARNINGS_AS_ERRORS)
   target_compile_options(ze_options INTERFACE -Werror)
 endif()

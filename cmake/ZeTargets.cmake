@@ -26,15 +26,21 @@ function(ze_part_objects out)
 endfunction()
 
 # ze_add_shared_library()
-# The link step that makes libZeBeautyEffect out of the parts' objects. exports.map names what it exports.
+# The link step that makes libZeBeautyEffect out of the parts' objects. exports.map names what it exports;
+# packaging/check_shape.sh checks what the other options ask for.
 function(ze_add_shared_library)
   ze_part_objects(objects)
+  get_property(public_headers GLOBAL PROPERTY ZE_PUBLIC_HEADERS)
+  list(TRANSFORM public_headers PREPEND ${PROJECT_SOURCE_DIR}/)
   set(map ${PROJECT_SOURCE_DIR}/cmake/exports.map)
   add_library(ZeBeautyEffect SHARED ${objects})
   set_target_properties(ZeBeautyEffect PROPERTIES LINKER_LANGUAGE CXX LINK_DEPENDS ${map})
-  target_include_directories(ZeBeautyEffect INTERFACE ${PROJECT_SOURCE_DIR})
+  target_sources(ZeBeautyEffect INTERFACE FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${public_headers})
+  target_compile_features(ZeBeautyEffect INTERFACE cxx_std_17)
   target_link_libraries(ZeBeautyEffect PRIVATE ze_options ze_gl_driver ze_android_log ZLIB::ZLIB Threads::Threads)
-  target_link_options(ZeBeautyEffect PRIVATE -Wl,--version-script=${map} -Wl,--no-undefined)
+  target_link_options(ZeBeautyEffect PRIVATE -Wl,--version-script=${map} -Wl,--no-undefined -Wl,--build-id=sha1
+    -Wl,-z,max-page-size=16384 -Wl,-z,common-page-size=16384 # devices have pages of 4 or 16 KB
+    -Wl,-z,relro -Wl,-z,now -Wl,-z,text -Wl,-z,noexecstack)
 endfunction()
 
 # ze_add_test(<name> SOURCES <file>... [RECORDER] [LIBRARIES <target>...] [ENVIRONMENT <var=value>...])
@@ -56,8 +62,12 @@ function(ze_add_test name)
 endfunction()
 
 # ze_set_test_environment(<test> <var=value>...)
-# Adds the variables, and for sanitizer builds the options with the suppressions that tests/ keeps.
+# Adds the variables, the emulator that programs of a cross build need to start themselves again, and for
+# sanitizer builds the options with the suppressions that tests/ keeps.
 function(ze_set_test_environment name)
+  if(CMAKE_CROSSCOMPILING_EMULATOR)
+    list(APPEND ARGN ZE_EMULATOR=${CMAKE_CROSSCOMPILING_EMULATOR})
+  endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT
     "${ARGN};LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endfunction()

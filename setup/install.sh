@@ -1,14 +1,30 @@
 #!/usr/bin/env bash
-# Installs the packages of setup/packages.txt that are missing, as root or through sudo. Prints nothing and needs
-# no rights when nothing is missing.
+# Installs the packages of setup/packages.txt that are missing, as root or through sudo. With the argument arm64
+# those of setup/packages-arm64.txt too, of which some are of the architecture arm64. Prints nothing and needs no
+# rights when nothing is missing.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
+lists=(packages.txt)
+case ${1:-} in
+    "") ;;
+    arm64) lists+=(packages-arm64.txt) ;;
+    *) echo "usage: setup/install.sh [arm64]" >&2; exit 2 ;;
+esac
+
+native=$(dpkg --print-architecture)
+# A package may be there for several architectures, a line for each.
+is_installed() {
+    local architecture=$native
+    [[ $1 == *:* ]] && architecture=${1#*:}
+    dpkg-query -W -f '${Architecture} ${Status}\n' "${1%:*}" 2>/dev/null |
+        grep -qE "^($architecture|all) install ok installed$"
+}
+
 missing=()
 while read -r package; do
-    status=$(dpkg-query -W -f '${Status}' "$package" 2>/dev/null || true)
-    [ "$status" = "install ok installed" ] || missing+=("$package")
-done < <(grep -vE '^[[:space:]]*(#|$)' packages.txt)
+    is_installed "$package" || missing+=("$package")
+done < <(grep -hvE '^[[:space:]]*(#|$)' "${lists[@]}")
 [ ${#missing[@]} -eq 0 ] && exit 0
 
 as_root=()
@@ -20,9 +36,15 @@ fi
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 echo "setup: installing ${missing[*]}" >&2
-if ! { "${as_root[@]}" apt-get update -qq &&
-       "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-           apt-get install -y -qq --no-install-recommends "${missing[@]}"; } >"$log" 2>&1 </dev/null; then
+install_missing() {
+    if [[ " ${missing[*]}" == *:arm64* ]]; then
+        "${as_root[@]}" dpkg --add-architecture arm64 || return
+    fi
+    "${as_root[@]}" apt-get update -qq &&
+        "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y -qq --no-install-recommends "${missing[@]}"
+}
+if ! install_missing >"$log" 2>&1 </dev/null; then
     cat "$log" >&2
     echo "setup: installing failed" >&2
     exit 1

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# aar.sh BUILD_DIR OUT
+# Packs the library of BUILD_DIR, a finished build for arm64, into the Android archive OUT: stripped, with its
+# headers, as a prefab package. The same build gives the same bytes. A failure leaves OUT as it was.
+set -euo pipefail
+
+[ $# -eq 2 ] || { echo "usage: aar.sh BUILD_DIR OUT" >&2; exit 2; }
+build=$1
+out=$2
+library=$build/libZeBeautyEffect.so
+[ -f "$library" ] || { echo "aar.sh: $library is not there" >&2; exit 1; }
+readelf -h "$library" | grep -q 'Machine: *AArch64' || { echo "aar.sh: $library is not for arm64" >&2; exit 1; }
+
+work=$(mktemp -d)
+new=$(mktemp "$out.XXXXXX")
+trap 'rm -rf "$work" "$new"' EXIT
+new=$(realpath "$new")
+
+cmake --install "$build" --prefix "$work/tree" --component prefab --strip >/dev/null
+cd "$work/tree"
+find . -type f -printf '%P\n' | LC_ALL=C sort >../files
+TZ=UTC cmake -E tar cf "$new" --format=zip --mtime='2020-01-01 00:00:00' --files-from=../files
+chmod 644 "$new"
+cd "$OLDPWD"
+mv -f "$new" "$out"

@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# install_test.sh BUILD_DIR
+# Installs BUILD_DIR, moves what was installed, and builds a host against it in both ways.
+set -euo pipefail
+build=$1
+here=$(dirname "${BASH_SOURCE[0]}")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+export EGL_PLATFORM=surfaceless
+
+"$CMAKE_COMMAND" --install "$build" --prefix "$work/first place" --strip >/dev/null
+prefix=$work/moved
+mv "$work/first place" "$prefix"
+! grep -rIl -e "$build" -e "first place" "$prefix" || { echo "names the build folder or the prefix"; exit 1; }
+
+cp -r "$here/consumer" "$work"
+(cd "$prefix/include/ZeBeautyEffect" && find . -name '*.h' -printf '#include "%P"\n') >"$work/consumer/all_headers.h"
+
+"$CMAKE_COMMAND" -S "$work/consumer" -B "$work/build" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$CXX" \
+    -DCMAKE_CXX_STANDARD=17 >/dev/null
+"$CMAKE_COMMAND" --build "$work/build" >/dev/null
+"$work/build/consumer"
+
+pc=$(find "$prefix" -name pkgconfig)
+flags=$(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs ZeBeautyEffect)
+# shellcheck disable=SC2086
+$CXX -std=c++17 "$work/consumer/main.cpp" -o "$work/consumer/consumer" $flags
+LD_LIBRARY_PATH=$(dirname "$pc") "$work/consumer/consumer"
+
+if [ -x "$prefix/bin/zebeauty" ]; then
+    "$prefix/bin/zebeauty" chart "$work/chart.png" && [ -s "$work/chart.png" ]
+fi
