@@ -13,25 +13,8 @@ class CZeFile;
 
 namespace ze {
 
-// clang-format off
-/// Reads one LUT file whole. All numbers in it are little-endian:
-///
-///     offset   type         field
-///     0        8 bytes      signature: ".QX-LUT " with its trailing space and no NUL
-///     8        u32          version, 1
-///     12       u32          level count N, 1 to 65
-///     16       u32          reserved, 0
-///     20       u32          dimension flag: 0 one-dimensional, any other value three-dimensional
-///     24       8 bytes      not read; writers put zeros
-///     32       u64          offset of the level values
-///     40       8 bytes      not read; writers put zeros
-///     there    N x f32      level values: the input, 0 to 1 and rising, of each grid index
-///     behind   E x 3 bytes  colours, red, green and blue: E is N x N x N, or N in one dimension
-///
-/// In three dimensions the colour of the grid indices (r, g, b) is entry (r × N + g) × N + b. What follows
-/// the colours is ignored. The levels are taken as they are; nobody has checked that they rise, or are
-/// numbers.
-// clang-format on
+/// Reads one LUT file whole; docs/lut.md has the format. The levels are taken as they are: nobody has checked
+/// that they rise, or are numbers.
 class CLutFileReader {
 public:
     /// Reads the file at `path` and closes it. Ask `isValid` what came of it. Five failures are logged:
