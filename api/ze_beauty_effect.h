@@ -58,11 +58,11 @@ ZE_EXPORT bool ZecDestoryEffect(ZecEffect* handle) noexcept;
 /// handle without an effect and a type other than 0.
 ZE_EXPORT bool ZecSetBeautyParams(ZecEffect* handle, float mixFactor, float whitenFactor) noexcept;
 
-/// Names the file of a colour look-up-table effect (docs/lut.md has its format), a path in UTF-8, and sets how
-/// much of the graded colour is mixed in from the next frame on. `intensity` is meant to lie in 0 to 1 and
-/// goes to the shader as it is; the effect is active when it is >= 0.001, compared as doubles. The first path
-/// that is not empty stays: each later call sets the intensity alone, and the log says "Lut path is already
-/// setted.".
+/// Names the file of a colour look-up-table effect (docs/lut.md has its format), a path in UTF-8, and sets
+/// how much of the graded colour is mixed in from the next frame on. `intensity` is meant to lie in 0 to 1
+/// and goes to the shader as it is; the effect is active when it is >= 0.001, compared as doubles. The first
+/// path that is not empty stays: each later call sets the intensity alone, and the log says "Lut path is
+/// already setted.".
 ///
 /// True whatever becomes of the file, which is read by the first frame that draws the effect. One that cannot
 /// be loaded is told by the log alone, and tried again by each frame; that frame's output is then what the
