@@ -5,7 +5,10 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
 preset=${PRESET:-release}
-./setup/install.sh
+case $preset in
+    arm64-*) ./setup/install.sh arm64 ;;
+    *) ./setup/install.sh ;;
+esac
 cmake --preset "$preset" -DZE_WARNINGS_AS_ERRORS=ON >/dev/null
 cmake --build --preset "$preset"
 ctest --preset "$preset" -j "$(nproc)" "$@"
