@@ -16,10 +16,10 @@ struct LogMessage;
 /// Where a message comes from. With a file name the message gets the prefix "file(line), function: "; the
 /// default names no place and adds nothing. The texts must live until the message has been emitted.
 struct SZeLogContext {
-    bool alwaysToFile = false; ///< to the log file even when file logging is off
-    int32_t line = 0;
-    const char* fileName = nullptr; ///< may be null
-    const char* functionName = nullptr;
+    bool alwaysToFile = false;          ///< to the log file even when file logging is off
+    int32_t line = 0;                   ///< from 1
+    const char* fileName = nullptr;     ///< may be null
+    const char* functionName = nullptr; ///< null is written as "(null)"
 };
 
 /// A message in the making. It is emitted when the last copy of the stream is destroyed, normally at the end
@@ -29,6 +29,7 @@ class ZE_EXPORT CZeLogStream {
 public:
     /// A stream of `level` (0 info, 1 warning, 2 error).
     CZeLogStream(int level, int32_t line, const char* fileName, const char* functionName, bool alwaysToFile);
+    /// A copy adds to the same message.
     CZeLogStream(const CZeLogStream& other) noexcept;
     CZeLogStream& operator=(const CZeLogStream& other) noexcept;
     ~CZeLogStream();
@@ -37,9 +38,11 @@ public:
     void setEnabled(bool enabled) noexcept;
 
     CZeLogStream& operator<<(const char* text); ///< UTF-8; null appends nothing
+    /// Appends the text, or the number in decimal.
     CZeLogStream& operator<<(const CZeString& text);
     CZeLogStream& operator<<(bool value);     ///< "true" or "false"
     CZeLogStream& operator<<(std::nullptr_t); ///< "(nullptr)"
+    /// Appends the number in decimal.
     CZeLogStream& operator<<(short value);
     CZeLogStream& operator<<(unsigned short value);
     CZeLogStream& operator<<(int value);

@@ -11,6 +11,7 @@
 /// state on one at a time.
 class ZE_EXPORT CZeTextCodec {
 public:
+    /// The numbers of the character sets, as IANA registers them.
     enum Mib : int { NoCodec = 0, Latin1 = 4, Utf8 = 106 };
 
     /// What UTF-8 fed in pieces needs to remember: whether it is at the start, and a sequence cut off.
@@ -38,11 +39,15 @@ public:
     /// The codec of that name; with the MIB 0 when there is none.
     explicit CZeTextCodec(const CZeByteArray& name) : m_mib(mibForName(name)) {}
 
+    /// A value of Mib.
     int mib() const { return m_mib; }
+    /// There is such a codec.
     bool isValid() const { return m_mib != NoCodec; }
+    /// As `decode`; a null array gives the null string.
     CZeString toUnicode(const CZeByteArray& bytes, State* state = nullptr) const {
         return bytes.isNull() ? CZeString() : decode(m_mib, bytes.constData(), bytes.size(), state);
     }
+    /// As `encode`.
     CZeByteArray fromUnicode(const CZeString& text) const { return encode(m_mib, text); }
 
 private:

@@ -8,11 +8,13 @@
 /// hold any characters but the zero; it goes to the system in UTF-8.
 class ZE_EXPORT CZeFile : public CZeFileDevice {
 public:
+    /// A closed file without a name, or with one.
     CZeFile();
     explicit CZeFile(const CZeString& fileName);
     /// Closes the file. Bytes that cannot be written then are logged as a warning.
     ~CZeFile() override;
 
+    /// The name, as it was given.
     CZeString fileName() const { return m_fileName; }
     /// Refused with a warning while the file is open.
     void setFileName(const CZeString& fileName);
@@ -25,6 +27,7 @@ public:
 
     /// There is something of that name, be it a directory. A query that finds nothing is logged.
     bool exists() const;
+    /// As in CZeFileDevice.
     int64_t size() const override;
     bool isSequential() const override;
 

@@ -30,14 +30,19 @@ public:
     virtual int64_t read(char* data, int64_t maxSize) = 0;
     /// One transfer of up to `size` bytes, at least 1; returns at least 1.
     virtual int64_t write(const char* data, int64_t size) = 0;
+    /// Moves the position, in bytes from the start.
     virtual bool seek(int64_t pos) = 0;
 
     /// 0 when there is no such file.
     virtual int64_t size() const = 0;
+    /// Has no positions, as a pipe.
     virtual bool isSequential() const = 0;
+    /// There is something of that name.
     virtual bool exists() const = 0;
+    /// There is a directory of that name.
     virtual bool isDirectory() const = 0;
 
+    /// Removes the file from its directory.
     virtual bool remove() = 0;
     /// Gives the file the name `newName`, replacing a file of that name.
     virtual bool rename(const CZeString& newName) = 0;
@@ -52,6 +57,7 @@ public:
 
     /// A value of Ze::FileError.
     int error() const { return m_error; }
+    /// What went wrong, in words.
     CZeString errorString() const { return m_errorString; }
 
 protected:

@@ -10,6 +10,7 @@
 /// Serves the file system through the platform's calls. A call that a signal interrupts is made again.
 class ZE_EXPORT CZeGenericFileEngine : public CZeFileEngine {
 public:
+    /// An engine for the file of that name, which is not touched.
     explicit CZeGenericFileEngine(const CZeString& fileName);
     /// Closes the file.
     ~CZeGenericFileEngine() override;
@@ -17,9 +18,8 @@ public:
     /// The directory for temporary files: the environment's TMPDIR, or "/tmp" when that is unset or empty.
     static CZeString tempPath();
 
-    // The work behind CZeDir, which says what becomes of the directory and when the result is true. Nothing
-    // is logged.
-
+    /// The work behind CZeDir, which says what becomes of the directory and when the result is true. Nothing
+    /// is logged.
     static bool mkpath(const CZeString& path);
     static bool rmdir(const CZeString& path);
     static bool removeRecursively(const CZeString& path);
@@ -28,6 +28,7 @@ public:
     bool open(int mode) override;
     /// Takes over `descriptor`, which is open on this engine's file and fits `mode`.
     void adoptDescriptor(int descriptor, int mode);
+    /// As in CZeFileEngine.
     bool close() override;
 
     int64_t read(char* data, int64_t maxSize) override;
@@ -36,13 +37,13 @@ public:
     /// Waits until what was written is on the disk.
     bool sync();
 
-    // A closed file is asked for by its name; when there is none, that is logged as a warning.
-
+    /// A closed file is asked for by its name; when there is none, that is logged as a warning.
     int64_t size() const override;
     bool isSequential() const override;
     bool exists() const override;
     bool isDirectory() const override;
 
+    /// As in CZeFileEngine.
     bool remove() override;
     bool rename(const CZeString& newName) override;
 

@@ -94,6 +94,7 @@ protected:
     /// Writes up to `size` bytes (at least 1) in the same way.
     virtual int64_t writeData(const char* data, int64_t size) = 0;
 
+    /// Sets what `errorString` returns.
     void setErrorString(const CZeString& text);
     void clearErrorString() { m_errorString = CZeString(); }
 

@@ -35,13 +35,16 @@ public:
     /// The node called `path`; one that does not exist when there is none.
     static CZeResourceInfo find(const CZeString& path);
 
+    /// A node that does not exist.
     CZeResourceInfo();
     ~CZeResourceInfo();
+    /// Copies share the bytes.
     CZeResourceInfo(const CZeResourceInfo&);
     CZeResourceInfo(CZeResourceInfo&&) noexcept;
     CZeResourceInfo& operator=(const CZeResourceInfo&);
     CZeResourceInfo& operator=(CZeResourceInfo&&) noexcept;
 
+    /// Whether there is such a node, whether it is a directory, and whether its bytes are compressed.
     bool exists() const { return m_kind != Kind::None; }
     bool isDirectory() const { return m_kind == Kind::Directory; }
     bool isCompressed() const { return m_storage == Compressed; }

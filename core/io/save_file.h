@@ -15,11 +15,13 @@
 /// its permissions; a new one has 0666 less the umask. Other hard links keep the old contents.
 class ZE_EXPORT CZeSaveFile : public CZeFileDevice {
 public:
+    /// A closed file without a name, or with one.
     CZeSaveFile();
     explicit CZeSaveFile(const CZeString& fileName);
     /// Discards what was not committed.
     ~CZeSaveFile() override;
 
+    /// The name, as it was given.
     CZeString fileName() const { return m_fileName; }
     /// Refused with a warning while the file is open.
     void setFileName(const CZeString& fileName);

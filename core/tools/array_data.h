@@ -69,6 +69,7 @@ struct ZE_EXPORT SZeArrayData {
     /// The elements follow the header directly, as in every block that may be resized by `realloc`.
     bool dataIsInline() const { return dataOffset == ptrdiff_t{sizeof(SZeArrayData)}; }
 
+    /// The first element.
     void* data() { return reinterpret_cast<char*>(this) + dataOffset; }
     const void* data() const { return reinterpret_cast<const char*>(this) + dataOffset; }
 };

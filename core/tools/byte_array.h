@@ -15,6 +15,7 @@
 /// Different objects may be used on different threads at once, also when they are copies of each other.
 class ZE_EXPORT CZeByteArray {
 public:
+    /// The null array.
     CZeByteArray() = default;
     /// Copies `size` bytes, or up to the terminating zero when `size` is negative. A null pointer gives the
     /// null array, a length of 0 the empty one.
@@ -28,23 +29,29 @@ public:
     /// pointer gives the null array. `text` may point into this array.
     CZeByteArray& operator=(const char* text);
 
+    /// The number of bytes.
     int size() const { return m_array.size(); }
     int length() const { return m_array.size(); }
     /// Bytes that fit into the block, terminator included; 0 for null, empty and wrapped arrays.
     int capacity() const { return int(m_array.capacity()); }
+    /// There are no bytes.
     bool isEmpty() const { return m_array.size() == 0; }
+    /// The array was never given contents.
     bool isNull() const { return m_array.isNull(); }
 
+    /// The bytes, valid until the array changes.
     const char* constData() const { return m_array.units(); }
     const char* data() const { return m_array.units(); }
     /// The bytes for writing, `size()` of them. Null when a private copy was needed and there is no memory.
     char* data() { return m_array.detach() ? m_array.units() : nullptr; }
+    /// The range of the bytes.
     const char* begin() const { return m_array.units(); }
     const char* end() const { return m_array.units() + m_array.size(); }
 
     /// The byte at `index`, from 0 to `size()` − 1.
     char at(int index) const { return m_array.units()[index]; }
     char operator[](int index) const { return m_array.units()[index]; }
+    /// The same for writing.
     char& operator[](int index) { return data()[index]; }
 
     /// Sets the size; a negative one counts as 0, new bytes are uninitialised. Growth is geometric; the block
@@ -74,6 +81,7 @@ public:
     /// them, then the difference of the sizes.
     static int compare(const CZeByteArray& left, const CZeByteArray& right);
 
+    /// As `compare`.
     friend bool operator==(const CZeByteArray& l, const CZeByteArray& r) { return compare(l, r) == 0; }
     friend bool operator!=(const CZeByteArray& l, const CZeByteArray& r) { return compare(l, r) != 0; }
     friend bool operator<(const CZeByteArray& l, const CZeByteArray& r) { return compare(l, r) < 0; }

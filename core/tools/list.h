@@ -17,11 +17,15 @@ class CZeList {
     static_assert(alignof(T) <= 8);
 
 public:
+    /// The empty list.
     CZeList() noexcept : m_block(SZeArrayData::allocate(sizeof(T), kAlignment, 0, 0)) {}
+    /// Shares the block of `other`.
     CZeList(const CZeList& other) noexcept : m_block(other.m_block) {
         (void)m_block->acquire(); // a list's block is never non-shared
     }
+    /// Takes the elements of `other`, which is empty afterwards.
     CZeList(CZeList&& other) noexcept : CZeList() { std::swap(m_block, other.m_block); }
+    /// Becomes a copy that shares the block.
     CZeList& operator=(CZeList other) noexcept {
         std::swap(m_block, other.m_block);
         return *this;
@@ -33,11 +37,14 @@ public:
         SZeArrayData::deallocate(m_block, sizeof(T), kAlignment);
     }
 
+    /// The number of elements.
     int size() const { return m_block->size; }
+    /// There are no elements.
     bool isEmpty() const { return m_block->size == 0; }
     /// The element at `index`, from 0 to `size()` − 1.
     const T& at(int index) const { return elements()[index]; }
     const T& operator[](int index) const { return elements()[index]; }
+    /// The range of the elements.
     const T* begin() const { return elements(); }
     const T* end() const { return elements() + m_block->size; }
 
@@ -49,6 +56,7 @@ public:
         ++m_block->size;
     }
 
+    /// As many elements, and equal ones.
     friend bool operator==(const CZeList& l, const CZeList& r) {
         if (l.size() != r.size())
             return false;

@@ -8,6 +8,7 @@
 /// shrink below the range. A null view has no string.
 class ZE_EXPORT CZeStringRef {
 public:
+    /// The null view.
     CZeStringRef() = default;
     /// The whole of `string`, which may be null.
     explicit CZeStringRef(const CZeString* string) : CZeStringRef(string, 0, string ? string->size() : 0) {}
@@ -15,15 +16,21 @@ public:
     CZeStringRef(const CZeString* string, int position, int size)
         : m_string(string), m_position(position), m_size(size) {}
 
+    /// The string that is looked at; null for the null view.
     const CZeString* string() const { return m_string; }
+    /// Where in the string the view begins.
     int position() const { return m_position; }
+    /// The number of units.
     int size() const { return m_size; }
     int length() const { return m_size; }
+    /// There is no string, or it is null.
     bool isNull() const { return !m_string || m_string->isNull(); }
+    /// There are no units.
     bool isEmpty() const { return m_size == 0; }
 
     /// The first unit; null without a string.
     const CZeChar* unicode() const { return m_string ? m_string->unicode() + m_position : nullptr; }
+    /// The range of the units.
     const CZeChar* begin() const { return unicode(); }
     const CZeChar* end() const { return unicode() + m_size; }
     /// The unit at `index`, from 0 to `size()` − 1.
@@ -33,8 +40,10 @@ public:
     /// The range as a string; shared where it is the whole string.
     CZeString toString() const { return m_string ? m_string->mid(m_position, m_size) : CZeString(); }
 
+    /// As CZeString::compare.
     int compare(const CZeStringRef& other, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
 
+    /// As `compare` with case.
     friend bool operator==(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) == 0; }
     friend bool operator!=(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) != 0; }
     friend bool operator<(const CZeStringRef& l, const CZeStringRef& r) { return l.compare(r) < 0; }
@@ -66,6 +75,7 @@ public:
         return l.compare(CZeStringRef(&r)) >= 0;
     }
 
+    /// Both texts in a row. A sum that there is no memory for is its left side.
     friend CZeString operator+(CZeString left, const CZeStringRef& right) {
         return std::move(left.append(right));
     }

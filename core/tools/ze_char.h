@@ -9,7 +9,9 @@ class CZeChar {
 public:
     static constexpr char16_t Replacement = 0xFFFD; ///< Stands for what cannot be decoded.
 
+    /// U+0000.
     constexpr CZeChar() = default;
+    /// A UTF-16 code unit.
     constexpr CZeChar(char16_t unit) : m_unit(unit) {}
     /// A Latin-1 character.
     constexpr CZeChar(char latin1) : m_unit(static_cast<unsigned char>(latin1)) {}
@@ -18,10 +20,12 @@ public:
     explicit constexpr CZeChar(unsigned unit) : m_unit(static_cast<char16_t>(unit)) {}
     explicit constexpr CZeChar(uint16_t unit) : m_unit(unit) {}
 
+    /// The code unit.
     constexpr char16_t unicode() const { return m_unit; }
     /// The Latin-1 character, '?' when there is none.
     constexpr char toLatin1() const { return static_cast<char>(m_unit > 0xFF ? '?' : m_unit); }
 
+    /// The first half of a code point above U+FFFF, or the second.
     constexpr bool isHighSurrogate() const { return (m_unit & 0xFC00) == 0xD800; }
     constexpr bool isLowSurrogate() const { return (m_unit & 0xFC00) == 0xDC00; }
 
@@ -53,14 +57,16 @@ public:
         constexpr char32_t kOffset = 0xD800U * 1024 + 0xDC00 - 0x10000;
         return high.m_unit * char32_t{1024} + low.m_unit - kOffset;
     }
-    /// The surrogate pair of a code point above U+FFFF.
+    /// The first half of the surrogate pair of a code point above U+FFFF.
     static constexpr CZeChar highSurrogate(char32_t codePoint) {
         return CZeChar(static_cast<char16_t>((codePoint >> 10) + (0xD800 - (0x10000 >> 10))));
     }
+    /// Its second half.
     static constexpr CZeChar lowSurrogate(char32_t codePoint) {
         return CZeChar(static_cast<char16_t>(0xDC00 + (codePoint & 0x3FF)));
     }
 
+    /// By the value of the unit.
     friend constexpr bool operator==(CZeChar l, CZeChar r) { return l.m_unit == r.m_unit; }
     friend constexpr bool operator!=(CZeChar l, CZeChar r) { return l.m_unit != r.m_unit; }
     friend constexpr bool operator<(CZeChar l, CZeChar r) { return l.m_unit < r.m_unit; }

@@ -32,6 +32,7 @@ public:
     /// What splitting does with parts that have no units.
     enum SplitBehavior { KeepEmptyParts, SkipEmptyParts };
 
+    /// The null string.
     CZeString() = default;
     /// Copies `size` units, or up to the terminating zero when `size` is negative. A null pointer gives the
     /// null string, a size of 0 the empty one.
@@ -40,10 +41,12 @@ public:
     CZeString(int count, CZeChar unit);
     /// `count` units (below 0: none) for the caller to fill.
     CZeString(int count, Ze::Initialization);
+    /// The unit or a copy of the text.
     CZeString(CZeChar unit);
     CZeString(CZeLatin1String text);
     CZeString(const CZeStringRef& text);
 
+    /// Replaces the contents by the unit or a copy of the text.
     CZeString& operator=(CZeChar unit) { return *this = CZeString(unit); }
     CZeString& operator=(CZeLatin1String text) { return *this = CZeString(text); }
 
@@ -55,18 +58,23 @@ public:
     /// Replaces the contents by a copy of `units`, as the constructor takes them.
     CZeString& setUnicode(const CZeChar* units, int size) { return *this = CZeString(units, size); }
 
+    /// The number of units.
     int size() const { return m_array.size(); }
     int length() const { return m_array.size(); }
     /// Units that fit into the block, terminator included; 0 for null, empty and wrapping strings.
     int capacity() const { return int(m_array.capacity()); }
+    /// There are no units.
     bool isEmpty() const { return m_array.size() == 0; }
+    /// The string was never given contents.
     bool isNull() const { return m_array.isNull(); }
 
+    /// The units, valid until the string changes.
     const CZeChar* unicode() const { return m_array.units(); }
     const CZeChar* constData() const { return m_array.units(); }
     const CZeChar* data() const { return m_array.units(); }
     /// The units for writing, `size()` of them. Null when a private copy was needed and there is no memory.
     CZeChar* data() { return m_array.detach() ? m_array.units() : nullptr; }
+    /// The range of the units.
     const CZeChar* begin() const { return m_array.units(); }
     const CZeChar* end() const { return m_array.units() + m_array.size(); }
     /// The units with a terminating zero. A string that wraps foreign memory first takes a private copy for
@@ -76,6 +84,7 @@ public:
     /// The unit at `index`, from 0 to `size()` − 1.
     CZeChar at(int index) const { return m_array.units()[index]; }
     CZeChar operator[](int index) const { return m_array.units()[index]; }
+    /// The same for writing.
     CZeChar& operator[](int index) { return data()[index]; }
 
     // Storage
@@ -105,6 +114,7 @@ public:
     // Conversion in: `size` counts the elements of the source, a negative one means up to its terminating
     // zero. A null pointer gives the null string, no elements the empty one.
 
+    /// Latin-1 (ISO-8859-1) text, and ASCII as a part of it.
     static CZeString fromLatin1(const char* text, int size = -1);
     static CZeString fromLatin1(const CZeByteArray& text);
     static CZeString fromAscii(const char* text, int size = -1) { return fromLatin1(text, size); }
@@ -182,11 +192,12 @@ public:
     /// With &lt; &gt; &amp; and &quot; in place of the four characters.
     CZeString toHtmlEscaped() const;
 
+    /// As `append`.
     CZeString& operator+=(const CZeString& text) { return append(text); }
     CZeString& operator+=(const CZeStringRef& text) { return append(text); }
     CZeString& operator+=(CZeLatin1String text) { return append(text); }
     CZeString& operator+=(CZeChar unit) { return append(unit); }
-    // A sum that there is no memory for is its left side.
+    /// Both texts in a row. A sum that there is no memory for is its left side.
     friend CZeString operator+(CZeString left, const CZeString& right) {
         return std::move(left.append(right));
     }
@@ -207,19 +218,22 @@ public:
                     Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
     /// The number of occurrences, those that overlap included.
     int count(const ze::TextArgument& text, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    /// Whether the text stands at the start, or at the end.
     bool startsWith(const ze::TextArgument& text, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
     bool endsWith(const ze::TextArgument& text, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
 
-    // Comparison: below, at or above 0 as this string sorts before, with or behind the other. With case the
-    // first differing units give the result by their difference, else the sizes do. Without case A to Z, and
-    // no other letters, count as a to z; the first differing code points decide, then the longer text sorts
-    // behind (±1).
+    // Comparison
 
+    /// Below, at or above 0 as this string sorts before, with or behind the other. With case the first
+    /// differing units give the result by their difference, else the sizes do. Without case A to Z, and no
+    /// other letters, count as a to z; the first differing code points decide, then the longer text sorts
+    /// behind (±1).
     int compare(const CZeString& other, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
     int compare(const CZeStringRef& other, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
     /// Without case a null view sorts behind every other text, even behind an empty one.
     int compare(CZeLatin1String other, Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
 
+    /// As `compare` with case.
     friend bool operator==(const CZeString& l, const CZeString& r) { return l.isEqual(r); }
     friend bool operator!=(const CZeString& l, const CZeString& r) { return !l.isEqual(r); }
     friend bool operator<(const CZeString& l, const CZeString& r) { return l.compare(r) < 0; }
@@ -248,6 +262,7 @@ public:
     /// The first or the last `count` units; all of them when there are fewer or `count` is negative.
     CZeString left(int count) const { return CZeString(m_array.cut(0, count)); }
     CZeString right(int count) const { return CZeString(m_array.cutRight(count)); }
+    /// The same as views.
     CZeStringRef midRef(int position, int count = -1) const;
     CZeStringRef leftRef(int count) const;
     CZeStringRef rightRef(int count) const;
@@ -258,6 +273,7 @@ public:
                         Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
     CZeStringList split(CZeChar separator, SplitBehavior behavior = KeepEmptyParts,
                         Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
+    /// The same as views.
     CZeStringRefList splitRef(const CZeString& separator, SplitBehavior behavior = KeepEmptyParts,
                               Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
     CZeStringRefList splitRef(CZeChar separator, SplitBehavior behavior = KeepEmptyParts,
@@ -290,12 +306,13 @@ public:
     CZeString toUpper() const& { return toUpper_helper(*this); }
     CZeString toUpper() && { return toUpper_helper(std::move(*this)); }
 
-    // Numbers in: all of the text must be a number as strtoll, strtoull and strtod in the "C" locale read it,
-    // white space (CZeChar::isSpace) at both ends aside; base 0 looks at the prefix "0" or "0x". Otherwise,
-    // and when the number does not fit the type, `ok` (unless null) becomes false and the result is 0. A
-    // minus sign before an unsigned number negates within 64 bits. "inf" and "nan" are numbers; one so small
-    // that it becomes 0 is one for `toFloat` only.
+    // Numbers in
 
+    /// The number that the text is. All of it must be one as strtoll, strtoull and strtod in the "C" locale
+    /// read it, white space (CZeChar::isSpace) at both ends aside; base 0 looks at the prefix "0" or "0x".
+    /// Otherwise, and when the number does not fit the type, `ok` (unless null) becomes false and the result
+    /// is 0. A minus sign before an unsigned number negates within 64 bits. "inf" and "nan" are numbers; one
+    /// so small that it becomes 0 is one for `toFloat` only.
     long long toLongLong(bool* ok = nullptr, int base = 10) const;
     unsigned long long toULongLong(bool* ok = nullptr, int base = 10) const;
     long toLong(bool* ok = nullptr, int base = 10) const;
@@ -307,9 +324,10 @@ public:
     double toDouble(bool* ok = nullptr) const;
     float toFloat(bool* ok = nullptr) const;
 
-    // Numbers out: lower-case digits in bases 2 to 36, any other base counts as 10; a minus sign in every
-    // base.
+    // Numbers out
 
+    /// Replaces the contents by the number: lower-case digits in bases 2 to 36, any other base counts as 10;
+    /// a minus sign in every base.
     CZeString& setNum(int value, int base = 10) { return setNum(long{value}, base); }
     CZeString& setNum(unsigned int value, int base = 10) {
         return setNum(static_cast<unsigned long>(value), base);
@@ -319,6 +337,7 @@ public:
     /// Formats as CZeByteArray::setNum does.
     CZeString& setNum(double value, char format = 'g', int precision = 6);
 
+    /// The number as `setNum` writes it.
     static CZeString number(int value, int base = 10) { return number(long{value}, base); }
     static CZeString number(unsigned int value, int base = 10) {
         return number(static_cast<unsigned long>(value), base);
@@ -331,12 +350,13 @@ public:
         return std::move(CZeString().setNum(value, format, precision));
     }
 
-    // Formatting: a copy in which every occurrence of the lowest escape %0 to %99 gives way to the argument,
-    // so that chained calls fill %1, %2 and so on. `fill`, to be given as a CZeChar, pads the argument to the
-    // field width, before it when that is positive, behind it when negative. Without an escape the copy is
-    // unchanged and a warning with the text and the argument is logged, integers in decimal. A result that
-    // would be too long is the null string.
+    // Formatting
 
+    /// A copy in which every occurrence of the lowest escape %0 to %99 gives way to the argument, so that
+    /// chained calls fill %1, %2 and so on. `fill`, to be given as a CZeChar, pads the argument to the field
+    /// width, before it when that is positive, behind it when negative. Without an escape the copy is
+    /// unchanged and a warning with the text and the argument is logged, integers in decimal. A result that
+    /// would be too long is the null string.
     CZeString arg(const CZeString& argument, int fieldWidth = 0, CZeChar fill = ' ') const;
     CZeString arg(const CZeStringRef& argument, int fieldWidth = 0, CZeChar fill = ' ') const;
     CZeString arg(CZeLatin1String argument, int fieldWidth = 0, CZeChar fill = ' ') const;
@@ -353,9 +373,10 @@ public:
     CZeString arg(double argument, int fieldWidth = 0, char format = 'g', int precision = 6,
                   CZeChar fill = ' ') const;
 
-    // The workers behind the members above. Ranges are given by their first element, which is null only in
-    // comparisons and where there are no units, and their size, which is not negative.
+    // The workers behind the members above
 
+    /// Does what the member of that name does. Ranges are given by their first element, which is null only in
+    /// comparisons and where there are no units, and their size, which is not negative.
     static CZeString fromLatin1_helper(const char* text, int size);
     static CZeString fromAscii_helper(const char* text, int size) { return fromLatin1_helper(text, size); }
     static CZeString fromLocal8Bit_helper(const char* text, int size) { return fromUtf8_helper(text, size); }
@@ -363,14 +384,17 @@ public:
     static CZeByteArray toLatin1_helper(const CZeString& text);
     /// Turns the block of `text` into that of the result where no other string shares it.
     static CZeByteArray toLatin1_helper_inplace(CZeString& text);
+    /// As the members.
     static CZeByteArray toLocal8Bit_helper(const CZeString& text) { return toUtf8_helper(text); }
     static CZeByteArray toUtf8_helper(const CZeString& text);
     static CZeList<char32_t> toUcs4_helper(const CZeString& text);
-    /// Without case a null range sorts behind every other; two ranges with the same start by their sizes.
+    /// As `compare`. Without case a null range sorts behind every other; two ranges with the same start by
+    /// their sizes.
     static int compare_helper(const CZeChar* left, int leftSize, const CZeChar* right, int rightSize,
                               Ze::CaseSensitivity cs);
     static int compare_helper(const CZeChar* left, int leftSize, CZeLatin1String right,
                               Ze::CaseSensitivity cs);
+    /// As the member.
     static CZeString trimmed_helper(const CZeString& text);
     /// Uses the block of `text` for the result where no other string shares it; so do the next ones.
     static CZeString trimmed_helper(CZeString&& text);
@@ -380,6 +404,7 @@ public:
     static CZeString toLower_helper(CZeString&& text);
     static CZeString toUpper_helper(const CZeString& text);
     static CZeString toUpper_helper(CZeString&& text);
+    /// As `replace`.
     CZeString& replace_helper(const CZeChar* before, int beforeSize, const CZeChar* after, int afterSize,
                               Ze::CaseSensitivity cs);
     /// Returns whether the text is a number, which `value` then is, else 0.
