@@ -35,17 +35,23 @@ public:
         m_path = m_directory / (isPlain ? "lut" + extension : "lut");
         std::error_code error;
         std::filesystem::create_symlink(std::filesystem::absolute(path), m_path, error);
+        if (!error)
+            return;
+        remove();
+        throw Failure(ExitCode::failed, m_path, "cannot be made: " + error.message());
     }
-    ~Alias() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_directory, ignored);
-    }
+    ~Alias() { remove(); }
     Alias(const Alias&) = delete;
     Alias& operator=(const Alias&) = delete;
 
     std::string path() const { return m_path; }
 
 private:
+    void remove() const {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_directory, ignored);
+    }
+
     std::filesystem::path m_directory;
     std::filesystem::path m_path;
 };
@@ -95,7 +101,9 @@ ocio::ConstCPUProcessorRcPtr processorOf(const std::string& path) {
         return ocio::Config::CreateRaw()
             ->getProcessor(ocio::Context::Create(), transform, ocio::TRANSFORM_DIR_FORWARD)
             ->getOptimizedCPUProcessor(ocio::OPTIMIZATION_LOSSLESS);
-    } catch (const ocio::Exception& error) {
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) {
         const std::string reasons = reasonsIn(error.what(), alias.path());
         throw Failure(ExitCode::badInput, path,
                       reasons.empty() ? "is neither a look-up table that can be read nor a picture of one"

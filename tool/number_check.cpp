@@ -33,9 +33,9 @@ bool isMeantAsNumber(const std::string& word) {
 
 // The word that spoils a line of numbers; empty when there is none, or another kind of line.
 std::string badNumberIn(const std::string& line) {
-    std::istringstream words(line.substr(0, line.find('#')));
+    std::istringstream words(line);
     std::string bad;
-    for (std::string word; words >> word;) {
+    for (std::string word; words >> word && word[0] != '#';) { // a comment, unlike "1.#QNAN"
         if (!isMeantAsNumber(word))
             return "";
         if (bad.empty() && !isNumber(word))

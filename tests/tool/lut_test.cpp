@@ -234,6 +234,7 @@ TEST_F(Lut, RefusesWhatIsDamagedWithItsReasonAndWithoutAFile) {
         {"word.cube", "LUT_3D_SIZE 2\n0 0 oops\n", ".*At line \\(2\\): '0 0 oops'.*"},
         {"comma.cube", "LUT_3D_SIZE 2\n0 0 0\n0,5 0 0\n", ".*line 3: '0,5' is no finite number.*"},
         {"nan.cube", "LUT_3D_SIZE 2\nnan 0 0\n", ".*line 2: 'nan' is no.*"},
+        {"qnan.cube", "LUT_3D_SIZE 2\n1 0 0 # 1,5\n0 1.#QNAN 0\n", ".*line 3: '1.#QNAN' is no.*"},
         {"huge.cube", "LUT_3D_SIZE 2\n0 1e39 0\n", ".*line 2: '1e39' is no.*"},
         {"empty.cube", "", ".*unspecified.*"},
         {"short.spi3d", "SPILUT 1.0\n3 3\n2 2 2\n0 0 0 0 0 0\n", ".*Not enough entries.*"},

@@ -68,6 +68,8 @@ TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
         EXPECT_EQ(fileNames(), before) << c.arguments;
     }
     EXPECT_EQ(contentOf(m_directory / "in.png"), png);
+    EXPECT_EQ(run("--version"), 0);
+    EXPECT_THAT(outputText(), MatchesRegex("zebeauty [0-9]+[.][0-9]+[.][0-9]+\n"));
 }
 
 TEST_F(Program, WritesTheSamePixelsInBothLayoutsWithoutAnEffectAndWithoutGl) {
