@@ -1,5 +1,5 @@
 // UTF-8 to UTF-16 and back, each into a string of its own, against a copy that moves as many bytes, ICU, and
-// a plain loop over the bytes.
+// a plain loop over the bytes; and to Latin-1, against a loop over the units.
 
 #include "bench/ratio.h"
 #include "core/tools/ze_string.h"
@@ -88,6 +88,19 @@ int encodePlainly(const std::u16string& text, char* bytes) {
     return int(out - bytes);
 }
 
+/// Unit by unit: the compiler is kept from taking several at once.
+#if !defined(__clang__)
+__attribute__((optimize("no-tree-vectorize")))
+#endif
+int narrowPlainly(const std::u16string& text, char* latin1) {
+#if defined(__clang__)
+#pragma clang loop vectorize(disable)
+#endif
+    for (size_t i = 0; i < text.size(); ++i)
+        latin1[i] = text[i] > 0xFF ? '?' : char(text[i]);
+    return int(text.size());
+}
+
 template <class Element, class Convert>
 void convert(size_t room, Convert conversion) {
     const Block block = makeBlock(room * sizeof(Element));
@@ -97,6 +110,14 @@ void convert(size_t room, Convert conversion) {
 
 void decode(const std::string& text) {
     benchmark::DoNotOptimize(CZeString::fromUtf8(text.data(), int(text.size())).constData());
+}
+
+/// Whether the library narrows as the plain loop does.
+bool agreeOnLatin1(const CZeString& string, const std::u16string& units) {
+    std::string plain(units.size(), '\0');
+    narrowPlainly(units, plain.data());
+    const CZeByteArray library = string.toLatin1();
+    return plain == std::string(library.begin(), library.end());
 }
 
 /// Whether all of them make the same of `text`, and `text` of that.
@@ -132,7 +153,7 @@ int main(int argc, char** argv) {
                 text += sample;
             const CZeString string = CZeString::fromUtf8(text.data(), int(text.size()));
             const std::u16string units(string.utf16(), size_t(string.size()));
-            if (!agree(text, units)) {
+            if (!agree(text, units) || !agreeOnLatin1(string, units)) {
                 std::fprintf(stderr, "%s: not all make the same text\n", name);
                 return 1;
             }
@@ -160,6 +181,15 @@ int main(int argc, char** argv) {
                  {"plain", [units] {
                       convert<char>(units.size() * 3, [&](char* out) { return encodePlainly(units, out); });
                   }}});
+            const std::u16string sameSize =
+                (units + units).substr(0, size / 2); // none has fewer than a third
+            const CZeString latin1Text = CZeString::fromUtf16(sameSize.data(), int(sameSize.size()));
+            addComparison("to Latin-1" + suffix,
+                          [latin1Text] { benchmark::DoNotOptimize(latin1Text.toLatin1().constData()); },
+                          {{"plain", [sameSize] {
+                                convert<char>(sameSize.size(),
+                                              [&](char* out) { return narrowPlainly(sameSize, out); });
+                            }}});
         }
     }
     return runComparisons(argc, argv);

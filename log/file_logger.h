@@ -38,14 +38,13 @@ private:
     std::thread m_thread;
     LogFile m_file; // the thread's own
     std::condition_variable m_wake;
-    std::mutex m_mutex; // guards all that follows
-    bool m_stop = false;
-    CZeString m_rootDirectory;
-    LogLines m_queue;
+    const pid_t m_process;
 
-    std::mutex m_stampMutex; // guards m_timeStamp; never held together with m_mutex
+    alignas(64) std::mutex m_mutex; // guards all that follows, and shares a cache line with the queue
+    LogLines m_queue;
     TimeStamp m_timeStamp;
-    const pid_t m_process; // never changes, needs no guard
+    CZeString m_rootDirectory;
+    bool m_stop = false;
 };
 
 } // namespace ze

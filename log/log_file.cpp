@@ -4,6 +4,8 @@
 #include "log/console_sink.h"
 #include "log/settings.h"
 
+#include <string>
+
 namespace ze {
 
 namespace {
@@ -36,10 +38,10 @@ void LogFile::write(const LogLines& lines, const CZeString& rootDirectory, LogTi
         open(rootDirectory, now, today);
     if (!m_file)
         return;
-    for (const std::string& line : lines) {
+    lines.forEach([this](std::string_view line) {
         std::fwrite(line.data(), 1, line.size(), m_file);
         std::fputc('\n', m_file);
-    }
+    });
 }
 
 void LogFile::open(const CZeString& rootDirectory, LogTime now, const std::tm& today) {

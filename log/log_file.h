@@ -3,18 +3,14 @@
 #pragma once
 
 #include "core/tools/ze_string.h"
+#include "log/log_lines.h"
 #include "log/log_schedule.h"
 
 #include <cstdio>
 #include <ctime>
-#include <deque>
 #include <optional>
-#include <string>
 
 namespace ze {
-
-/// What is pending for the file: whole lines without their newline.
-using LogLines = std::deque<std::string>;
 
 /// Opens the day's file when there is something to write, and closes it when the date has changed at a flush
 /// or at its own end. Times come from the caller. Not thread-safe.

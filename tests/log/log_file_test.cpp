@@ -57,6 +57,13 @@ TEST(LogSchedule, StampsEveryTimeWithItsOwnText) {
     EXPECT_EQ(stamp.of(time), "2024-03-05 23:59:58");
 }
 
+ze::LogLines lines(std::initializer_list<std::string_view> texts) {
+    ze::LogLines result;
+    for (const std::string_view text : texts)
+        result.append("at", text);
+    return result;
+}
+
 class LogFileTest : public testing::Test {
 protected:
     std::string fileOf(const char* day) const {
@@ -70,40 +77,40 @@ protected:
 };
 
 TEST_F(LogFileTest, ChangesWithTheDateOnceFlushed) {
-    file.write({"before", "midnight"}, root, kStart, kFifth);
+    file.write(lines({"before", "midnight"}), root, kStart, kFifth);
     file.flushIfDue(0s, kStart + 9'999'999'999ns, kSixth);
-    file.write({"after"}, root, kStart + 9'999'999'999ns, kSixth);
+    file.write(lines({"after"}), root, kStart + 9'999'999'999ns, kSixth);
     EXPECT_EQ(contentOf(fileOf("2024-03-05")), "");
     file.flushIfDue(0s, kStart + 10s, kSixth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-05")), "before\nmidnight\nafter\n");
-    file.write({"later"}, root, kStart + 10s, kSixth);
+    EXPECT_EQ(contentOf(fileOf("2024-03-05")), "[at] before\n[at] midnight\n[at] after\n");
+    file.write(lines({"later"}), root, kStart + 10s, kSixth);
     file.flushIfDue(10s, kStart + 11s, kSixth); // the same day: flushed and kept open
-    EXPECT_EQ(contentOf(fileOf("2024-03-06")), "later\n");
-    file.write({"last"}, CZeString(), kStart + 12s, kSixth);
+    EXPECT_EQ(contentOf(fileOf("2024-03-06")), "[at] later\n");
+    file.write(lines({"last"}), CZeString(), kStart + 12s, kSixth);
     file.flushIfDue(0s, kStart + 20s, kSixth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-06")), "later\n");
+    EXPECT_EQ(contentOf(fileOf("2024-03-06")), "[at] later\n");
     file.flushIfDue(0s, kStart + 22s, kSixth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-06")), "later\nlast\n");
+    EXPECT_EQ(contentOf(fileOf("2024-03-06")), "[at] later\n[at] last\n");
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
 TEST_F(LogFileTest, AppendsToTheFileOfTheDay) {
     for (int run = 0; run < 2; ++run)
-        ze::LogFile(CZeString::fromLatin1("glowkitlog")).write({"line"}, root, kStart, kFifth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-05")), "line\nline\n");
+        ze::LogFile(CZeString::fromLatin1("glowkitlog")).write(lines({"line"}), root, kStart, kFifth);
+    EXPECT_EQ(contentOf(fileOf("2024-03-05")), "[at] line\n[at] line\n");
 }
 
 TEST_F(LogFileTest, TriesAgainHalfAMinuteAfterAFailure) {
-    file.write({"lost"}, CZeString(), kStart, kFifth);
-    file.write({"lost"}, root, kStart + 30s - 1ns, kFifth);
+    file.write(lines({"lost"}), CZeString(), kStart, kFifth);
+    file.write(lines({"lost"}), root, kStart + 30s - 1ns, kFifth);
     EXPECT_FALSE(std::filesystem::exists(directory / "root"));
     std::ofstream(directory / "root") << "in the way";
-    file.write({"lost"}, root, kStart + 30s, kFifth);
+    file.write(lines({"lost"}), root, kStart + 30s, kFifth);
     std::filesystem::remove(directory / "root");
-    file.write({"lost"}, root, kStart + 59s, kFifth);
-    file.write({"kept"}, root, kStart + 60s, kFifth);
+    file.write(lines({"lost"}), root, kStart + 59s, kFifth);
+    file.write(lines({"kept"}), root, kStart + 60s, kFifth);
     file.flushIfDue(10s, kStart + 60s, kFifth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-05")), "kept\n");
+    EXPECT_EQ(contentOf(fileOf("2024-03-05")), "[at] kept\n");
     EXPECT_EQ(log.entries(), (std::vector<LogCapture::Entry>{
                                  {5, "glowfx", "Failed to create log file: "},
                                  {5, "glowfx", "Failed to create log file: " + fileOf("2024-03-05")}}));
