@@ -136,10 +136,12 @@ void addRenderCommand(CLI::App& program) {
             ->check(checkAmount)
             ->capture_default_str();
     CLI::Option* lut =
-        command->add_option("--lut", options->lut,
-                            "Grade colours through a LUT file, or through anything that 'zebeauty lut bake' "
-                            "reads. With --smooth or --whiten both effects run, in the order in which they "
-                            "are named here; without them the grading runs alone");
+        command
+            ->add_option("--lut", options->lut,
+                         "Grade colours through a LUT file, or through anything that 'zebeauty lut bake' "
+                         "reads. With --smooth or --whiten both effects run, in the order in which they "
+                         "are named here; without them the grading runs alone")
+            ->check([](const std::string& file) { return file.empty() ? "no file is named" : ""; });
     command->add_option("--intensity", options->intensity, "How much of the graded colour to mix in, 0 to 1")
         ->check(checkAmount)
         ->needs(lut)

@@ -39,6 +39,8 @@ TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
         {"render in.png out.png --frob", 2, ".*--frob"},
         {"render in.png out.png --smooth 1.01", 2, "--smooth: "},
         {"render in.png out.png --format nv16", 2, "--format: "},
+        {"render in.png out.png --lut ''", 2, "--lut: no file"},
+        {"render in.png out.png --intensity 0.5", 2, "--intensity requires --lut"},
         {"render in.png out.gif", 2, "out.gif: unknown extension"},
         {"render in.png out.png --compare both.bmp", 2, "both.bmp: unknown extension"},
         {"render in.png out.png --compare ./out.png", 2, "./out.png: is named as OUTPUT"},
