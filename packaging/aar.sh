@@ -9,17 +9,16 @@ build=$1
 out=$2
 library=$build/libZeBeautyEffect.so
 [ -f "$library" ] || { echo "aar.sh: $library is not there" >&2; exit 1; }
-readelf -h "$library" | grep -q 'Machine: *AArch64' || { echo "aar.sh: $library is not for arm64" >&2; exit 1; }
+[[ $(readelf -h "$library") == *Machine:*AArch64* ]] || { echo "aar.sh: $library is not for arm64" >&2; exit 1; }
 
 work=$(mktemp -d)
-new=$(mktemp "$out.XXXXXX")
-trap 'rm -rf "$work" "$new"' EXIT
-new=$(realpath "$new")
+beside=$(mktemp -d "$out.XXXXXX")
+trap 'rm -rf "$work" "$beside"' EXIT
+new=$(realpath "$beside")/new.zip
 
-cmake --install "$build" --prefix "$work/tree" --component prefab --strip >/dev/null
-cd "$work/tree"
-find . -type f -printf '%P\n' | LC_ALL=C sort >../files
-TZ=UTC cmake -E tar cf "$new" --format=zip --mtime='2020-01-01 00:00:00' --files-from=../files
-chmod 644 "$new"
+cmake --install "$build" --prefix "$work" --component prefab --strip >/dev/null
+cd "$work"
+find . -exec touch -d '2020-01-01 00:00:00 UTC' {} +
+find . -type f -printf '%P\n' | LC_ALL=C sort | TZ=UTC zip -q -X -@ "$new"
 cd "$OLDPWD"
 mv -f "$new" "$out"

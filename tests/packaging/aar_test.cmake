@@ -7,6 +7,7 @@ file(REMOVE_RECURSE ${work})
 file(MAKE_DIRECTORY ${work}/unpacked)
 
 execute_process(COMMAND ${aar_sh} ${BUILD_DIR} first.aar WORKING_DIRECTORY ${work} COMMAND_ERROR_IS_FATAL ANY)
+execute_process(COMMAND ${CMAKE_COMMAND} -E sleep 2) # the resolution of times in archives
 execute_process(COMMAND ${aar_sh} ${BUILD_DIR} ${work}/second.aar COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files first.aar second.aar WORKING_DIRECTORY ${work}
   COMMAND_ERROR_IS_FATAL ANY)

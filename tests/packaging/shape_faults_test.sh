@@ -30,8 +30,8 @@ EOF
 # poke TYPE OFFSET BYTE: writes into the first program header of that type.
 poke() {
     local index
-    index=$(readelf -lW library.so | grep -E '^  [A-Z_]+ +0x' | grep -nm1 "^  $1 ")
-    printf %b "$3" | dd of=library.so bs=1 seek=$((64 + 56 * (${index%%:*} - 1) + $2)) conv=notrunc status=none
+    index=$(sed -n "/^  $1 /{=;q}" <(readelf -lW library.so | grep -E '^  [A-Z_]+ +0x'))
+    printf %b "$3" | dd of=library.so bs=1 seek=$((64 + 56 * (index - 1) + $2)) conv=notrunc status=none
 }
 
 failed=0
