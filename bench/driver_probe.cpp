@@ -3,7 +3,6 @@
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
 
-#include <algorithm>
 #include <chrono>
 
 namespace {
@@ -12,6 +11,7 @@ using Clock = std::chrono::steady_clock;
 
 struct Probe {
     Splits splits = Splits::asDriverLikes;
+    std::span<const Step> passes;
     FrameTimes times;
     Step step = Step::yuvToRgb; ///< Of the latest call.
     Clock::time_point counted;  ///< Time up to here belongs to a step.
@@ -26,7 +26,8 @@ Probe g_probe;
 
 /// The step of a call that is no upload: draws divide the frame.
 Step stepByDraws() {
-    return Step(std::min(int(Step::yuvToRgb) + g_probe.times.draws, int(Step::readBack)));
+    const size_t draws = g_probe.times.draws;
+    return draws < g_probe.passes.size() ? g_probe.passes[draws] : Step::readBack;
 }
 
 /// Lives as long as a call into the driver.
@@ -45,8 +46,9 @@ public:
 
 } // namespace
 
-FrameTimes timeFrame(Splits splits, const std::function<void()>& frame) {
-    g_probe = {.splits = splits, .times = {}, .step = Step::yuvToRgb, .counted = Clock::now()};
+FrameTimes timeFrame(Splits splits, std::span<const Step> passes, const std::function<void()>& frame) {
+    g_probe = {
+        .splits = splits, .passes = passes, .times = {}, .step = Step::yuvToRgb, .counted = Clock::now()};
     frame();
     g_probe.countTo(Step::unpacking);
     g_probe.splits = Splits::asDriverLikes;
@@ -96,6 +98,8 @@ ZE_TIMED(void, glReadPixels,
          (x, y, width, height, format, type, pixels))
 ZE_TIMED(void, glTexParameteri, (GLenum target, GLenum name, GLint value), (target, name, value))
 ZE_TIMED(void, glUniform1f, (GLint location, GLfloat value), (location, value))
+ZE_TIMED(void, glUniform1fv, (GLint location, GLsizei count, const GLfloat* values),
+         (location, count, values))
 ZE_TIMED(void, glUniform2fv, (GLint location, GLsizei count, const GLfloat* values),
          (location, count, values))
 ZE_TIMED(void, glUseProgram, (GLuint program), (program))

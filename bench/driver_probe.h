@@ -8,19 +8,22 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <span>
 
-/// The steps of a frame with the beauty effect: the driver's work for each, and what is not the driver's.
+/// The steps of a frame with effects: the driver's work for each, and what is not the driver's.
 enum class Step {
     upload,    ///< glTexSubImage2D.
     yuvToRgb,  ///< A pass with all of its other calls, up to its draw. The first one also has the EGL calls.
     blur,      ///< Likewise.
     mix,       ///< Likewise.
+    lut,       ///< Likewise, for uniform levels.
+    mappedLut, ///< Likewise, for others.
     rgbToYuv,  ///< Likewise.
     readBack,  ///< What follows the last draw, which is mostly glReadPixels.
     unpacking, ///< From the last call on. The driver has nothing left to do then.
     remainder, ///< The library's own instructions before and between the calls.
 };
-inline constexpr size_t kStepCount = 8;
+inline constexpr size_t kStepCount = 10;
 
 enum class Splits {
     asDriverLikes, ///< The driver may do the work of a call during a later one.
@@ -31,7 +34,7 @@ enum class Splits {
 struct FrameTimes {
     std::array<double, kStepCount> steps{};
     double whole = 0; ///< The sum of the steps.
-    int draws = 0;    ///< Four, or the steps are not what their names say.
+    size_t draws = 0; ///< As many as passes, or the steps are not what their names say.
 
     double& operator[](Step step) { return steps[size_t(step)]; }
     double operator[](Step step) const { return steps[size_t(step)]; }
@@ -40,5 +43,6 @@ struct FrameTimes {
     double outsideDriver() const { return (*this)[Step::unpacking] + (*this)[Step::remainder]; }
 };
 
-/// Runs `frame`, one call of ZecRender, on this thread. One frame at a time in the whole program.
-FrameTimes timeFrame(Splits splits, const std::function<void()>& frame);
+/// Runs `frame`, one call of ZecRender that draws `passes`, on this thread. One frame at a time in the whole
+/// program.
+FrameTimes timeFrame(Splits splits, std::span<const Step> passes, const std::function<void()>& frame);

@@ -1,18 +1,24 @@
-// A whole frame with the beauty effect, step by step, as it is and with its shaders in highp.
+// A whole frame with the beauty effect, step by step, as it is and with its shaders in highp. With the
+// argument "lut" two look-up tables of 33 levels that change nothing follow: one with uniform levels, one
+// with others.
 
 #include "api/render_core.h"
 #include "bench/driver_probe.h"
 #include "bench/highp_shaders.h"
 #include "bench/median.h"
 #include "gl/egl_context.h"
+#include "tests/support/lut_file.h"
+#include "tests/support/temp_directory.h"
 #include "tool/chart.h"
 #include "tool/headless.h"
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include <libyuv/convert.h>
@@ -49,13 +55,30 @@ Frame chartFrame() {
     return frame;
 }
 
-/// A render core with its effect. Several may be used in turn on one thread.
+/// A table that changes nothing, with levels at even steps to the power of `gamma`.
+void writeIdentity(const std::string& path, float gamma) {
+    LutFile lut{evenLevels(33)};
+    for (float& level : lut.levels)
+        level = std::pow(level, gamma);
+    lut.fill([&](size_t index) { return 255 * lut.levels[index]; });
+    writeFile(path, lut.bytes());
+}
+
+/// A render core with its effects. Several may be used in turn on one thread.
 class Beautifier {
 public:
-    Beautifier() { ZecSetBeautyParams(m_beauty, kSmooth, kWhiten); }
+    explicit Beautifier(bool hasLuts) {
+        ZecSetBeautyParams(m_effects[0], kSmooth, kWhiten);
+        if (hasLuts) {
+            addLut(1);
+            addLut(1.6f);
+            m_passes.insert(m_passes.end() - 1, {Step::lut, Step::mappedLut});
+        }
+    }
     ~Beautifier() {
         enter();
-        ZecDestoryEffect(m_beauty);
+        for (ZecEffect* effect : m_effects)
+            ZecDestoryEffect(effect);
         ZecDestroyRenderCore(m_core);
         eglReleaseThread();
     }
@@ -66,18 +89,25 @@ public:
         enter();
         const ZecImage from = input.image();
         ZecImage to = output.image();
-        const std::vector<ZecEffect*> effects{m_beauty};
         bool rendered = false;
-        const FrameTimes times = timeFrame(
-            splits, [&] { rendered = ZecRender(m_core, effects, &from, &to, 0, 0, 1, kWidth, kHeight, 0); });
-        if (!rendered || times.draws != 4)
-            throw std::runtime_error("a frame failed or did not take four draws");
+        const FrameTimes times = timeFrame(splits, m_passes, [&] {
+            rendered = ZecRender(m_core, m_effects, &from, &to, 0, 0, 1, kWidth, kHeight, 0);
+        });
+        if (!rendered || times.draws != m_passes.size())
+            throw std::runtime_error("a frame failed or did not draw all passes");
         return times;
     }
 
     Frame output;
 
 private:
+    void addLut(float gamma) {
+        const std::string path = m_directory / std::to_string(gamma);
+        writeIdentity(path, gamma);
+        m_effects.push_back(ZecCreateEffect(1));
+        ZecSetLutParams(m_effects.back(), path, 1);
+    }
+
     /// Another context that is current would be destroyed by the frame.
     void enter() {
         eglMakeCurrent(eglGetDisplay(EGL_DEFAULT_DISPLAY), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
@@ -85,8 +115,10 @@ private:
             ze::makeContextCurrent(*m_core->context);
     }
 
+    const TempDirectory m_directory; ///< Of the tables, which the first frame reads.
     ZecRenderCore* m_core = ZecCreateRenderCore();
-    ZecEffect* m_beauty = ZecCreateEffect(0);
+    std::vector<ZecEffect*> m_effects{ZecCreateEffect(0)};
+    std::vector<Step> m_passes{Step::yuvToRgb, Step::blur, Step::mix, Step::rgbToYuv};
 };
 
 struct Precision {
@@ -161,12 +193,14 @@ void printQuickest(const std::vector<FrameTimes>& frames) {
 
 void printTable(const Precision& shipped, const Precision& highp) {
     constexpr const char* kNames[kStepCount] = {
-        "upload",     "YUV to RGB", "horizontal blur", "vertical blur and mix",
-        "RGB to YUV", "read-back",  "unpacking",       "the rest"};
+        "upload",    "YUV to RGB",        "horizontal blur", "vertical blur and mix",
+        "LUT",       "LUT, other levels", "RGB to YUV",      "read-back",
+        "unpacking", "the rest"};
     std::printf("%-28s %9s %10s %9s %9s\n", "", "ms", "of frame", "highp ms", "to highp");
     for (size_t step = 0; step < kStepCount; ++step)
-        printLine(kNames[step], shipped.split, highp.split,
-                  [step](const FrameTimes& times) { return times.steps[step]; });
+        if (shipped.split.front().steps[step] > 0)
+            printLine(kNames[step], shipped.split, highp.split,
+                      [step](const FrameTimes& times) { return times.steps[step]; });
     const Pick whole = &FrameTimes::whole;
     printLine("frame, every step finished", shipped.split, highp.split, whole);
     printLine("frame", shipped.whole, highp.whole, whole);
@@ -174,9 +208,9 @@ void printTable(const Precision& shipped, const Precision& highp) {
     printQuickest(shipped.whole);
 }
 
-void measure() {
+void measure(bool hasLuts) {
     Frame input = chartFrame();
-    Precision shipped, highp;
+    Precision shipped{Beautifier(hasLuts)}, highp{Beautifier(hasLuts)};
     Precision* const both[] = {&shipped, &highp};
 
     shipped.beautifier.render(input, Splits::asDriverLikes);
@@ -206,10 +240,10 @@ void measure() {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
     ze::tool::prepareEnvironment();
     try {
-        measure();
+        measure(argc > 1 && std::string(argv[1]) == "lut");
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
         return 1;
