@@ -123,48 +123,29 @@ TEST_F(LutReader, TellsWhereAFileEndsEarly) {
 TEST_F(LutReader, ChecksWhatTheHeaderSays) {
     LutFile file{kOddLevels};
     const std::string bytes = file.fillWithNoise().bytes();
-    const uint64_t end = bytes.size(), top = uint64_t{1} << 63;
-    const struct {
+    const uint64_t end = bytes.size(), top = uint64_t{1} << 63, all = ~uint64_t{0};
+    struct Field {
         size_t offset, size;
-        uint64_t value;
-        Texts messages = {"taken"};
-    } cases[] = {{7, 1, 0, kWrongSignature},
-                 {0, 1, ',', kWrongSignature},
-                 {3, 1, 'x', kWrongSignature},
-                 {8, 4, 0, kSilence},
-                 {8, 4, 2, kSilence},
-                 {8, 4, 0x01000000, kSilence},
-                 {8, 4, 65537, kSilence},
-                 {12, 4, 0, kSilence},
-                 {12, 4, 66, kSilence},
-                 {12, 4, 0x02000000, kSilence},
-                 {12, 4, 0xFFFFFFFF, kSilence},
-                 {12, 4, 65, kNoLevels},
-                 {12, 4, 3, kNoColors},
-                 {16, 4, 1, kSilence},
-                 {16, 4, 0x80000000, kSilence},
-                 {20, 4, 256},
-                 {20, 4, 0x80000000},
-                 {24, 8, ~uint64_t{0}},
-                 {40, 8, ~uint64_t{0}},
-                 {32, 8, 49, kNoColors},
-                 {32, 8, end - 8, kNoColors},
-                 {32, 8, end - 7, kNoLevels},
-                 {32, 8, end, kNoLevels},
-                 {32, 8, end + 1, kNoLevels},
-                 {32, 8, uint64_t{1} << 32, kNoLevels},
-                 {32, 8, top, kSilence},
-                 {32, 8, top + 48, kSilence},
-                 {32, 8, ~uint64_t{0}, kSilence}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.value << " at " << c.offset);
-        std::string changed = bytes;
-        putLittleEndian(changed, c.offset, c.size, c.value);
-        if (c.messages == Texts{"taken"})
-            expectContents(changed, file);
-        else
-            expectRefusal(changed, c.messages);
-    }
+        std::vector<uint64_t> values;
+    };
+    const Texts kNothingWrong = {""};
+    // clang-format off
+    const std::pair<Texts, std::vector<Field>> cases[] = {
+        {kNothingWrong, {{20, 4, {256, 0x80000000}}, {24, 8, {all}}, {40, 8, {all}}}},
+        {kWrongSignature, {{7, 1, {0}}, {0, 1, {','}}, {3, 1, {'x'}}}},
+        {kSilence, {{8, 4, {0, 2, 65537, 0x01000000}}, {12, 4, {0, 66, 0x02000000, 0xFFFFFFFF}},
+                    {16, 4, {1, 0x80000000}}, {32, 8, {top, top + 48, all}}}},
+        {kNoLevels, {{12, 4, {65}}, {32, 8, {end - 7, end, end + 1, uint64_t{1} << 32}}}},
+        {kNoColors, {{12, 4, {3}}, {32, 8, {49, end - 8}}}}};
+    // clang-format on
+    for (const auto& [messages, fields] : cases)
+        for (const auto& [offset, size, values] : fields)
+            for (uint64_t value : values) {
+                SCOPED_TRACE(testing::Message() << value << " at " << offset);
+                std::string changed = bytes;
+                putLittleEndian(changed, offset, size, value);
+                messages == kNothingWrong ? expectContents(changed, file) : expectRefusal(changed, messages);
+            }
     std::string last = bytes; // whether there is such a position is up to the file system
     putLittleEndian(last, 32, 8, top - 1);
     writeFile(path, last);

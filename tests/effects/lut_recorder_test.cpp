@@ -155,5 +155,41 @@ TEST_F(Lut, TriesAFailedTableOrProgramAgainInEveryFrame) {
     EXPECT_THAT(log.texts(), ElementsAre("lut path is empty"));
 }
 
+TEST_F(Lut, ReportsAnErrorOfAnyCallOnceAndStopsOnlyWithoutAProgram) {
+    for (const auto& kind : kKinds)
+        for (bool isFirstFrame : {true, false}) {
+            const auto begin = [&] {
+                start(kind.levels);
+                EXPECT_TRUE(isFirstFrame || draw());
+                gl.clear();
+            };
+            begin();
+            EXPECT_TRUE(draw());
+            const std::vector<std::string> calls = gl.driver.calls;
+            const size_t lateCalls = 3; // behind the last check
+            for (size_t i = 0, nth = 0; i < calls.size(); ++i) {
+                if (calls[i] == "glGetError()")
+                    continue;
+                SCOPED_TRACE(calls[i] + (isFirstFrame ? " of the first frame" : ""));
+                begin();
+                gl.raise("", int(++nth), GL_INVALID_OPERATION);
+                const bool isLate = i >= calls.size() - lateCalls;
+                if (calls[i].starts_with("glCompileShader") || calls[i].starts_with("glLinkProgram")) {
+                    EXPECT_FALSE(draw());
+                    EXPECT_THAT(gl.draws(), IsEmpty());
+                    EXPECT_THAT(log.texts(), ElementsAre(EndsWith(":\n why it failed"),
+                                                         "Failed to prepare 3d lut program"));
+                } else {
+                    EXPECT_TRUE(draw());
+                    EXPECT_EQ(gl.driver.calls, calls);
+                    EXPECT_EQ(log.texts(), std::vector<std::string>(!isLate, "GL error: 0x1282"));
+                }
+                log.clear();
+                EXPECT_TRUE(draw());
+                EXPECT_EQ(log.texts(), std::vector<std::string>(isLate, "GL error: 0x1282"));
+            }
+        }
+}
+
 } // namespace
 } // namespace ze

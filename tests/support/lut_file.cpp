@@ -1,5 +1,6 @@
 #include "tests/support/lut_file.h"
 
+#include <algorithm>
 #include <bit>
 #include <fstream>
 #include <random>
@@ -7,7 +8,7 @@
 std::vector<float> evenLevels(size_t count) {
     std::vector<float> levels;
     for (size_t i = 0; i < count; ++i)
-        levels.push_back(float(double(i) / double(count - 1)));
+        levels.push_back(float(double(i) / std::max(1.0, double(count) - 1)));
     return levels;
 }
 

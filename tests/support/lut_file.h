@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-/// 0, 1/(count−1), …, 1.
+/// 0, 1/(count−1), …, 1; one alone is 0.
 std::vector<float> evenLevels(size_t count);
 
 /// What a LUT file holds.
