@@ -127,7 +127,7 @@ TEST_F(LutPixel, WholeFramesGoThroughTheEffectsInTheOrderGiven) {
     constexpr int kWidth = 45, kHeight = 31;
     const reference::ColourDescription description = {0, 1};
     LutFile negative{evenLevels(17)};
-    write(negative.fill([](size_t index) { return 255 - 15 * index; }));
+    negative.fill([](size_t index) { return 255 - 15 * index; });
     TestFrame input(kWidth, kHeight), output(kWidth, kHeight);
     std::mt19937 random(1);
     fillPicture(input.image, kWidth, kHeight, [&](int plane, int x, int) { // grainy skin
@@ -136,7 +136,17 @@ TEST_F(LutPixel, WholeFramesGoThroughTheEffectsInTheOrderGiven) {
     ZecRenderCore* core = ZecCreateRenderCore();
     ZecEffect* handles[] = {ZecCreateEffect(0), ZecCreateEffect(1)};
     ASSERT_TRUE(ZecSetBeautyParams(handles[0], 1, 0.5f));
-    ASSERT_TRUE(ZecSetLutParams(handles[1], path, 0.8f));
+    ASSERT_TRUE(ZecSetLutParams(handles[1], path, 0.1f));
+    ASSERT_TRUE(ZecSetLutParams(handles[1], "another path", 0.8f));
+    const auto render = [&](const std::vector<ZecEffect*>& effects) {
+        return ZecRender(core, effects, &input.image, &output.image, 0, 0, 1, kWidth, kHeight, 0);
+    };
+    EXPECT_TRUE(render({handles[1]})); // there is no file yet
+    EXPECT_THAT(log.texts(),
+                testing::ElementsAre("Lut path is already setted.", "Failed to open lut file " + path,
+                                     "failed to read lut file"));
+    log.clear();
+    write(negative);
 
     for (const std::vector<size_t>& types : {std::vector<size_t>{0, 1}, {1, 0}, {1}}) {
         Picture picture = reference::yuvToRgb(input.image, kWidth, kHeight, description, false).stored();
@@ -147,7 +157,7 @@ TEST_F(LutPixel, WholeFramesGoThroughTheEffectsInTheOrderGiven) {
                 (type ? graded(picture, negative, 0.8) : reference::beautify(picture, {1, 0.5})).stored();
         }
         const reference::Planes expected = reference::rgbToYuv(picture, description, false);
-        ASSERT_TRUE(ZecRender(core, effects, &input.image, &output.image, 0, 0, 1, kWidth, kHeight, 0));
+        ASSERT_TRUE(render(effects));
         const Tolerance limits = tolerance({1.25, 0.002}, {5, 0.02});
         EXPECT_TRUE(agree(output.planes[0], expected.luma, kWidth, limits)) << types[0];
         EXPECT_TRUE(agree(output.planes[1], expected.chroma, kWidth + 1, limits)) << types[0];
