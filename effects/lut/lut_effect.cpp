@@ -16,6 +16,15 @@ namespace {
 
 constexpr double kActiveThreshold = 0.001;
 
+/// The source comes from unit 0, the table from unit 1.
+void pointSamplers(GLuint program) {
+    glUseProgram(program);
+    glUniform1i(glGetUniformLocation(program, "sampler"), 0);
+    glUniform1i(glGetUniformLocation(program, "lutSampler"), 1);
+    checkGlError();
+    glUseProgram(0);
+}
+
 } // namespace
 
 CLutEffect::CLutEffect() : m_tables(std::make_unique<LutTables>()) {}
@@ -126,12 +135,7 @@ bool CLutEffect::prepareRatioProgram() {
     m_ratio.texelSize1D = glGetUniformLocation(m_ratio.name, "texelSize1D");
     m_ratio.rgbToTexCoordRatio = glGetUniformLocation(m_ratio.name, "rgbToTexCoordRatio");
     m_ratio.intensity = glGetUniformLocation(m_ratio.name, "intensity");
-
-    glUseProgram(m_ratio.name);
-    glUniform1i(glGetUniformLocation(m_ratio.name, "sampler"), 0);
-    glUniform1i(glGetUniformLocation(m_ratio.name, "lutSampler"), 1);
-    checkGlError();
-    glUseProgram(0);
+    pointSamplers(m_ratio.name);
     return true;
 }
 
@@ -146,12 +150,7 @@ bool CLutEffect::prepareMappedProgram() {
     m_mapped.texelSize1D = glGetUniformLocation(m_mapped.name, "texelSize1D");
     m_mapped.texCoordLut1D = glGetUniformLocation(m_mapped.name, "texCoordLut1D");
     m_mapped.intensity = glGetUniformLocation(m_mapped.name, "intensity");
-
-    glUseProgram(m_mapped.name);
-    glUniform1i(glGetUniformLocation(m_mapped.name, "sampler"), 0);
-    glUniform1i(glGetUniformLocation(m_mapped.name, "lutSampler"), 1);
-    checkGlError();
-    glUseProgram(0);
+    pointSamplers(m_mapped.name);
     return true;
 }
 
