@@ -60,9 +60,11 @@ template <class Attempt>
 int forEachFailure(Attempt attempt) {
     int failures = 0;
     for (const bool failsOn : {false, true}) {
-        bool hasFailed = true;
-        for (int n = 1; hasFailed; ++n) {
+        bool hasFailed = false;
+        int n = 0;
+        do {
             const int blocks = g_blocks;
+            ++n;
             attempt([&](auto work) {
                 g_untilFailure = n;
                 g_failsOn = failsOn;
@@ -73,7 +75,7 @@ int forEachFailure(Attempt attempt) {
             });
             EXPECT_EQ(g_blocks, blocks) << "with allocation " << n << " failing";
             failures += hasFailed;
-        }
+        } while (hasFailed);
     }
     return failures;
 }
