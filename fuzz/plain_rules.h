@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <iterator>
 #include <map>
 #include <string>
 #include <type_traits>
@@ -15,6 +18,19 @@ inline size_t escapeEnd(const std::string& text, size_t at) {
     while (text[at] == '%' && end < std::min(at + 3, text.size()) && text[end] >= '0' && text[end] <= '9')
         ++end;
     return end;
+}
+
+/// `text` with `fill` before it, or for a negative width behind it.
+inline std::string padded(std::string text, int width, char fill) {
+    const int missing = std::max(std::abs(width) - int(text.size()), 0);
+    return text.insert(width > 0 ? 0 : text.size(), size_t(missing), fill);
+}
+
+/// What to_chars makes of a number.
+template <class... How>
+std::string formatted(How... how) {
+    char digits[512];
+    return std::string(digits, std::to_chars(digits, std::end(digits), how...).ptr);
 }
 
 /// `text` with `argument` in place of its lowest escapes.
@@ -29,6 +45,13 @@ inline std::string replaceLowest(const std::string& text, const std::string& arg
     for (size_t i = 0; i < text.size(); i = escapeEnd(text, i))
         result += numberAt(i) == lowest ? argument : text.substr(i, escapeEnd(text, i) - i);
     return result;
+}
+
+/// Latin-1 `text` without the white space at both ends.
+inline std::string withoutSpace(const std::string& text) {
+    const std::string space = "\t\n\v\f\r \x85\xA0";
+    const size_t first = std::min(text.find_first_not_of(space), text.size());
+    return text.substr(first, text.find_last_not_of(space) + 1 - first);
 }
 
 /// Whether `read` takes all of `text` as a number; at an end of a floating-point range only as a tiny one.

@@ -9,7 +9,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzInput input(data, size);
     unsigned cuts = input.byte() | unsigned{input.byte()} << 8;
     const std::string text = input.text();
-
     CZeTextCodec::State state;
     CZeString inPieces;
     for (size_t at = 0; at < text.size();) {
