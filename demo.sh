@@ -68,4 +68,5 @@ fi
 # Mesa's software renderer keeps the shaders' low precision exact without the newer instructions.
 export GALLIUM_OVERRIDE_CPU_CAPS=sse4.1
 build/release/tool/zebeauty render --compare "$output" -- "$photo" "$after"
+echo "demo: before on the left, after on the right, with the strengths that zebeauty render has by default" >&2
 echo "$output"

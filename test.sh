@@ -9,6 +9,6 @@ case $preset in
     arm64-*) ./setup/install.sh arm64 ;;
     *) ./setup/install.sh ;;
 esac
-cmake --preset "$preset" -DZE_WARNINGS_AS_ERRORS=ON >/dev/null
+cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"
-ctest --preset "$preset" -j "$(nproc)" "$@"
+ctest --preset "$preset" --no-tests=error -j "$(nproc)" "$@"

@@ -2,4 +2,5 @@
 
 #pragma once
 
+/// Makes a function or class visible outside the library.
 #define ZE_EXPORT __attribute__((visibility("default")))

@@ -1,5 +1,6 @@
 # Input filter of Doxygen. In the headers a docstring speaks for all declarations below it, up to an empty line,
-# the next comment or the end of the block. This makes a member group of them; lines keep their numbers.
+# the next comment or the end of the block. This makes a member group of them, and of the comment at the top the
+# docstring of the file. Lines keep their numbers.
 
 function out(line) {
     print (isOpen ? "/**@}*/ " : "") line
@@ -11,6 +12,24 @@ function flush() {
         out((i == 1 && count > 1 ? "/**@{*/ " : "") lines[i])
     isOpen = count > 1
     total = count = inCode = 0
+}
+
+# The line that ends the comment at the top is empty: the command before it takes that line's place.
+NR == 1 && /^\/\/ / {
+    print "/** @file"
+    inTop = 1
+}
+
+inTop && /^\/\// {
+    top = top substr($0, 4) "\n"
+    next
+}
+
+inTop {
+    printf "%s*/", top
+    print ""
+    inTop = 0
+    next
 }
 
 {

@@ -19,6 +19,8 @@ ZE_EXPORT bool ZeIsLogLevelEnabled(int level);
 /// Switches the log file on or off (initially off). When on, every emitted message is also appended to the
 /// file of the day, "glowkit/log/glowkitlog(YYYY-MM-DD).log" under the root directory. A thread of the
 /// library's own writes it, so lines show up a moment later and are flushed at most about every 10 seconds.
+/// Those that it has not taken when the library is unloaded or the program ends, a moment after the message,
+/// are lost.
 ZE_EXPORT void ZeSetFileLogging(bool on);
 
 /// Sends the console's messages to standard error, one line each, instead of the Android log (initially off).

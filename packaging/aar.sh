@@ -11,6 +11,10 @@ library=$build/libZeBeautyEffect.so
 [ -f "$library" ] || { echo "aar.sh: $library is not there" >&2; exit 1; }
 [[ $(readelf -h "$library") == *Machine:*AArch64* ]] || { echo "aar.sh: $library is not for arm64" >&2; exit 1; }
 
+if [[ $(readelf -d "$library") == *NEEDED*libc.so.6* ]]; then
+    echo "aar.sh: warning: $library is not for Android, and neither is the archive; build android-arm64-release" >&2
+fi
+
 work=$(mktemp -d)
 beside=$(mktemp -d "$out.XXXXXX")
 trap 'rm -rf "$work" "$beside"' EXIT

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <climits>
+#include <cstdlib>
 #include <filesystem>
 #include <string_view>
 
@@ -72,20 +74,31 @@ std::string tidied(std::string reason, const std::string& alias) {
     return text.substr(0, kLongestReason);
 }
 
+// The line that a reason names; one that names none is about the whole file.
+int lineIn(const std::string& reason) {
+    const size_t at = reason.find("line (");
+    return at == reason.npos ? INT_MAX : std::atoi(reason.c_str() + at + 6);
+}
+
 // OpenColorIO tries all its readers and tells of those for the extension "'NAME' failed with: REASON", one
-// after the other. Readers that say the same are told once.
+// after the other. Those that came furthest into the file are told, and what two say alike once.
 std::string reasonsIn(const std::string& message, const std::string& alias) {
     constexpr std::string_view kBetween = "' failed with: ";
     std::string reasons;
     std::string last;
+    int furthest = 0;
     for (size_t at = message.find(kBetween); at != message.npos;) {
         const size_t name = message.rfind('\'', at - 1) + 1;
         const size_t next = message.find(kBetween, at + 1);
         const size_t start = at + kBetween.size();
         const size_t end = next == message.npos ? next : message.rfind('\'', next - 1) - start;
         const std::string reason = tidied(message.substr(start, end), alias);
-        if (reason != last)
+        const int line = lineIn(reason);
+        if (line > furthest)
+            reasons.clear();
+        if (reason != last && line >= furthest)
             reasons += (reasons.empty() ? "" : "; ") + message.substr(name, at - name) + ": " + reason;
+        furthest = std::max(furthest, line);
         last = reason;
         at = next;
     }

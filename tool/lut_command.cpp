@@ -33,12 +33,13 @@ struct LutOptions {
     std::vector<float> levels() const;
 };
 
-// From "0,0.1,1"; what is none gives NaN.
+// From "0,0.1,1" or "0, 0.1, 1"; what is no number gives NaN.
 std::vector<float> parseLevels(const std::string& text) {
     std::vector<float> levels;
     for (size_t at = 0; at <= text.size();) {
         const size_t end = std::min(text.find(',', at), text.size());
-        levels.push_back(parsedNumber(std::string_view(text).substr(at, end - at)));
+        const size_t first = std::min(text.find_first_not_of(' ', at), end);
+        levels.push_back(parsedNumber(std::string_view(text).substr(first, end - first)));
         at = end + 1;
     }
     return levels;
@@ -46,10 +47,16 @@ std::vector<float> parseLevels(const std::string& text) {
 
 std::string checkLevelsAt(const std::string& text) {
     const std::vector<float> levels = parseLevels(text);
-    const bool valid = levels.size() >= kFewestLevels && levels.size() <= kMostLevels && areRising(levels) &&
-                       levels.front() == 0 && levels.back() == 1;
-    return valid ? ""
-                 : "'" + text + "' are no 2 to 65 numbers that rise from 0 to 1, with commas between them";
+    if (levels.size() < kFewestLevels || levels.size() > kMostLevels)
+        return "'" + text + "' has " + std::to_string(levels.size()) + " levels; 2 to 65 are possible";
+    for (size_t i = 0; i < levels.size(); ++i) {
+        const std::string which = "level " + std::to_string(i + 1) + " of '" + text + "' ";
+        if (std::isnan(levels[i]))
+            return which + "is no number";
+        if (i > 0 && levels[i] <= levels[i - 1])
+            return which + "is not above the one before it";
+    }
+    return levels.front() == 0 && levels.back() == 1 ? "" : "'" + text + "' does not go from 0 to 1";
 }
 
 std::string checkGamma(const std::string& text) {

@@ -28,6 +28,9 @@ bool isLutFile(const std::string& path) {
 }
 
 LutTable readLutFile(const std::string& path) {
+    if (!isLutFile(path))
+        throw Failure(ExitCode::badInput, path,
+                      "is no LUT file: it lacks the signature (zebeauty lut bake makes one of other tables)");
     startLibraryLog();
     const CLutFileReader reader(libraryFileName(path));
     if (!reader.isValid()) {

@@ -15,7 +15,9 @@ class CZeStringRef;
 namespace ze {
 class TextArgument;
 }
+/// What splitting gives.
 using CZeStringList = CZeList<CZeString>;
+/// What splitting into views gives.
 using CZeStringRefList = CZeList<CZeStringRef>;
 
 /// UTF-16 text in one shared block. Copies are cheap and independent: a change first takes a private copy of
