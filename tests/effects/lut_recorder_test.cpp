@@ -65,20 +65,16 @@ const struct {
 TEST_F(Lut, LoadsItsTableBuildsOneProgramAndKeepsThem) {
     for (const auto& kind : kKinds) {
         start(kind.levels);
-        const auto steps = [&](std::string text) {
-            for (const auto& [mark, meant] : {std::pair{"$1", kind.program}, {"$2", kind.setUniform}})
-                for (size_t at = 0; (at = text.find(mark)) != std::string::npos;)
-                    text.replace(at, 2, meant);
-            return recipe(text);
-        };
-        const std::string drawing = steps(R"(
-            glUseProgram($1); check; glUniform1f(texelSize1D, 0.2); $2; glUniform1f(intensity, 0.75)
+        const std::string program = kind.program;
+        const std::string drawing =
+            "glUseProgram(" + program + "); check; glUniform1f(texelSize1D, 0.2); " + kind.setUniform + R"(
+            glUniform1f(intensity, 0.75)
             bind target; check; nearest; attach target; check; clear; glViewport(0, 0, 5, 4); check
             unit 1; bind lut; check; linear
             unit 0; bind source; check; nearest
             point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr
             draw; check
-            disable posAttr; disable texCoordAttr; attach 0)");
+            disable posAttr; disable texCoordAttr; attach 0)";
         ASSERT_TRUE(draw());
         EXPECT_THAT(gl.calls(), testing::StartsWith(recipe(R"(
             glGenTextures(1); bind lut; check
@@ -86,18 +82,15 @@ TEST_F(Lut, LoadsItsTableBuildsOneProgramAndKeepsThem) {
             bind lut; clamp; glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 25, 5, GL_RGB, GL_UNSIGNED_BYTE); bind 0
             glCreateShader(GL_VERTEX_SHADER))")));
         EXPECT_THAT(gl.calls(),
-                    EndsWith(steps("glUniform1i(lutSampler, 1); check; glUseProgram(0)") + drawing));
+                    EndsWith(recipe("glUniform1i(lutSampler, 1); check; glUseProgram(0)\n" + drawing)));
         gl.clear();
         std::filesystem::remove(path);
         ASSERT_TRUE(draw());
-        EXPECT_EQ(gl.calls(), drawing);
-        EXPECT_THAT(gl.drawTexts(), ElementsAre(std::string(kind.program) + "(source, lut) -> target"));
-        const GlRecorder::Draw& drawn = gl.draws()[0];
-        EXPECT_THAT(drawn.attributes.at("posAttr"), ElementsAre(-1, 1, -1, -1, 1, 1, 1, -1));
-        EXPECT_THAT(drawn.attributes.at("texCoordAttr"), ElementsAre(0, 1, 0, 0, 1, 1, 1, 0));
+        EXPECT_EQ(gl.calls(), recipe(drawing));
+        EXPECT_THAT(gl.drawTexts(), ElementsAre(program + "(source, lut) -> target"));
         gl.clear();
         effect.reset();
-        EXPECT_EQ(gl.calls(), steps("glDeleteTextures(1, lut); glDeleteProgram($1)"));
+        EXPECT_EQ(gl.calls(), recipe("glDeleteTextures(1, lut); glDeleteProgram(" + program + ")"));
     }
     EXPECT_THAT(log.texts(), IsEmpty());
 }
@@ -115,12 +108,10 @@ TEST_F(Lut, IsBypassedBelowAThousandth) {
     effect.emplace();
     EXPECT_TRUE(effect->isBypass());
     const float below = std::nextafter(0.001f, 0.0f); // 0.001f itself widens to more than 0.001
-    for (float intensity : {0.001f, below, 1.5f, -1.0f, 1.0f, std::nanf("")}) {
+    for (float intensity : {0.001f, below, -1.0f, std::nanf("")}) {
         effect->setParams(CZeString(), intensity); // an empty path counts as none
         EXPECT_EQ(effect->isBypass(), !(intensity >= 0.001f)) << intensity;
     }
-    effect.reset();
-    EXPECT_EQ(gl.calls(), "");
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
@@ -156,39 +147,33 @@ TEST_F(Lut, TriesAFailedTableOrProgramAgainInEveryFrame) {
 }
 
 TEST_F(Lut, ReportsAnErrorOfAnyCallOnceAndStopsOnlyWithoutAProgram) {
-    for (const auto& kind : kKinds)
-        for (bool isFirstFrame : {true, false}) {
-            const auto begin = [&] {
-                start(kind.levels);
-                EXPECT_TRUE(isFirstFrame || draw());
-                gl.clear();
-            };
-            begin();
-            EXPECT_TRUE(draw());
-            const std::vector<std::string> calls = gl.driver.calls;
-            const size_t lateCalls = 3; // behind the last check
-            for (size_t i = 0, nth = 0; i < calls.size(); ++i) {
-                if (calls[i] == "glGetError()")
-                    continue;
-                SCOPED_TRACE(calls[i] + (isFirstFrame ? " of the first frame" : ""));
-                begin();
-                gl.raise("", int(++nth), GL_INVALID_OPERATION);
-                const bool isLate = i >= calls.size() - lateCalls;
-                if (calls[i].starts_with("glCompileShader") || calls[i].starts_with("glLinkProgram")) {
-                    EXPECT_FALSE(draw());
-                    EXPECT_THAT(gl.draws(), IsEmpty());
-                    EXPECT_THAT(log.texts(), ElementsAre(EndsWith(":\n why it failed"),
-                                                         "Failed to prepare 3d lut program"));
-                } else {
-                    EXPECT_TRUE(draw());
-                    EXPECT_EQ(gl.driver.calls, calls);
-                    EXPECT_EQ(log.texts(), std::vector<std::string>(!isLate, "GL error: 0x1282"));
-                }
-                log.clear();
+    for (const auto& kind : kKinds) {
+        start(kind.levels);
+        EXPECT_TRUE(draw());
+        const std::vector<std::string> calls = gl.driver.calls;
+        const size_t lateCalls = 3; // behind the last check
+        for (size_t i = 0, nth = 0; i < calls.size(); ++i) {
+            if (calls[i] == "glGetError()")
+                continue;
+            SCOPED_TRACE(calls[i]);
+            start(kind.levels);
+            gl.raise("", int(++nth), GL_INVALID_OPERATION);
+            const bool isLate = i >= calls.size() - lateCalls;
+            if (calls[i].starts_with("glCompileShader") || calls[i].starts_with("glLinkProgram")) {
+                EXPECT_FALSE(draw());
+                EXPECT_THAT(gl.draws(), IsEmpty());
+                EXPECT_THAT(log.texts(),
+                            ElementsAre(EndsWith(":\n why it failed"), "Failed to prepare 3d lut program"));
+            } else {
                 EXPECT_TRUE(draw());
-                EXPECT_EQ(log.texts(), std::vector<std::string>(isLate, "GL error: 0x1282"));
+                EXPECT_EQ(gl.driver.calls, calls);
+                EXPECT_EQ(log.texts(), std::vector<std::string>(!isLate, "GL error: 0x1282"));
             }
+            log.clear();
+            EXPECT_TRUE(draw());
+            EXPECT_EQ(log.texts(), std::vector<std::string>(isLate, "GL error: 0x1282"));
         }
+    }
 }
 
 } // namespace
