@@ -19,22 +19,18 @@ TEST(Setters, TakeOnlyHandlesOfTheirType) {
         EXPECT_FALSE(ZecSetBeautyParams(handle, 1, 1));
     for (ZecEffect* handle : {static_cast<ZecEffect*>(nullptr), other, beauty})
         EXPECT_FALSE(ZecSetLutParams(handle, "lut", 1));
-    EXPECT_TRUE(static_cast<BeautyEffect*>(beauty->effect)->isInactive());
-    EXPECT_TRUE(static_cast<CLutEffect*>(lut->effect)->isBypass());
-
-    EXPECT_TRUE(ZecSetBeautyParams(beauty, 0, 1));
-    EXPECT_TRUE(ZecSetLutParams(lut, "no such file", 1));
-    EXPECT_FALSE(static_cast<BeautyEffect*>(beauty->effect)->isInactive());
-    EXPECT_FALSE(static_cast<CLutEffect*>(lut->effect)->isBypass());
-    EXPECT_THAT(host.log.texts(), IsEmpty());
+    for (bool isSet : {false, true}) {
+        EXPECT_EQ(static_cast<BeautyEffect*>(beauty->effect)->isInactive(), !isSet);
+        EXPECT_EQ(static_cast<CLutEffect*>(lut->effect)->isBypass(), !isSet);
+        EXPECT_TRUE(ZecSetBeautyParams(beauty, 0, 1) && ZecSetLutParams(lut, "no such file", 1));
+    }
 }
 
 TEST_F(EntryPoints, RenderRefusesAnEmptyListEmptyFramesAndOtherFormatsBeforeItTouchesGl) {
-    for (int format : {2, -1, 17}) {
-        log.clear();
+    for (int format : {2, -1})
         EXPECT_FALSE(render(5, 3, format));
-        EXPECT_THAT(log.texts(), ElementsAre("We only support NV12 and NV21 pixel formats right now!"));
-    }
+    const std::string message = "We only support NV12 and NV21 pixel formats right now!";
+    EXPECT_THAT(log.texts(), ElementsAre(message, message));
     log.clear();
     const TestFrame frame(5, 3);
     ZecImage output = frame.image;
@@ -48,19 +44,18 @@ TEST_F(EntryPoints, RenderRefusesAnEmptyListEmptyFramesAndOtherFormatsBeforeItTo
     EXPECT_EQ(gl.calls(), "");
 }
 
-TEST_F(EntryPoints, ACoreThatNeverRenderedIsEmptyAndCannotBeDestroyed) {
+TEST_F(EntryPoints, ACoreThatNeverRenderedCannotBeDestroyed) {
     for (bool hasHostContext : {false, true}) {
         if (hasHostContext)
             gl.makeHostContextCurrent();
         log.clear();
         EXPECT_FALSE(ZecDestroyRenderCore(core));
         EXPECT_THAT(log.texts(), ElementsAre("There is no opengl context"));
-        EXPECT_THAT((std::vector{core->pixelFormat, core->colorStandard, core->colorRange, core->width,
-                                 core->height, core->extra, core->staging->pitches[0]}),
-                    ElementsAre(-1, -1, -1, 0, 0, 0, 0));
     }
+    EXPECT_THAT((std::vector{core->pixelFormat, core->colorStandard, core->colorRange, core->width,
+                             core->height, core->extra, core->staging->pitches[0]}),
+                ElementsAre(-1, -1, -1, 0, 0, 0, 0));
     EXPECT_EQ(gl.currentContext(), "hostContext hostDraw hostRead");
-    EXPECT_EQ(gl.calls({"eglMakeCurrent", "eglDestroyContext"}), "");
 }
 
 TEST_F(EntryPoints, NothingHappensWhereTheCoresContextCannotBeMadeCurrent) {

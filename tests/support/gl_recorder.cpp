@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <sstream>
-#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -23,10 +22,12 @@ void append(std::string& list, const std::string& text) {
 
 } // namespace
 
-GlRecorder::GlRecorder() : m_outer(std::exchange(g_recorder, this)) {}
+GlRecorder::GlRecorder() {
+    g_recorder = this;
+}
 
 GlRecorder::~GlRecorder() {
-    g_recorder = m_outer;
+    g_recorder = nullptr;
 }
 
 bool GlRecorder::isRecording() {
@@ -79,16 +80,6 @@ std::string GlRecorder::Draw::show(std::string Object::*property) const {
     return program + '(' + list + ") -> " + target.*property;
 }
 
-std::string GlRecorder::state() const {
-    std::string text = "active " + std::to_string(driver.activeUnit);
-    for (size_t unit = 0; unit < driver.units.size(); ++unit)
-        append(text, "unit " + std::to_string(unit) + ' ' + driver.find(driver.units[unit]).label);
-    append(text, driver.find(driver.framebuffer).label + " to " + driver.target().label);
-    for (const GLuint location : driver.enabled)
-        append(text, driver.locations[location].name + " enabled");
-    return text;
-}
-
 std::string GlRecorder::currentContext() const {
     if (!driver.context)
         return "none";
@@ -127,6 +118,7 @@ std::string recipe(std::string_view text) {
         {"bind", "glBindTexture(GL_TEXTURE_2D, $1)"},
         {"nearest", parameter + "MIN_FILTER, GL_NEAREST)\n" + parameter + "MAG_FILTER, GL_NEAREST)"},
         {"linear", parameter + "MIN_FILTER, GL_LINEAR)\n" + parameter + "MAG_FILTER, GL_LINEAR)"},
+        {"smooth", parameter + "MAG_FILTER, GL_LINEAR)\n" + parameter + "MIN_FILTER, GL_LINEAR)"},
         {"clamp", parameter + "WRAP_S" + clamp + '\n' + parameter + "WRAP_T" + clamp},
         {"attach", "glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, $1, 0)"},
         {"clear", "glClear(GL_COLOR_BUFFER_BIT)"},

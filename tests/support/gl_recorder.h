@@ -8,7 +8,6 @@
 #include <GLES2/gl2.h>
 
 #include <array>
-#include <cstdint>
 #include <initializer_list>
 #include <list>
 #include <map>
@@ -17,27 +16,24 @@
 #include <string_view>
 #include <vector>
 
-/// While it lives, calls go into it; recorders may be nested, and the innermost gets them. For one thread.
+/// While it lives, calls go into it. One at a time, for one thread.
 class GlRecorder {
 public:
-    using Values = std::map<std::string, std::vector<GLfloat>>; ///< by variable
-
     /// A texture, frame buffer, program or shader.
     struct Object {
         std::string kind;
         std::string label = "-";
-        std::string size;         ///< of a texture, as in "5x3"
-        GLuint target = 0;        ///< attached to a frame buffer
-        std::string source;       ///< of a shader; of both in a program
-        Values uniforms;          ///< those that were set
-        std::set<GLint> samplers; ///< units that a program reads from
+        std::string size;                                     ///< of a texture, as in "5x3"
+        GLuint target = 0;                                    ///< attached to a frame buffer
+        std::string source;                                   ///< of a shader; of both in a program
+        std::set<GLint> samplers;                             ///< units that a program reads from
+        std::map<std::string, std::vector<GLfloat>> uniforms; ///< those that were set
     };
 
     struct Draw {
         std::string program;
         std::vector<Object> sources; ///< in the order of texture units
         Object target;
-        Values attributes; ///< corner after corner
 
         /// As in "mix(input, intermediate) -> output".
         std::string text() const { return show(&Object::label); }
@@ -57,7 +53,6 @@ public:
     GLint maxTextureSize = 4096;
     EGLint configCount = 1;
     std::string infoLog = "why it failed";
-    static uint8_t readBackByte(size_t index) { return uint8_t(index * 2654435761u >> 13); }
 
     /// The `nth` call of `function` from now on, or of any GL function but glGetError for "", works and
     /// leaves `error` behind.
@@ -79,8 +74,6 @@ public:
     /// Forgets calls, draws and what was to fail. The state stays.
     void clear();
 
-    /// What is bound, attached and enabled.
-    std::string state() const;
     /// The current context and surfaces: "hostContext hostDraw hostRead", or "none".
     std::string currentContext() const;
     /// What was created and not deleted: "texture luma, program mix, coreContext".
@@ -100,11 +93,6 @@ public:
     struct Location {
         GLuint program;
         std::string name;
-    };
-    struct Pointer {
-        GLint size;
-        GLsizei stride;
-        const void* data;
     };
     struct Failure {
         std::string function;
@@ -127,18 +115,14 @@ public:
         std::array<GLuint, 2> units{};
         size_t activeUnit = 0;
         GLuint framebuffer = 0, program = 0;
-        std::map<GLuint, Pointer> pointers;
-        std::set<GLuint> enabled;
 
         /// The object of that name, or one labelled "-".
         const Object& find(GLuint name) const;
         const Object& target() const { return find(find(framebuffer).target); }
     } driver;
-
-private:
-    GlRecorder* m_outer;
 };
 
 /// Recorded calls in short: steps, apart by line breaks or semicolons, such as "bind luma", "unit 1", "check"
-/// (for glGetError), "nearest", "attach 0", "point posAttr 16" or "draw". Other steps are taken as they are.
+/// (for glGetError), "nearest", "smooth" (linear, set the other way round), "attach 0", "point posAttr 16" or
+/// "draw". Other steps are taken as they are.
 std::string recipe(std::string_view text);
