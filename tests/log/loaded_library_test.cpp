@@ -10,7 +10,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 #include <sstream>
 #include <thread>
@@ -71,10 +70,8 @@ protected:
         std::vector<std::string> lines;
         std::istringstream stream(text);
         for (std::string line; std::getline(stream, line) && line.find("] 000") == line.npos;) {
-            std::tm time = {};
-            const char* const end = strptime(line.c_str(), "[%Y-%m-%d %H:%M:%S] ", &time);
-            EXPECT_EQ(end, line.c_str() + std::strlen("[2024-03-05 23:59:59] ")) << line;
-            lines.push_back(end ? end : "");
+            EXPECT_EQ(line.find("] "), std::string_view("[2024-03-05 23:59:59").size()) << line;
+            lines.push_back(line.substr(line.find("] ") + 2));
         }
         return lines;
     }
@@ -111,17 +108,13 @@ TEST_F(LoadedLibraryTest, LeavesNoThreadAndNoOpenFileBehind) {
 TEST_F(LoadedLibraryTest, WritesWhatIsMeantForTheFile) {
     setRootDirectory(directory.path().c_str());
     info({}, "file logging is off");
-    info(kToFile, "%s", "");
     info({.alwaysToFile = true, .line = 42, .fileName = "render", .functionName = "draw"}, "always");
     setFilter(1);
     warning(kToFile, "filtered");
-    error(kToFile, "error");
     setFileLogging(true);
     warning({}, "filtered");
-    error({}, "another");
-    setFilter(3);
-    info({}, "info");
-    EXPECT_THAT(writtenLines(), ElementsAre("render(42), draw: always", "error", "another", "info"));
+    error({}, "error");
+    EXPECT_THAT(writtenLines(), ElementsAre("render(42), draw: always", "error"));
 }
 
 TEST_F(LoadedLibraryTest, TakesLinesOfManyThreads) {

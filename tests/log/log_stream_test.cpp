@@ -26,7 +26,6 @@ TEST(LogFilter, DecidesByLevel) {
         ZeSetLogFilter(4); // ignored, as any other value
         ZeSetLogFilter(-1);
         for (int level = 0; level < 3; ++level) {
-            SCOPED_TRACE(testing::Message() << "filter " << filter << " level " << level);
             const bool passes = level >= kLowestLevel[filter];
             const LogCapture log;
             CZeLogStream(level, 0, nullptr, nullptr, false) << "text";
@@ -34,7 +33,7 @@ TEST(LogFilter, DecidesByLevel) {
             printfs.begin()[level]({}, "%s", "text");
             EXPECT_EQ(log.entries(),
                       std::vector<LogCapture::Entry>(passes ? 3 : 0, {4 + level, "glowfx", "text"}));
-            EXPECT_EQ(ZeIsLogLevelEnabled(level), passes);
+            EXPECT_EQ(ZeIsLogLevelEnabled(level), passes) << filter << ", " << level;
         }
     }
 }
@@ -44,17 +43,14 @@ TEST(LogStream, AppendsEveryKindOfPiece) {
     using std::numeric_limits;
     ZeLogInfo() << "caf\xC3\xA9" << static_cast<const char*>(nullptr) << '|'
                 << CZeString::fromUtf8("\xE2\x82\xAC") << true << false << nullptr << '\xE9';
-    ZeLogInfo() << std::int16_t(-32768) << ' ' << std::uint16_t(65535) << ' ' << numeric_limits<int>::min()
-                << ' ' << numeric_limits<unsigned>::max() << ' ' << numeric_limits<std::int64_t>::min() << ' '
-                << numeric_limits<std::uint64_t>::max() << ' ' << numeric_limits<long long>::max() << ' '
-                << numeric_limits<unsigned long long>::max() << ' ' << std::int8_t(-5);
-    ZeLogInfo() << 0.1f << ' ' << 1234567.0 << ' ' << -2.5e-7 << ' ' << 3.0;
-    ZeLogInfo() << std::string(5000, 'x').c_str();
+    ZeLogInfo() << numeric_limits<std::int16_t>::min() << ' ' << numeric_limits<std::uint16_t>::max() << ' '
+                << numeric_limits<unsigned>::max() << ' ' << numeric_limits<std::int64_t>::min() << ' '
+                << numeric_limits<std::uint64_t>::max() << ' ' << std::int8_t(-5);
+    ZeLogInfo() << 0.1f << ' ' << 1234567.0 << ' ' << -2.5e-7 << std::string(5000, 'x').c_str();
     EXPECT_THAT(log.texts(),
                 ElementsAre("caf\xC3\xA9|\xE2\x82\xACtruefalse(nullptr)\xC3\xA9",
-                            "-32768 65535 -2147483648 4294967295 -9223372036854775808 18446744073709551615 "
-                            "9223372036854775807 18446744073709551615 -5",
-                            "0.1 1.23457e+06 -2.5e-07 3", std::string(5000, 'x')));
+                            "-32768 65535 4294967295 -9223372036854775808 18446744073709551615 -5",
+                            "0.1 1.23457e+06 -2.5e-07" + std::string(5000, 'x')));
 }
 
 TEST(LogStream, EmitsOnceWhenTheLastCopyGoes) {
@@ -68,7 +64,6 @@ TEST(LogStream, EmitsOnceWhenTheLastCopyGoes) {
     const CZeLogStream& self = copy;
     copy = self;
     copy = ZeLogError() << "other";
-    EXPECT_THAT(log.texts(), ElementsAre("one message"));
     copy.setEnabled(false);
     copy = ZeLogInfo();
     EXPECT_THAT(log.texts(), ElementsAre("one message"));
@@ -77,11 +72,10 @@ TEST(LogStream, EmitsOnceWhenTheLastCopyGoes) {
 TEST(LogPrefix, NamesThePlaceOnlyWithAFileName) {
     const LogCapture log;
     const SZeLogContext draw = {.line = 42, .fileName = "render", .functionName = "draw"};
-    const SZeLogContext nameless = {.line = 42, .functionName = "draw"};
     const std::string longName(2000, 'n');
     ZeLogWarning(draw) << "text";
     ZeLogErrorf(draw, "%d", 7);
-    ZeLogInfo(nameless) << "text";
+    ZeLogInfo({.line = 42, .functionName = "draw"}) << "text";
     ZeLogInfof({.fileName = longName.c_str(), .functionName = "draw"}, "text");
     ze::emit(nullptr, 0, draw);
     EXPECT_THAT(log.texts(), ElementsAre("render(42), draw: text", "render(42), draw: 7", "text",
