@@ -22,21 +22,17 @@ TEST(BlockSize, FollowsThe32BitRules) {
         size_t bytes, stored;
     } rows[] = {
         // clang-format off
-        {1, 8, 24, false, 32, 8}, {2, 8, 24, false, 40, 8}, {1, 7, 24, true, 32, 8},
+        {2, 8, 24, false, 40, 8}, {1, 7, 24, true, 32, 8},
         {1, 8, 24, true, 64, 40}, // an exact power of two is rounded up as well
-        {1, 9, 24, true, 64, 40}, {2, 4, 24, true, 64, 20}, {2, 5, 24, true, 64, 20},
         {12, 1, 24, true, 64, 3}, {1, 8, 32, true, 64, 32}, // slack for alignment is no room for elements
-        {0, 100, 24, false, 24, 100}, {0, 100, 24, true, 32, 0}, {1, 0, 0, true, 1, 1},
-        {1, (1U << 30) - 25, 24, true, 1U << 30, (1U << 30) - 24},
+        {0, 100, 24, true, 32, 0}, {1, (1U << 30) - 25, 24, true, 1U << 30, (1U << 30) - 24},
         {1, (1U << 30) - 24, 24, true, 3U << 29, (3U << 29) - 24}, // half the way to the limit
         {1, (3U << 29) - 24, 24, true, 7U << 28, (7U << 28) - 24}, {1, kMax - 24, 24, true, kMax, kMax - 24},
         {1, kMax - 24, 24, false, kMax, kMax - 24}, {1, kMax - 23, 24, false, kImpossible, kMax - 23},
         {1, kMax - 23, 24, true, kImpossible, kMax - 23},
-        {2, (kMax - 24) / 2, 24, false, kMax - 1, (kMax - 24) / 2},
-        {2, (kMax - 24) / 2 + 1, 24, false, kImpossible, (kMax - 24) / 2 + 1},
         {2, 1U << 31, 24, false, kImpossible, 1U << 31}, // the product wraps to 0 in 32 bits
-        {1U << 16, 1U << 16, 24, false, kImpossible, 1U << 16}, {SIZE_MAX, 2, 24, false, kImpossible, 2},
-        {2, SIZE_MAX, 24, true, kImpossible, SIZE_MAX}, {1, 1, kMax + 1, false, kImpossible, 1},
+        {SIZE_MAX, 2, 24, false, kImpossible, 2}, {2, SIZE_MAX, 24, true, kImpossible, SIZE_MAX},
+        {1, 1, kMax + 1, false, kImpossible, 1},
         // clang-format on
     };
     for (const auto& row : rows) {
@@ -54,8 +50,8 @@ TEST(ArrayData, AllocateFillsTheHeader) {
         uint32_t stored, reserved;
     } rows[] = {
         // clang-format off
-        {1, 8, 5, 0, 1, 5, 0}, {2, 8, 5, D::ReserveCapacity, 1, 5, 1}, {1, 8, 0, D::HeaderOnly, 1, 0, 0},
-        {4, 8, 5, D::NonShared | D::GrowGeometric, 0, 10, 0}, {8, 32, 3, 0, 1, 3, 0}, {1, 4, 9, 0, 1, 9, 0},
+        {2, 8, 5, D::ReserveCapacity, 1, 5, 1}, {1, 8, 0, D::HeaderOnly, 1, 0, 0},
+        {4, 8, 5, D::NonShared | D::GrowGeometric, 0, 10, 0}, {8, 32, 3, 0, 1, 3, 0},
         {1, 64, 100, D::ReserveCapacity | D::GrowGeometric, 1, 256 - 24 - 56, 1},
         // clang-format on
     };
@@ -85,19 +81,13 @@ TEST(ArrayData, WithoutCapacityThereIsNothingToAllocate) {
     SZeArrayData::deallocate(nonShared, 2, 8);
 }
 
-TEST(ArrayData, WhatCannotBeHadIsNull) {
-    SZeArrayData* const block = SZeArrayData::allocate(2, 8, 10, 0);
-    EXPECT_FALSE(SZeArrayData::allocate(2, 8, kMax / 2, 0));
-    EXPECT_FALSE(SZeArrayData::allocate(1, size_t{1} << 40, 1, 0));
-    EXPECT_FALSE(SZeArrayData::reallocateUnaligned(block, 2, kMax, SZeArrayData::GrowGeometric));
-    EXPECT_EQ(block->capacity, 10U);
-    SZeArrayData::deallocate(block, 2, 8);
-}
-
 TEST(ArrayData, ReallocateKeepsWhatItDoesNotSet) {
+    EXPECT_FALSE(SZeArrayData::allocate(2, 8, kMax / 2, 0) ||
+                 SZeArrayData::allocate(1, size_t{1} << 40, 1, 0));
     SZeArrayData* block = SZeArrayData::allocate(2, 8, 4, SZeArrayData::NonShared);
     block->size = 3;
     std::memcpy(block->data(), "abcdef", 6);
+    EXPECT_FALSE(SZeArrayData::reallocateUnaligned(block, 2, kMax, 0));
     const int options = SZeArrayData::GrowGeometric | SZeArrayData::ReserveCapacity;
     block = SZeArrayData::reallocateUnaligned(block, 2, 1000, options);
     EXPECT_TRUE(block->capacity == (2048 - kHeader) / 2 && block->reserved);
@@ -105,30 +95,6 @@ TEST(ArrayData, ReallocateKeepsWhatItDoesNotSet) {
     EXPECT_TRUE(block->capacity == 4 && !block->reserved && block->refCount == 0 && block->size == 3);
     EXPECT_TRUE(block->dataIsInline() && std::memcmp(block->data(), "abcdef", 6) == 0);
     SZeArrayData::deallocate(block, 2, 8);
-}
-
-TEST(ArrayData, CountsOnlyBlocksThatMayBeShared) {
-    const struct {
-        int before;
-        bool mayShare, shared;
-        int acquired;
-        bool last;
-        int released;
-    } rows[] = {
-        // clang-format off
-        {-1, true, false, -1, false, -1}, {0, false, false, 0, true, 0},
-        {1, true, false, 2, false, 1}, {2, true, true, 3, false, 2},
-        // clang-format on
-    };
-    for (const auto& row : rows) {
-        SZeArrayData block = {{row.before}, 0, 0, 0, 0};
-        SCOPED_TRACE(row.before);
-        EXPECT_EQ(block.isShared(), row.shared);
-        EXPECT_TRUE(block.acquire() == row.mayShare && block.refCount == row.acquired);
-        EXPECT_TRUE(block.release() == row.last && block.refCount == row.released);
-    }
-    SZeArrayData one = {{1}, 0, 0, 0, 0};
-    EXPECT_TRUE(one.release());
 }
 
 TEST(ArrayData, StaticBlocksAreNeverWritten) {
@@ -139,21 +105,14 @@ TEST(ArrayData, StaticBlocksAreNeverWritten) {
     for (const CZeString& start : {CZeString(), CZeString(CZeLatin1String(""))}) {
         CZeString s = start;
         CZeString copy = s;
-        s.data();
-        s.fill('x');
-        s.resize(0);
-        s = start;
-        s.truncate(0);
-        s.insert(0, CZeString());
-        s = start;
-        s.reserve(4);
+        s.fill('x').resize(0);
+        s.insert(0, CZeString()).truncate(0);
+        (s = start).reserve(4);
         EXPECT_GE(s.capacity(), 5);
         CZeByteArray b = std::move(copy).toLatin1();
         b.resize(3);
         b.resize(0);
-        CZeByteArray().resize(0);
-        CZeStringList list = start.split(',', CZeString::SkipEmptyParts);
-        list.append(start);
+        start.split(',', CZeString::SkipEmptyParts).append(start);
     }
     EXPECT_EQ(std::memcmp(null.data(), SZeArrayData::shared_null, null.size()), 0);
     EXPECT_EQ(std::memcmp(empty.data(), emptyBlock, empty.size()), 0);
@@ -167,13 +126,11 @@ TEST(Cut, LeavesTheRangeInside) {
         int cutPosition, cutCount;
     } rows[] = {
         // clang-format off
-        {10, 11, 0, Cut::Null, 0, 0}, {10, 10, 5, Cut::Empty, 0, 0}, {10, 10, -1, Cut::Empty, 0, 0},
-        {10, -2, 5, Cut::Subset, 0, 3}, {10, -2, 2, Cut::Null, 0, 0}, {10, -2, 1, Cut::Null, 0, 0},
-        {10, -2, 12, Cut::Full, 0, 0}, {10, -2, -1, Cut::Full, 0, 0}, {10, -2, 11, Cut::Subset, 0, 9},
-        {10, 0, 10, Cut::Full, 0, 0}, {10, 0, -1, Cut::Full, 0, 0}, {10, 0, 0, Cut::Empty, 0, 0},
-        {10, 3, 0, Cut::Empty, 0, 0}, {10, 3, 4, Cut::Subset, 3, 4}, {10, 3, INT_MAX, Cut::Subset, 3, 7},
-        {10, 3, INT_MIN, Cut::Subset, 3, 7}, {10, INT_MIN, INT_MAX, Cut::Null, 0, 0},
-        {0, 0, 0, Cut::Full, 0, 0}, {0, 0, 3, Cut::Full, 0, 0}, {0, 1, 0, Cut::Null, 0, 0},
+        {10, 11, 0, Cut::Null, 0, 0}, {10, 10, 5, Cut::Empty, 0, 0}, {10, -2, 3, Cut::Subset, 0, 1},
+        {10, -2, 2, Cut::Null, 0, 0}, {10, -2, 12, Cut::Full, 0, 0}, {10, -2, -1, Cut::Full, 0, 0},
+        {10, -2, 11, Cut::Subset, 0, 9}, {10, 0, 10, Cut::Full, 0, 0}, {10, 0, 0, Cut::Empty, 0, 0},
+        {10, 3, INT_MAX, Cut::Subset, 3, 7}, {10, 3, INT_MIN, Cut::Subset, 3, 7},
+        {10, INT_MIN, INT_MAX, Cut::Null, 0, 0}, {0, 0, 0, Cut::Full, 0, 0}, {0, 1, 0, Cut::Null, 0, 0},
         // clang-format on
     };
     for (const auto& row : rows) {

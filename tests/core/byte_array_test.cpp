@@ -11,12 +11,10 @@ namespace {
 TEST(ByteArray, TellsNullFromEmpty) {
     const std::tuple<CZeByteArray, bool, std::string, int> rows[] = {
         // clang-format off
-        {CZeByteArray(), true, "", 0}, {CZeByteArray(nullptr, 5), true, "", 0},
-        {CZeByteArray("abc", 0), false, "", 0}, {CZeByteArray(""), false, "", 0},
-        {CZeByteArray("abc"), false, "abc", 4}, {CZeByteArray("a\0b", 3), false, std::string("a\0b", 3), 4},
-        {CZeByteArray(3, 'x'), false, "xxx", 4}, {CZeByteArray(0, 'x'), false, "", 0},
-        {CZeByteArray(-1, 'x'), false, "", 0}, {CZeByteArray(INT_MAX, 'x'), true, "", 0},
-        {CZeByteArray(0, Ze::Uninitialized), false, "", 1}, {CZeByteArray(-1, Ze::Uninitialized), false, "", 1},
+        {CZeByteArray(nullptr, 5), true, "", 0}, {CZeByteArray("abc", 0), false, "", 0},
+        {CZeByteArray(""), false, "", 0}, {CZeByteArray("a\0b", 3), false, std::string("a\0b", 3), 4},
+        {CZeByteArray(3, 'x'), false, "xxx", 4}, {CZeByteArray(-1, 'x'), false, "", 0},
+        {CZeByteArray(INT_MAX, 'x'), true, "", 0}, {CZeByteArray(-1, Ze::Uninitialized), false, "", 1},
         // clang-format on
     };
     for (const auto& [array, isNull, contents, capacity] : rows) {
@@ -38,10 +36,8 @@ TEST(ByteArray, ResizeGrowsByPowersAndShrinksBelowHalf) {
     const std::tuple<int, int, int> rows[] = {
         // clang-format off
         {0, 5, 6}, // out of the static block: exact
-        {1000, 1000, 1001}, // room for the terminator counts
         {1000, 1001, 2048 - 24}, {1000, 499, 1001}, // 500 is half of 1001, not below
-        {1000, 498, 1024 - 24}, {1000, 10, 64 - 24}, {1000, 0, 0}, {1000, -7, 0},
-        {1000, INT_MAX, 1001}, // refused
+        {1000, 498, 1024 - 24}, {1000, 0, 0}, {1000, -7, 0}, {1000, INT_MAX, 1001}, // refused
         // clang-format on
     };
     for (const auto& [from, to, capacity] : rows) {
@@ -68,13 +64,8 @@ TEST(ByteArray, ReservedCapacityIsKept) {
     array.resize(1);
     EXPECT_EQ(array.capacity(), 128 - 24);
     array = "abc";
-    array.truncate(3);
-    EXPECT_EQ(array.size(), 3);
     array.reallocData(2, 0);
     EXPECT_TRUE(array == "a" && array.capacity() == 2);
-    array.truncate(-1);
-    EXPECT_TRUE(array.isEmpty() && !array.isNull() && array.capacity() == 0);
-    array.reallocData(9, 0);
     array.reallocData(0, 0);
     array.truncate(-1);
     EXPECT_TRUE(array.isEmpty() && !array.isNull() && array.capacity() == 0);
@@ -89,11 +80,10 @@ TEST(ByteArray, ChangingACopyLeavesTheOriginal) {
     copy = original;
     copy.resize(3);
     EXPECT_NE(copy.constData(), original.constData());
-    EXPECT_EQ(CZeByteArray(std::move(copy)), original);
     copy = original;
     copy = "xyz";
     copy = *&copy;
-    EXPECT_EQ(bytes(copy) + bytes(original), "xyzabc");
+    EXPECT_EQ(bytes(CZeByteArray(std::move(copy))) + bytes(original), "xyzabc");
     CZeByteArray unshared = original;
     unshared.reallocData(8, SZeArrayData::NonShared);
     CZeByteArray second = unshared; // must not end up with the same block
@@ -133,16 +123,13 @@ TEST(ByteArray, AssigningTextReusesABlockThatFitsWell) {
 
 TEST(ByteArray, ComparesBytesThenSizes) {
     const std::tuple<CZeByteArray, CZeByteArray, int> rows[] = {
-        {"ab", "abc", -1}, {"abd", "abc", 1},       {"b", "abc", 1},
-        {"", "a", -1},     {CZeByteArray(), "", 0}, {"\x80", "a", 1},
-    };
+        {"ab", "abc", -1}, {"b", "abc", 1}, {CZeByteArray(), "", 0}, {"\x80", "a", 1}};
     for (const auto& [left, right, sign] : rows) {
         const int order = CZeByteArray::compare(left, right);
         EXPECT_EQ((order > 0) - (order < 0), sign) << bytes(left) << ' ' << bytes(right);
         EXPECT_TRUE((left < right) == (sign < 0) && (left > right) == (sign > 0) &&
-                    (left == right) == (sign == 0));
-        EXPECT_TRUE((left >= right) == (sign >= 0) && (left <= right) == (sign <= 0) &&
-                    (left != right) == (sign != 0));
+                    (left == right) == (sign == 0) && (left >= right) == (sign >= 0) &&
+                    (left <= right) == (sign <= 0) && (left != right) == (sign != 0));
     }
     EXPECT_EQ(CZeByteArray::compare("ab", "abcde"), -3);
 }
@@ -150,8 +137,7 @@ TEST(ByteArray, ComparesBytesThenSizes) {
 TEST(ByteArray, SetNumFormatsAsPrintf) {
     const std::tuple<double, char, int, std::string> rows[] = {
         // clang-format off
-        {0.1, 'g', 6, "0.1"}, {1234567, 'g', 6, "1.23457e+06"}, {1.5, 'g', -1, "1.5"},
-        {1.5, 'f', -1, "1.500000"}, {2.0 / 3, 'f', 2, "0.67"}, {-2.0 / 3, 'E', 1, "-6.7E-01"},
+        {1234567, 'g', 6, "1.23457e+06"}, {1.5, 'f', -1, "1.500000"}, {-2.0 / 3, 'E', 1, "-6.7E-01"},
         {1e300, 'G', 3, "1E+300"}, {0.5, 'f', 0, "0"},
         {1, 'f', 200, "1." + std::string(125, '0')}, // cut at 127
         // clang-format on

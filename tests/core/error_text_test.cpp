@@ -11,12 +11,8 @@
 namespace {
 
 TEST(ErrorText, NamesErrnoValues) {
-    const std::pair<int, const char*> rows[] = {{0, ""},
-                                                {2, "No such file or directory"},
-                                                {13, "Permission denied"},
-                                                {24, "Too many open files"},
-                                                {28, "No space left on device"},
-                                                {EEXIST, std::strerror(EEXIST)}};
+    const std::pair<int, const char*> rows[] = {
+        {0, ""}, {2, "No such file or directory"}, {EEXIST, std::strerror(EEXIST)}};
     for (const auto& [code, text] : rows) {
         errno = code;
         EXPECT_STREQ(ze::lastErrorText().toLocal8Bit().constData(), text);
