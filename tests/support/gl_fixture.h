@@ -50,11 +50,8 @@ private:
     bool m_isPrecise = false;
 };
 
-/// Whether all levels agree; `expected` is clamped to 0 to 255 first. The message shows the worst place,
-/// `rowLength` levels making a row.
+/// Whether all levels agree, `expected` clamped to 0 to 255; `rowLength` levels make a row.
 testing::AssertionResult agree(const std::vector<uint8_t>& actual, const std::vector<double>& expected,
                                int rowLength, Tolerance tolerance);
-
-/// The same for the content of a texture.
 testing::AssertionResult agree(const std::vector<uint8_t>& actual, const reference::Picture& expected,
                                Tolerance tolerance);

@@ -80,9 +80,7 @@ public:
     std::string liveObjects() const;
     /// The values last set; empty when there are none.
     std::vector<GLfloat> uniform(const std::string& program, const std::string& name) const;
-
-    /// Whether a call is being recorded right now.
-    static bool isRecording();
+    static bool isRecording(); ///< right now
 
     /// A display, config, context or surface. Destroyed while current it stays current, but is refused from
     /// then on.

@@ -7,9 +7,8 @@
 
 struct __android_logger_data;
 
-/// While it lives, the messages of every thread go into it instead of the Android log. Captures may be
-/// nested; the innermost gets the messages. Comparing a whole list finds messages too many as well as missing
-/// ones: `EXPECT_THAT(log.texts(), ElementsAre("GL error: 0x1282"));`
+/// While it lives, the messages of every thread go into it instead of the Android log. One at a time.
+/// Comparing a whole list finds messages too many as well as missing ones.
 class LogCapture {
 public:
     struct Entry {
@@ -33,6 +32,5 @@ public:
 private:
     static void record(const __android_logger_data* data, const char* text);
 
-    LogCapture* m_outer;
     std::vector<Entry> m_entries;
 };
