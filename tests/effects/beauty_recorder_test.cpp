@@ -58,24 +58,19 @@ TEST_F(Beauty, IsActiveAboveOneThresholdAndFromTheOtherOn) {
 
 const char kDraws[] = R"(
     glViewport(0, 0, 720, 1280); check; glDisable(GL_BLEND)
-
     unit 0; bind intermediate; check; nearest; attach intermediate; check; clear
-    bind source; check; linear; clamp
-    glUseProgram(blur); check
+    bind source; check; linear; clamp; glUseProgram(blur); check
     glUniform2fv(blurTexelSampleStep, 1); glUniform1f(distanceNormalizationFactor, 4); check
-    point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr
-    draw; check
+    point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr; draw; check
     disable posAttr; disable texCoordAttr; attach 0
 
     bind target; check; nearest; attach target; check; clear
-    unit 1; bind intermediate; check; linear; clamp; check
-    unit 0; bind source; check; linear; clamp; check
-    glUseProgram(mix); check
-    glUniform2fv(blurTexelSampleStep, 1); glUniform1f(distanceNormalizationFactor, 4)
+    unit 1; bind intermediate; check; linear; clamp; check; unit 0; bind source; check; linear; clamp; check
+    glUseProgram(mix); check; glUniform2fv(blurTexelSampleStep, 1)
+    glUniform1f(distanceNormalizationFactor, 4)
     glUniform1f(mixFactor, 0.75); glUniform1f(whitenFactor, -2); check
     point posAttr 24; point texCoordAttr 24; point blurTexCoordAttr 24; check
-    enable posAttr; enable texCoordAttr; enable blurTexCoordAttr; check
-    draw; check
+    enable posAttr; enable texCoordAttr; enable blurTexCoordAttr; check; draw; check
     disable posAttr; disable texCoordAttr; disable blurTexCoordAttr; attach 0)";
 
 TEST_F(Beauty, BuildsBothProgramsAndItsTextureOnceAndBlursAcrossAndThenDown) {

@@ -70,10 +70,8 @@ TEST_F(Lut, LoadsItsTableBuildsOneProgramAndKeepsThem) {
             "glUseProgram(" + program + "); check; glUniform1f(texelSize1D, 0.2); " + kind.setUniform + R"(
             glUniform1f(intensity, 0.75)
             bind target; check; nearest; attach target; check; clear; glViewport(0, 0, 5, 4); check
-            unit 1; bind lut; check; linear
-            unit 0; bind source; check; nearest
-            point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr
-            draw; check
+            unit 1; bind lut; check; linear; unit 0; bind source; check; nearest
+            point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr; draw; check
             disable posAttr; disable texCoordAttr; attach 0)";
         ASSERT_TRUE(draw());
         EXPECT_THAT(gl.calls(), testing::StartsWith(recipe(R"(
@@ -97,9 +95,8 @@ TEST_F(Lut, LoadsItsTableBuildsOneProgramAndKeepsThem) {
 
 TEST_F(Lut, TheFirstPathStaysAndTheLastIntensityCounts) {
     start({0, 1});
-    for (const char* other : {"other", ""})
-        effect->setParams(CZeString::fromUtf8(other), -2.5f); // as it is
-    EXPECT_THAT(log.texts(), ElementsAre("Lut path is already setted.", "Lut path is already setted."));
+    effect->setParams(CZeString(), -2.5f); // as it is
+    EXPECT_THAT(log.texts(), ElementsAre("Lut path is already setted."));
     EXPECT_TRUE(draw());
     EXPECT_THAT(gl.uniform("lutRatio", "intensity"), ElementsAre(-2.5f));
 }
@@ -147,32 +144,30 @@ TEST_F(Lut, TriesAFailedTableOrProgramAgainInEveryFrame) {
 }
 
 TEST_F(Lut, ReportsAnErrorOfAnyCallOnceAndStopsOnlyWithoutAProgram) {
-    for (const auto& kind : kKinds) {
-        start(kind.levels);
-        EXPECT_TRUE(draw());
-        const std::vector<std::string> calls = gl.driver.calls;
-        const size_t lateCalls = 3; // behind the last check
-        for (size_t i = 0, nth = 0; i < calls.size(); ++i) {
-            if (calls[i] == "glGetError()")
-                continue;
-            SCOPED_TRACE(calls[i]);
-            start(kind.levels);
-            gl.raise("", int(++nth), GL_INVALID_OPERATION);
-            const bool isLate = i >= calls.size() - lateCalls;
-            if (calls[i].starts_with("glCompileShader") || calls[i].starts_with("glLinkProgram")) {
-                EXPECT_FALSE(draw());
-                EXPECT_THAT(gl.draws(), IsEmpty());
-                EXPECT_THAT(log.texts(),
-                            ElementsAre(EndsWith(":\n why it failed"), "Failed to prepare 3d lut program"));
-            } else {
-                EXPECT_TRUE(draw());
-                EXPECT_EQ(gl.driver.calls, calls);
-                EXPECT_EQ(log.texts(), std::vector<std::string>(!isLate, "GL error: 0x1282"));
-            }
-            log.clear();
+    start(kKinds[1].levels);
+    EXPECT_TRUE(draw());
+    const std::vector<std::string> calls = gl.driver.calls;
+    const size_t lateCalls = 3; // behind the last check
+    for (size_t i = 0, nth = 0; i < calls.size(); ++i) {
+        if (calls[i] == "glGetError()")
+            continue;
+        SCOPED_TRACE(calls[i]);
+        start(kKinds[1].levels);
+        gl.raise("", int(++nth), GL_INVALID_OPERATION);
+        const bool isLate = i >= calls.size() - lateCalls;
+        if (calls[i].starts_with("glCompileShader") || calls[i].starts_with("glLinkProgram")) {
+            EXPECT_FALSE(draw());
+            EXPECT_THAT(gl.draws(), IsEmpty());
+            EXPECT_THAT(log.texts(),
+                        ElementsAre(EndsWith(":\n why it failed"), "Failed to prepare 3d lut program"));
+        } else {
             EXPECT_TRUE(draw());
-            EXPECT_EQ(log.texts(), std::vector<std::string>(isLate, "GL error: 0x1282"));
+            EXPECT_EQ(gl.driver.calls, calls);
+            EXPECT_EQ(log.texts(), std::vector<std::string>(!isLate, "GL error: 0x1282"));
         }
+        log.clear();
+        EXPECT_TRUE(draw());
+        EXPECT_EQ(log.texts(), std::vector<std::string>(isLate, "GL error: 0x1282"));
     }
 }
 
