@@ -27,19 +27,15 @@ bool removeRecursively(const std::string& path) {
 
 TEST(Dir, RefusesPathsThatAreNotAbsolute) {
     const LogCapture log;
-    EXPECT_FALSE(CZeDir::mkpath(CZeString()) || mkpath("") || mkpath("logs") || mkpath("./logs"));
-    EXPECT_FALSE(CZeDir::rmdir(CZeString()) || CZeDir::rmdir(name("tmp")));
-    EXPECT_FALSE(removeRecursively("") || removeRecursively("tmp/x"));
-    EXPECT_FALSE(std::filesystem::exists("logs"));
-    std::vector<std::string> warnings;
-    for (const char* const warning :
-         {"mkpath: Empty or null path name", "mkpath: Empty or null path name",
-          "mkpath: only accept absolute dir path!", "mkpath: only accept absolute dir path!",
-          "rmdir: Empty or null path name", "rmdir: only accept absolute dir path!",
-          "removeRecursively: only accept absolute dir path!",
-          "removeRecursively: only accept absolute dir path!"})
-        warnings.push_back("CZeDir::" + std::string(warning));
-    EXPECT_EQ(log.texts(), warnings);
+    EXPECT_FALSE(mkpath("") || mkpath("./logs") || CZeDir::rmdir(CZeString()) || CZeDir::rmdir(name("tmp")));
+    EXPECT_FALSE(removeRecursively("") || removeRecursively("tmp/x") || std::filesystem::exists("logs"));
+    EXPECT_THAT(log.texts(),
+                testing::ElementsAre("CZeDir::mkpath: Empty or null path name",
+                                     "CZeDir::mkpath: only accept absolute dir path!",
+                                     "CZeDir::rmdir: Empty or null path name",
+                                     "CZeDir::rmdir: only accept absolute dir path!",
+                                     "CZeDir::removeRecursively: only accept absolute dir path!",
+                                     "CZeDir::removeRecursively: only accept absolute dir path!"));
     EXPECT_EQ(log.entries().at(0).priority, 5);
 }
 
@@ -52,30 +48,20 @@ TEST(Dir, MkpathMakesWhatIsMissing) {
     std::filesystem::create_directory_symlink(root / "a", root / "link");
     const std::pair<const char*, const char*> rows[] = {
         // clang-format off
-        {"a", "a"}, {"a/b/c/", "a/b/c"}, {"a/b/c", "a/b/c"}, {"new///", "new"}, {"x//y///z", "x/y/z"},
-        {"link/d/e", "a/d/e"}, {"u/../v", "v"}, {"\xC3\xA9t\xC3\xA9/\xE2\x82\xAC", "\xC3\xA9t\xC3\xA9/\xE2\x82\xAC"},
-        {"file", nullptr}, {"file/", nullptr}, {"file/below", nullptr}, {"dangling", nullptr}, {"dangling/below", nullptr},
+        {"a", "a"}, {"a/b/c/", "a/b/c"}, {"x//y///\xC3\xA9", "x/y/\xC3\xA9"}, {"link/d/e", "a/d/e"},
+        {"u/../v", "v"}, {"file/", nullptr}, {"file/below", nullptr}, {"dangling", nullptr},
         // clang-format on
     };
     for (const auto& [path, made] : rows) {
         EXPECT_EQ(mkpath(root / path), made != nullptr) << path;
         EXPECT_TRUE(!made || std::filesystem::is_directory(root / made)) << path;
     }
-    EXPECT_FALSE(std::filesystem::exists(root / "nowhere"));
-    EXPECT_TRUE(mkpath("/") && mkpath("///"));
-    EXPECT_FALSE(mkpath("/" + std::string(5000, 'n')));
-    EXPECT_FALSE(mkpath("/proc/none/below")); // a parent in which nobody can make anything
+    EXPECT_TRUE(mkpath("///") && !std::filesystem::exists(root / "nowhere"));
+    EXPECT_FALSE(mkpath("/" + std::string(5000, 'n')) || mkpath("/proc/none/below"));
     EXPECT_FALSE(mkpath(root / ("parent/child/" + std::string(300, 'n') + "/x")));
-    EXPECT_TRUE(std::filesystem::is_directory(root / "parent/child")); // what was made stays
+    EXPECT_TRUE(!CZeDir::rmdir(name(root / "parent")) && // what was made stays
+                CZeDir::rmdir(name(root / "parent/child/")) && CZeDir::rmdir(name(root / "parent")));
     EXPECT_THAT(log.texts(), IsEmpty());
-}
-
-TEST(Dir, RmdirRemovesOneEmptyDirectory) {
-    const TempDirectory root;
-    std::filesystem::create_directories(root / "a/\xC3\xA9");
-    EXPECT_FALSE(CZeDir::rmdir(name(root / "a")));
-    EXPECT_TRUE(CZeDir::rmdir(name(root / "a/\xC3\xA9/")) && CZeDir::rmdir(name(root / "a")));
-    EXPECT_FALSE(CZeDir::rmdir(name(root / "a")));
 }
 
 TEST(Dir, RemoveRecursivelyStaysInsideTheTree) {
@@ -87,10 +73,8 @@ TEST(Dir, RemoveRecursivelyStaysInsideTheTree) {
     std::filesystem::create_directory_symlink(root / "outside", root / "tree/.a/link");
     std::filesystem::create_symlink("../outside/file", root / "tree/file link");
     std::filesystem::create_directory_symlink(root / "tree", root / "link");
-    for (const std::string& path :
-         {root / "link", root / "link/", root / "outside/file", (root / "tree") + '\0'})
-        EXPECT_FALSE(removeRecursively(path)) << path;
-    EXPECT_TRUE(std::filesystem::exists(root / "tree/.a/b/file"));
+    for (const auto& path : {root / "link", root / "link/", root / "outside/file", (root / "tree") + '\0'})
+        EXPECT_TRUE(!removeRecursively(path) && std::filesystem::exists(root / "tree/.a/b/file")) << path;
     EXPECT_TRUE(removeRecursively(root / "tree//") && removeRecursively(root / "tree")); // or is not there
     EXPECT_EQ(listing(root), "link outside ");
     EXPECT_TRUE(std::filesystem::exists(root / "outside/kept") && contentOf(root / "outside/file") == "kept");
