@@ -1,7 +1,6 @@
 #include "core/tools/array_data.h"
 
 #include "core/tools/block_size.h"
-#include "core/tools/shared_array.h"
 #include "tests/core/text.h"
 
 #include <gmock/gmock.h>
@@ -116,29 +115,6 @@ TEST(ArrayData, StaticBlocksAreNeverWritten) {
     }
     EXPECT_EQ(std::memcmp(null.data(), SZeArrayData::shared_null, null.size()), 0);
     EXPECT_EQ(std::memcmp(empty.data(), emptyBlock, empty.size()), 0);
-}
-
-TEST(Cut, LeavesTheRangeInside) {
-    using ze::Cut;
-    const struct {
-        int length, position, count;
-        Cut cut;
-        int cutPosition, cutCount;
-    } rows[] = {
-        // clang-format off
-        {10, 11, 0, Cut::Null, 0, 0}, {10, 10, 5, Cut::Empty, 0, 0}, {10, -2, 3, Cut::Subset, 0, 1},
-        {10, -2, 2, Cut::Null, 0, 0}, {10, -2, 12, Cut::Full, 0, 0}, {10, -2, -1, Cut::Full, 0, 0},
-        {10, -2, 11, Cut::Subset, 0, 9}, {10, 0, 10, Cut::Full, 0, 0}, {10, 0, 0, Cut::Empty, 0, 0},
-        {10, 3, INT_MAX, Cut::Subset, 3, 7}, {10, 3, INT_MIN, Cut::Subset, 3, 7},
-        {10, INT_MIN, INT_MAX, Cut::Null, 0, 0}, {0, 0, 0, Cut::Full, 0, 0}, {0, 1, 0, Cut::Null, 0, 0},
-        // clang-format on
-    };
-    for (const auto& row : rows) {
-        int position = row.position;
-        int count = row.count;
-        EXPECT_EQ(ze::cutRange(row.length, position, count), row.cut) << "row " << &row - rows;
-        EXPECT_TRUE(row.cut != Cut::Subset || (position == row.cutPosition && count == row.cutCount));
-    }
 }
 
 } // namespace

@@ -20,79 +20,66 @@ using testing::IsEmpty;
 TEST(Number, FormatsIntegersInEveryBase) {
     const std::tuple<long, int, std::string> rows[] = {
         // clang-format off
-        {0, 10, "0"}, {255, 16, "ff"}, {-255, 16, "-ff"}, {35, 36, "z"}, {36, 36, "10"}, {5, 2, "101"},
-        {-10, 10, "-10"}, {42, 1, "42"}, {42, 37, "42"}, {42, -2, "42"}, {8, 8, "10"},
-        {LONG_MAX, 10, "9223372036854775807"}, {LONG_MIN, 10, "-9223372036854775808"},
-        {LONG_MIN, 2, "-1" + std::string(63, '0')},
+        {0, 10, "0"}, {-255, 16, "-ff"}, {35, 36, "z"}, {42, 1, "42"}, {42, 37, "42"}, {42, -2, "42"},
+        {LONG_MAX, 10, "9223372036854775807"}, {LONG_MIN, 2, "-1" + std::string(63, '0')},
         // clang-format on
     };
     for (const auto& [value, base, digits] : rows) {
-        EXPECT_EQ(utf8(CZeString::number(value, base)), digits);
         EXPECT_EQ(utf8(text(u"before").setNum(value, base)), digits);
-        const auto bits = static_cast<unsigned long>(value);
-        EXPECT_EQ(utf8(CZeString::number(bits, base)) == digits, value >= 0);
+        EXPECT_EQ(utf8(CZeString::number(static_cast<unsigned long>(value), base)) == digits, value >= 0);
     }
     EXPECT_EQ(utf8(CZeString::number(INT_MIN) + CZeString::number(UINT_MAX)), "-21474836484294967295");
     EXPECT_EQ(utf8(CZeString::number(ULONG_MAX, 2)), std::string(64, '1'));
-    EXPECT_EQ(utf8(CZeString::number(0.1) + CZeString().setNum(1e10)), "0.11e+10");
-    EXPECT_EQ(utf8(CZeString::number(2.5f, 'e', 1)), "2.5e+00");
+    EXPECT_EQ(utf8(CZeString::number(0.1) + CZeString().setNum(2.5f, 'E', 1)), "0.12.5E+00");
+    EXPECT_EQ(utf8(CZeString::number(1.5, 'f', -1)), "1.500000");
+    EXPECT_EQ(CZeString::number(1.0, 'f', 200).size(), 127); // the rest is cut
 }
 
 TEST(Number, ReadsIntegers) {
     constexpr bool kFails = false;
-    const struct {
-        const char16_t* string;
-        int base;
-        bool ok;
-        long long value;
-    } rows[] = {
+    const std::tuple<const char16_t*, int, bool, long long> rows[] = {
         // clang-format off
-        {u" 42 ", 10, true, 42}, {u"42x", 10, kFails, 0}, {u"x42", 10, kFails, 0}, {u"4 2", 10, kFails, 0},
         {u"\u0085\u00A0\t-7\r\n\u00A0", 10, true, -7}, {u"+7", 10, true, 7}, {u"- 7", 10, kFails, 0},
-        {u"", 10, kFails, 0}, {u"  ", 10, kFails, 0}, {u"0", 10, true, 0}, {u"-0", 10, true, 0}, {u"0x", 16, kFails, 0},
-        {u"0x1F", 16, true, 31}, {u"0x1F", 0, true, 31}, {u"0x1F", 10, kFails, 0}, {u"017", 0, true, 15},
-        {u"09", 0, kFails, 0}, {u"z", 36, true, 35}, {u"7", 1, kFails, 0}, {u"7", 37, kFails, 0}, {u"102", 2, kFails, 0},
+        {u"42x", 10, kFails, 0}, {u"  ", 10, kFails, 0}, {u"-0", 10, true, 0}, {u"0x", 16, kFails, 0},
+        {u"0x1F", 0, true, 31}, {u"0x1F", 10, kFails, 0}, {u"017", 0, true, 15}, {u"09", 0, kFails, 0},
+        {u"z", 36, true, 35}, {u"7", 1, kFails, 0}, {u"7", 37, kFails, 0},
         {u"\u0664", 10, kFails, 0}, {u"4\u2000", 10, kFails, 0}, // '?' in Latin-1
         {u"32767", 10, true, SHRT_MAX}, {u"-32768", 10, true, SHRT_MIN}, {u"65535", 10, true, USHRT_MAX},
-        {u"65536", 10, true, 65536}, {u"-32769", 10, true, -32769}, {u"3000000000", 10, true, 3000000000},
-        {u"2147483647", 10, true, INT_MAX}, {u"-2147483649", 10, true, -2147483649}, {u"4294967296", 10, true, 4294967296},
+        {u"65536", 10, true, 65536}, {u"-32769", 10, true, -32769}, {u"2147483647", 10, true, INT_MAX},
+        {u"-2147483649", 10, true, -2147483649}, {u"4294967296", 10, true, 4294967296},
         {u"9223372036854775807", 10, true, LLONG_MAX}, {u"-9223372036854775808", 10, true, LLONG_MIN},
         {u"9223372036854775808", 10, kFails, 0}, {u"-9223372036854775809", 10, kFails, 0},
         // clang-format on
     };
-    for (const auto& row : rows) {
-        const CZeString s = text(row.string);
-        const auto expect = [&](auto member, auto fits) {
-            const bool isOk = row.ok && std::in_range<decltype(fits)>(row.value);
+    for (const auto& [units, base, isNumber, value] : rows) {
+        const CZeString s = text(units);
+        const auto expect = [&, base = base, isNumber = isNumber,
+                             value = value]<class Number>(Number (CZeString::*member)(bool*, int) const) {
+            const bool isOk = isNumber && std::in_range<Number>(value);
             bool ok = !isOk;
-            EXPECT_EQ((s.*member)(&ok, row.base), isOk ? decltype(fits)(row.value) : 0) << utf8(s);
-            EXPECT_EQ(ok, isOk) << utf8(s) << ' ' << row.base;
+            EXPECT_EQ((s.*member)(&ok, base), isOk ? Number(value) : 0) << utf8(s);
+            EXPECT_EQ(ok, isOk) << utf8(s) << ' ' << base;
         };
-        expect(&CZeString::toLongLong, 0LL);
-        expect(&CZeString::toLong, 0L);
-        expect(&CZeString::toInt, 0);
-        expect(&CZeString::toShort, short{0});
-        if (!row.ok || row.value < 0)
-            continue;
-        expect(&CZeString::toULong, 0UL);
-        expect(&CZeString::toUInt, 0U);
-        expect(&CZeString::toUShort, static_cast<unsigned short>(0));
+        expect(&CZeString::toLongLong);
+        expect(&CZeString::toInt);
+        expect(&CZeString::toShort);
+        if (isNumber && value >= 0) {
+            expect(&CZeString::toUInt);
+            expect(&CZeString::toUShort);
+        }
     }
     bool ok = false;
     EXPECT_TRUE(text(u"18446744073709551615").toULongLong(&ok) == ULLONG_MAX && ok);
     EXPECT_TRUE(text(u"-1").toULongLong(&ok) == ULLONG_MAX && ok);
     EXPECT_TRUE(text(u"18446744073709551616").toULongLong(&ok) == 0 && !ok);
-    EXPECT_TRUE(text(u"-1").toUInt(&ok) == 0 && !ok && text(u"no").toULong(&ok) == 0 && !ok);
-    EXPECT_EQ(CZeString(text(u"1") + CZeChar(0)).toInt(), 0);
-    EXPECT_EQ(text(u"ff").toUShort(nullptr, 16), 255);
+    EXPECT_TRUE(text(u"-1").toUInt(&ok) == 0 && !ok && CZeString(text(u"1") + CZeChar(0)).toInt() == 0);
 }
 
 TEST(Number, ReadsDoubles) {
     const std::tuple<const char16_t*, bool, double, bool> rows[] = {
         // clang-format off
-        {u" 1.5 ", true, 1.5, true}, {u"-2.5e3", true, -2500, true}, {u"1,5", false, 0, false}, {u"0x1p3", true, 8, true},
-        {u".5", true, .5, true}, {u"", false, 0, false}, {u".", false, 0, false}, {u"1.5x", false, 0, false},
-        {u"1e400", false, 0, false}, {u"-1e400", false, 0, false}, {u"1e-400", false, 0, false},
+        {u"-2.5e3", true, -2500, true}, {u"1,5", false, 0, false}, {u"0x1p3", true, 8, true}, {u"", false, 0, false},
+        {u".", false, 0, false}, {u"1.5x", false, 0, false}, {u"-1e400", false, 0, false}, {u"1e-400", false, 0, false},
         {u"1e39", true, 1e39, false}, {u"-1e39", true, -1e39, false}, {u"1e-320", true, 1e-320, true},
         {u"inf", true, HUGE_VAL, true}, {u"-0", true, -0.0, true}, {u"\u00A0" u"3\u0085", true, 3, true},
         // clang-format on
@@ -104,7 +91,6 @@ TEST(Number, ReadsDoubles) {
         EXPECT_EQ(s.toFloat(&fits), isFloat ? float(value) : 0.0f) << utf8(s);
         EXPECT_TRUE(ok == isOk && fits == isFloat) << utf8(s);
     }
-    EXPECT_EQ(text(u"1.5").toDouble() + double{text(u"1.5").toFloat()}, 3);
 }
 
 TEST(Number, KeepsItsPointWhereTheProgramHasAComma) {
@@ -128,37 +114,30 @@ TEST(Arg, FillsTheLowestEscape) {
         {u"Error %1 in %1 and %2", 0, "Error x in x and %2"}, {u"%10 %9", 0, "%10 x"}, {u"%10", 0, "x"},
         {u"%100", 0, "x0"}, {u"%0%1", 0, "x%1"},
         {u"%01%1", 0, "xx"}, // both are the number 1, of different lengths
-        {u"%2%1%2%1", 0, "%2x%2x"}, {u"%%1%", 0, "%x%"}, {u"%a %L1 %9", 0, "%a %L1 x"},
-        {u"100% %1", 0, "100% x"}, {u"%\u0661%5", 0, "%\xD9\xA1x"}, // only ASCII digits
-        {u"[%1]", 3, "[..x]"}, {u"[%1]", -3, "[x..]"}, {u"[%1]", 1, "[x]"}, {u"[%1|%1]", 2, "[.x|.x]"},
+        {u"%%1%", 0, "%x%"}, {u"%\u0661%5", 0, "%\xD9\xA1x"}, // only ASCII digits
+        {u"[%1]", -3, "[x..]"}, {u"[%1]", 1, "[x]"}, {u"[%1|%1]", 2, "[.x|.x]"},
         // clang-format on
     };
-    LogCapture log;
     for (const auto& [string, width, result] : rows) {
         const CZeString s = text(string);
         EXPECT_EQ(utf8(s.arg(text(u"x"), width, CZeChar('.'))), result);
         EXPECT_EQ(utf8(s.arg(CZeChar('x'), width, CZeChar('.'))), result);
-        EXPECT_EQ(utf8(s.arg('x', width, CZeChar('.'))), result);
-        EXPECT_EQ(s, text(string));
     }
-    EXPECT_THAT(log.texts(), IsEmpty());
 }
 
 TEST(Arg, TakesNumbers) {
-    LogCapture log;
+    const LogCapture log;
     const CZeString s = text(u"%1|%2|%3");
     const std::pair<CZeString, const char*> rows[] = {
         {s.arg(-5, 4).arg(255U, -4, 16, CZeChar('_')).arg(7UL), "  -5|ff__|7"},
-        {s.arg(LONG_MIN, 0, 16).arg(0.5).arg(2.0 / 3, 6, 'f', 2, CZeChar('*')),
-         "-8000000000000000|0.5|**0.67"},
+        {s.arg(-255L, 0, 16).arg(0.5).arg(2.0 / 3, 6, 'f', 2, CZeChar('*')), "-ff|0.5|**0.67"},
         {s.arg(text(u"%2")).arg(short{9}).arg(1e9f), "9|9|1e+09"}, // filled text is filled again
         {s.arg(CZeString()).arg(text(u"")).arg('\xE9'), "||\xC3\xA9"},
         {s.arg(CZeLatin1String("\xE9"), 2).arg(s.leftRef(2)).arg(s.rightRef(2)), " \xC3\xA9|%3|%3"},
     };
     for (const auto& [result, expected] : rows)
         EXPECT_EQ(utf8(result), expected);
-    const CZeString emptied = text(u"%1").arg(CZeString());
-    EXPECT_TRUE(emptied.isEmpty() && !emptied.isNull());
+    EXPECT_FALSE(text(u"%1").arg(CZeString()).isNull());
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
