@@ -55,41 +55,32 @@ protected:
     std::optional<CLutEffect> effect;
 };
 
-const struct {
-    const char* program;
-    std::vector<float> levels;
-    const char* setUniform; ///< of the one that the other program has not
-} kKinds[] = {{"lutRatio", {0, 0.25f, 0.5f, 0.75f, 1}, "glUniform1f(rgbToTexCoordRatio, 0.8)"},
-              {"lutMapped", {0, 0.1f, 0.2f, 0.3f, 0.75f}, "glUniform1fv(texCoordLut1D, 256)"}};
+const std::vector<float> kLevels = {0, 0.25f, 0.5f, 0.75f, 1};
 
 TEST_F(Lut, LoadsItsTableBuildsOneProgramAndKeepsThem) {
-    for (const auto& kind : kKinds) {
-        start(kind.levels);
-        const std::string program = kind.program;
-        const std::string drawing =
-            "glUseProgram(" + program + "); check; glUniform1f(texelSize1D, 0.2); " + kind.setUniform + R"(
-            glUniform1f(intensity, 0.75)
-            bind target; check; nearest; attach target; check; clear; glViewport(0, 0, 5, 4); check
-            unit 1; bind lut; check; linear; unit 0; bind source; check; nearest
-            point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr; draw; check
-            disable posAttr; disable texCoordAttr; attach 0)";
-        ASSERT_TRUE(draw());
-        EXPECT_THAT(gl.calls(), testing::StartsWith(recipe(R"(
-            glGenTextures(1); bind lut; check
-            glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 25, 5, 0, GL_RGB, GL_UNSIGNED_BYTE, null); check; clamp
-            bind lut; clamp; glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 25, 5, GL_RGB, GL_UNSIGNED_BYTE); bind 0
-            glCreateShader(GL_VERTEX_SHADER))")));
-        EXPECT_THAT(gl.calls(),
-                    EndsWith(recipe("glUniform1i(lutSampler, 1); check; glUseProgram(0)\n" + drawing)));
-        gl.clear();
-        std::filesystem::remove(path);
-        ASSERT_TRUE(draw());
-        EXPECT_EQ(gl.calls(), recipe(drawing));
-        EXPECT_THAT(gl.drawTexts(), ElementsAre(program + "(source, lut) -> target"));
-        gl.clear();
-        effect.reset();
-        EXPECT_EQ(gl.calls(), recipe("glDeleteTextures(1, lut); glDeleteProgram(" + program + ")"));
-    }
+    start(kLevels);
+    const std::string drawing = R"(
+        glUseProgram(lutRatio); check; glUniform1f(texelSize1D, 0.2)
+        glUniform1f(rgbToTexCoordRatio, 0.8); glUniform1f(intensity, 0.75)
+        bind target; check; nearest; attach target; check; clear; glViewport(0, 0, 5, 4); check
+        unit 1; bind lut; check; linear; unit 0; bind source; check; nearest
+        point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr; draw; check
+        disable posAttr; disable texCoordAttr; attach 0)";
+    ASSERT_TRUE(draw());
+    EXPECT_THAT(gl.calls(), testing::StartsWith(recipe(R"(
+        glGenTextures(1); bind lut; check
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 25, 5, 0, GL_RGB, GL_UNSIGNED_BYTE, null); check; clamp
+        bind lut; clamp; glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 25, 5, GL_RGB, GL_UNSIGNED_BYTE); bind 0
+        glCreateShader(GL_VERTEX_SHADER))")));
+    EXPECT_THAT(gl.calls(), EndsWith(recipe("glUniform1i(lutSampler, 1); check; glUseProgram(0)" + drawing)));
+    gl.clear();
+    std::filesystem::remove(path);
+    ASSERT_TRUE(draw());
+    EXPECT_EQ(gl.calls(), recipe(drawing));
+    EXPECT_THAT(gl.drawTexts(), ElementsAre("lutRatio(source, lut) -> target"));
+    gl.clear();
+    effect.reset();
+    EXPECT_EQ(gl.calls(), recipe("glDeleteTextures(1, lut); glDeleteProgram(lutRatio)"));
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
@@ -144,7 +135,7 @@ TEST_F(Lut, TriesAFailedTableOrProgramAgainInEveryFrame) {
 }
 
 TEST_F(Lut, ReportsAnErrorOfAnyCallOnceAndStopsOnlyWithoutAProgram) {
-    start(kKinds[1].levels);
+    start(kLevels);
     EXPECT_TRUE(draw());
     const std::vector<std::string> calls = gl.driver.calls;
     const size_t lateCalls = 3; // behind the last check
@@ -152,7 +143,7 @@ TEST_F(Lut, ReportsAnErrorOfAnyCallOnceAndStopsOnlyWithoutAProgram) {
         if (calls[i] == "glGetError()")
             continue;
         SCOPED_TRACE(calls[i]);
-        start(kKinds[1].levels);
+        start(kLevels);
         gl.raise("", int(++nth), GL_INVALID_OPERATION);
         const bool isLate = i >= calls.size() - lateCalls;
         if (calls[i].starts_with("glCompileShader") || calls[i].starts_with("glLinkProgram")) {

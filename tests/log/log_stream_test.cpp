@@ -82,16 +82,13 @@ TEST(LogPrefix, NamesThePlaceOnlyWithAFileName) {
                                          std::string(1023, 'n') + "text", "render(42), draw: "));
 }
 
-TEST(LogPrintf, CutsAt1023Bytes) {
+TEST(LogPrintf, CutsAt1023BytesAndWarningsOfTheCoreToo) {
     const LogCapture log;
-    const SZeLogContext draw = {.line = 1, .fileName = "f", .functionName = "g"};
-    const std::string text(1024, 'x');
-    ZeLogInfof({}, "%.*s", 1023, text.c_str());
-    ZeLogInfof(draw, "%s", text.c_str());
+    const std::string text(1024, 'x'), cut(1023, 'x');
+    ZeLogInfof({.line = 1, .fileName = "f", .functionName = "g"}, "%s", text.c_str());
     ze::coreWarning("%s", text.c_str());
-    const std::string cut(1023, 'x');
-    EXPECT_EQ(log.entries(), (std::vector<LogCapture::Entry>{
-                                 {4, "glowfx", cut}, {4, "glowfx", "f(1), g: " + cut}, {5, "glowfx", cut}}));
+    EXPECT_EQ(log.entries(),
+              (std::vector<LogCapture::Entry>{{4, "glowfx", "f(1), g: " + cut}, {5, "glowfx", cut}}));
 }
 
 TEST(LogConsole, MovesToStandardError) {
