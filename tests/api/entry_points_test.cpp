@@ -73,9 +73,9 @@ TEST_F(EntryPoints, NothingHappensWhereTheCoresContextCannotBeMadeCurrent) {
     EXPECT_TRUE(render());
 }
 
-const std::initializer_list<std::string_view> kReleases = {
-    "eglMakeCurrent",   "eglDestroyContext",    "eglDestroySurface", "glDeleteProgram",
-    "glDeleteTextures", "glDeleteFramebuffers", "glDeleteShader"};
+const std::initializer_list<std::string_view> kReleases = {"eglMakeCurrent",    "eglDestroyContext",
+                                                           "eglDestroySurface", "glDeleteProgram",
+                                                           "glDeleteTextures",  "glDeleteFramebuffers"};
 
 TEST(Release, OfACoreIsInOrderAndTakesTheCallersContextAlong) {
     RecordedHost host("L"); // has nothing in the core's context

@@ -73,13 +73,6 @@ std::vector<std::string> GlRecorder::drawTexts(std::string (Draw::*form)() const
     return texts;
 }
 
-std::string GlRecorder::Draw::show(std::string Object::*property) const {
-    std::string list;
-    for (const Object& source : sources)
-        append(list, source.*property);
-    return program + '(' + list + ") -> " + target.*property;
-}
-
 std::string GlRecorder::currentContext() const {
     if (!driver.context)
         return "none";

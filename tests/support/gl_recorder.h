@@ -30,18 +30,11 @@ public:
         std::map<std::string, std::vector<GLfloat>> uniforms; ///< those that were set
     };
 
+    /// The textures that a program read, in the order of units, and the one that it drew into.
     struct Draw {
-        std::string program;
-        std::vector<Object> sources; ///< in the order of texture units
-        Object target;
-
-        /// As in "mix(input, intermediate) -> output".
-        std::string text() const { return show(&Object::label); }
-        /// As in "mix(5x3, 5x3) -> 5x3".
-        std::string sizes() const { return show(&Object::size); }
-
-    private:
-        std::string show(std::string Object::*property) const;
+        std::string labels, dimensions;
+        std::string text() const { return labels; }      ///< "mix(input, intermediate) -> output"
+        std::string sizes() const { return dimensions; } ///< "mix(5x3, 5x3) -> 5x3"
     };
 
     GlRecorder();

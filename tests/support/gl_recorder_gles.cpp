@@ -40,12 +40,15 @@ void copyLog(const char* function, GLuint name, GLsizei size, char* text) {
 void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
     const Call call(__func__, Enum{mode}, first, count);
     call.expectTarget();
-    const GlRecorder::Object& program = call.driver.find(call.driver.program);
-    GlRecorder::Draw& draw = call.driver.draws.emplace_back();
-    draw.program = program.label;
-    draw.target = call.driver.target();
-    for (const GLint unit : program.samplers)
-        draw.sources.push_back(call.driver.find(call.driver.units.at(size_t(unit))));
+    const GlRecorder::Driver& driver = call.driver;
+    const GlRecorder::Object& program = driver.find(driver.program);
+    const auto show = [&](std::string GlRecorder::Object::*property) {
+        std::string text;
+        for (const GLint unit : program.samplers)
+            text += (text.empty() ? "" : ", ") + driver.find(driver.units.at(size_t(unit))).*property;
+        return program.label + '(' + text + ") -> " + driver.target().*property;
+    };
+    call.driver.draws.push_back({show(&GlRecorder::Object::label), show(&GlRecorder::Object::size)});
 }
 
 void glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels) {
