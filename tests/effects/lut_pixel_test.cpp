@@ -66,28 +66,20 @@ Picture colours(uint32_t top) {
     return picture;
 }
 
-/// Where the levels of a table begin and end, and how they bend in between.
-struct Curve {
-    float first, last, exponent;
-
-    std::vector<float> levels(size_t count) const {
-        std::vector<float> levels = evenLevels(count);
-        for (float& level : levels)
-            level = first + (last - first) * std::pow(level, exponent);
-        return levels;
-    }
-};
-
 using LutPixel = GlTest;
 
 TEST_F(LutPixel, AgreesWithTrilinearInterpolationAndAnIdentityKeepsColoursWithinOneStep) {
     const TempDirectory directory;
     const std::string path = directory / "t\u00f6ne.lut";
-    const Curve even{0, 1, 1}, bent{0, 1, 1.6f}, inner{0.1f, 0.85f, 1};
-    for (const Curve& curve : {even, bent, inner})
+    const struct {
+        float first, last, exponent; // of the levels
+    } curves[] = {{0, 1, 1}, {0, 1, 1.6f}, {0.1f, 0.85f, 1}};
+    for (const auto& curve : curves)
         for (size_t n : {1u, 2u, 17u, 33u, 65u})
             for (bool isIdentity : {false, true}) {
-                LutFile lut{curve.levels(n)};
+                LutFile lut{evenLevels(n)};
+                for (float& level : lut.levels)
+                    level = curve.first + (curve.last - curve.first) * std::pow(level, curve.exponent);
                 lut.fillWithNoise();
                 if (isIdentity)
                     lut.fill([&](size_t index) { return 255 * lut.levels[index]; });
@@ -105,7 +97,7 @@ TEST_F(LutPixel, AgreesWithTrilinearInterpolationAndAnIdentityKeepsColoursWithin
                     // A place among the 4225 texels of a row is known to 0.0005, by half floats to 0.03.
                     EXPECT_TRUE(agree(result, graded(source, lut, double(intensity)),
                                       tolerance({0.6}, {isIdentity ? 2.0 : 8.0, 0.01})));
-                    if (isIdentity && lut.levels.back() == 1 && intensity <= 1) {
+                    if (isIdentity && curve.last == 1 && intensity <= 1) {
                         EXPECT_TRUE(agree(result, source, {1}));
                     }
                 }

@@ -121,13 +121,12 @@ TEST_F(LoadedLibraryTest, TakesLinesOfManyThreads) {
     constexpr int kThreads = 6, kLines = 300;
     setRootDirectory(directory.path().c_str());
     std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t) {
+    for (int t = 0; t < kThreads; ++t)
         threads.emplace_back([this, t] {
             setFileLogging(true);
             for (int i = 0; i < kLines; ++i)
                 info({}, "%d %d", t, i);
         });
-    }
     for (std::thread& thread : threads)
         thread.join();
     int next[kThreads] = {};
