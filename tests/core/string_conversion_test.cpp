@@ -27,6 +27,7 @@ TEST(Ucs4, SubstitutesWhatIsNoCodePoint) {
     const char32_t codePoints[] = {'a', 0xD800, 0xDFFF, 0x10FFFF, 0x110000, 0xFFFFFFFF, 0};
     EXPECT_EQ(units(CZeString::fromUcs4(codePoints)), u"a\uFFFD\uFFFD\U0010FFFF\uFFFD\uFFFD");
     const CZeChar unpaired[] = {CZeChar(0xDC00), CZeChar(0xD800), CZeChar(0xD800), CZeChar(0xDC01)};
+    EXPECT_EQ(bytes(CZeString(unpaired, 3).toUtf8()), "???"); // deliberately no U+FFFD
     const CZeList<char32_t> out = CZeString(unpaired, 4).toUcs4();
     EXPECT_THAT(std::vector<char32_t>(out.begin(), out.end()), testing::ElementsAre(0xFFFD, 0xFFFD, 0x10001));
 }
