@@ -27,8 +27,6 @@ TEST(Sharing, CopiesLiveOnDifferentThreads) {
                 s.append(CZeChar(char('a' + t)));
                 b[0] = char('a' + t);
                 l.append(s);
-                CZeString null = CZeString();
-                null = s.left(0);
                 failures[size_t(t)] += s.size() != string.size() + 1 || s.at(s.size() - 1) != char('a' + t) ||
                                        b[0] != char('a' + t) || array[0] != 'o' ||
                                        l.size() != list.size() + 1;
