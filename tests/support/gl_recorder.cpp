@@ -9,38 +9,11 @@
 
 namespace {
 
-GlRecorder* g_recorder = nullptr;
-int g_depth = 0;
-
 bool isCounted(const std::string& call) {
     return call.starts_with("gl") && !call.starts_with("glGetError");
 }
 
-void append(std::string& list, const std::string& text) {
-    list += (list.empty() ? "" : ", ") + text;
-}
-
 } // namespace
-
-GlRecorder::GlRecorder() {
-    g_recorder = this;
-}
-
-GlRecorder::~GlRecorder() {
-    g_recorder = nullptr;
-}
-
-bool GlRecorder::isRecording() {
-    return g_depth > 0;
-}
-
-void GlRecorder::raise(const std::string& function, int nth, EGLint error) {
-    driver.failures.push_back({function, nth, error, false});
-}
-
-void GlRecorder::refuse(const std::string& function, int nth, EGLint error) {
-    driver.failures.push_back({function, nth, error, true});
-}
 
 void GlRecorder::makeHostContextCurrent() {
     driver.context = &driver.eglObjects.emplace_back(EglObject{"hostContext"});
@@ -82,11 +55,10 @@ std::string GlRecorder::currentContext() const {
 std::string GlRecorder::liveObjects() const {
     std::string list;
     for (const auto& [name, object] : driver.objects)
-        append(list, object.kind + ' ' + object.label);
+        list += object.kind + ' ' + object.label + ", ";
     for (const EglObject& object : driver.eglObjects)
-        if (!object.isDestroyed)
-            append(list, object.label);
-    return list;
+        list += object.isDestroyed ? "" : object.label + ", ";
+    return list.substr(0, list.rfind(','));
 }
 
 std::vector<GLfloat> GlRecorder::uniform(const std::string& program, const std::string& name) const {
@@ -136,14 +108,6 @@ std::string recipe(std::string_view text) {
         lines += step + '\n';
     }
     return lines;
-}
-
-RecordedCall::RecordedCall() : recorder(*g_recorder), driver(recorder.driver) {
-    ++g_depth;
-}
-
-RecordedCall::~RecordedCall() {
-    --g_depth;
 }
 
 void RecordedCall::record(const std::string& function, const std::string& arguments) {

@@ -37,8 +37,8 @@ public:
         std::string sizes() const { return dimensions; } ///< "mix(5x3, 5x3) -> 5x3"
     };
 
-    GlRecorder();
-    ~GlRecorder();
+    GlRecorder() { current = this; }
+    ~GlRecorder() { current = nullptr; }
     GlRecorder(const GlRecorder&) = delete;
     GlRecorder& operator=(const GlRecorder&) = delete;
 
@@ -49,9 +49,13 @@ public:
 
     /// The `nth` call of `function` from now on, or of any GL function but glGetError for "", works and
     /// leaves `error` behind.
-    void raise(const std::string& function, int nth, EGLint error);
+    void raise(const std::string& function, int nth, EGLint error) {
+        driver.failures.push_back({function, nth, error, false});
+    }
     /// The `nth` call of `function` from now on gives 0, none or EGL_FALSE, and leaves `error` behind.
-    void refuse(const std::string& function, int nth, EGLint error = 0);
+    void refuse(const std::string& function, int nth, EGLint error = 0) {
+        driver.failures.push_back({function, nth, error, true});
+    }
 
     /// Labels of the textures to come, in the order of their creation. Others are called "texture".
     void labelTextures(std::initializer_list<std::string> labels) { driver.labels.assign(labels); }
@@ -73,7 +77,8 @@ public:
     std::string liveObjects() const;
     /// The values last set; empty when there are none.
     std::vector<GLfloat> uniform(const std::string& program, const std::string& name) const;
-    static bool isRecording(); ///< right now
+    static inline GlRecorder* current = nullptr;
+    static inline int depth = 0; ///< more than 0 while a call is being recorded
 
     /// A display, config, context or surface. Destroyed while current it stays current, but is refused from
     /// then on.

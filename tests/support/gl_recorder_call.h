@@ -27,7 +27,7 @@ public:
         ((text += (text.empty() ? "" : ", ") + show(args)), ...);
         record(function, text);
     }
-    ~RecordedCall();
+    ~RecordedCall() { --GlRecorder::depth; }
     RecordedCall(const RecordedCall&) = delete;
     RecordedCall& operator=(const RecordedCall&) = delete;
 
@@ -43,7 +43,7 @@ public:
     bool isRefused = false;
 
 private:
-    RecordedCall();
+    RecordedCall() : recorder(*GlRecorder::current), driver(recorder.driver) { ++GlRecorder::depth; }
     void record(const std::string& function, const std::string& arguments);
 
     static std::string show(int value) { return std::to_string(value); }
