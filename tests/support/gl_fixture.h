@@ -38,10 +38,8 @@ protected:
 
     /// A texture that holds `picture`, rounded to 8 bits.
     static GLuint textureOf(const reference::Picture& picture);
-
     /// A texture to draw into, every byte of it 0x66.
     static GLuint targetTexture(int width, int height);
-
     /// The R, G, B and A of each texel, row by row. Leaves the frame buffer without a target.
     static std::vector<uint8_t> contentOf(GLuint texture, int width, int height);
 

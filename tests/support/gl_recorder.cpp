@@ -148,10 +148,6 @@ void RecordedCall::expectTarget() const {
         ADD_FAILURE() << driver.calls.back() << ": without a target";
 }
 
-std::string RecordedCall::show(GLfloat value) {
-    return testing::PrintToString(value);
-}
-
 std::string RecordedCall::show(const EGLint* attributes) {
     std::string text;
     for (; *attributes != EGL_NONE; attributes += 2)

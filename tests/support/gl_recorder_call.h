@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include <gtest/gtest.h>
+
 /// Numbers that are printed as what they stand for.
 struct Enum {
     GLenum value;
@@ -47,7 +49,7 @@ private:
     void record(const std::string& function, const std::string& arguments);
 
     static std::string show(int value) { return std::to_string(value); }
-    static std::string show(GLfloat value);
+    static std::string show(GLfloat value) { return testing::PrintToString(value); }
     static std::string show(const char* text) { return text; }
     static std::string show(const EGLint* attributes);
     static std::string show(void* handle);
