@@ -121,7 +121,7 @@ TEST(ByteArray, ComparesBytesThenSizes) {
         {"ab", "abc", -1}, {"b", "abc", 1}, {CZeByteArray(), "", 0}, {"\x80", "a", 1}};
     for (const auto& [left, right, sign] : rows) {
         const int order = CZeByteArray::compare(left, right);
-        EXPECT_EQ((order > 0) - (order < 0), sign) << bytes(left) << ' ' << bytes(right);
+        EXPECT_EQ((order > 0) - (order < 0), sign);
         EXPECT_TRUE((left < right) == (sign < 0) && (left > right) == (sign > 0) &&
                     (left == right) == (sign == 0) && (left >= right) == (sign >= 0) &&
                     (left <= right) == (sign <= 0) && (left != right) == (sign != 0));
