@@ -53,8 +53,7 @@ TEST(String, StorageMembers) {
     s.expand(6);
     s.chop(2);
     EXPECT_EQ(utf8(s), "abc  ");
-    EXPECT_EQ(utf8(s.fill('-', 3)), "---");
-    s.chop(INT_MAX);
+    s.fill('-', 3).chop(INT_MAX);
     EXPECT_TRUE(s.isEmpty() && !s.isNull());
     s.reserve(100);
     s.append(CZeLatin1String("abc")).truncate(-1);
@@ -89,7 +88,6 @@ TEST(String, AppendMindsNull) {
     EXPECT_EQ(s.append(abc).constData(), abc.constData());
     s.append(abc.midRef(1)).append(CZeLatin1String("\xE9!")).append(CZeChar('x'));
     EXPECT_EQ(utf8(s) + utf8(abc), "abcbc\xC3\xA9!xabc");
-    EXPECT_FALSE(CZeString().append(text(u"")).isNull());
     CZeString shared = abc; // an empty string detaches, a null one does not
     EXPECT_EQ(shared.append(CZeString()).constData(), abc.constData());
     EXPECT_NE(shared.append(text(u"")).constData(), abc.constData());
