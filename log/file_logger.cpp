@@ -12,7 +12,7 @@ namespace ze {
 namespace {
 
 /// While lines follow each other closely the writer lets them gather for so long. Taken one by one, each
-/// would wake it anew, which costs the thread that logs fifty times as much as queueing a line.
+/// would find it asleep, and waking it costs the thread that logs fifty times as much as queueing a line.
 constexpr std::chrono::microseconds kGatherTime{200};
 
 } // namespace
@@ -36,16 +36,13 @@ FileLogger::~FileLogger() {
 
 void FileLogger::enqueue(const char* text) {
     const std::string_view line(text);
-    bool mayBeAsleep = false;
     {
         // One lock for both: a second one would cost more than it takes off this one, which formats a time
         // once a second. So the stamps are in order, too.
         const std::lock_guard lock(m_mutex);
-        mayBeAsleep = m_queue.isEmpty(); // else the line before has woken the writer
         m_queue.append(m_timeStamp.of(std::time(nullptr)), line);
     }
-    if (mayBeAsleep)
-        m_wake.notify_one();
+    m_wake.notify_one();
 }
 
 void FileLogger::setRootDirectory(const CZeString& directory) {
