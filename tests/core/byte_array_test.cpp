@@ -90,7 +90,8 @@ TEST(ByteArray, AssigningTextReusesABlockThatFitsWell) {
     } rows[] = {
         // clang-format off
         {100, 10, 0, 99, 100}, {100, 99, 0, 49, 100}, {100, 99, 0, 48, 49}, // below half
-        {100, 9, 0, 9, 100}, {100, 10, 0, 9, 10}, {100, 99, 1, 100, 101},   // below half, but as long or shorter
+        {100, 9, 0, 9, 100}, {100, 10, 0, 9, 10}, // below half, but as long or shorter
+        {100, 99, 1, 100, 101},
         // clang-format on
     };
     for (const auto& row : rows) {
