@@ -1,12 +1,13 @@
-// Text codecs by name and number, and UTF-8 against ICU. The fuzz corpora encode.
+// Text codecs by name and number, and UTF-8 against ICU, also in pieces.
 
 #include "core/codecs/text_codec.h"
+#include "core/codecs/utf8_encoder.h"
 #include "tests/core/text.h"
 #include "tests/support/log_capture.h"
 
 #include <gmock/gmock.h>
 
-#include <vector>
+#include <random>
 
 #include <unicode/ustring.h>
 
@@ -14,10 +15,9 @@ namespace {
 
 TEST(TextCodec, IsFoundByName) {
     const std::pair<const char*, int> rows[] = {
-        // clang-format off
-        {"utf-8", 106}, {"utf8", 0}, {"utf-8 ", 0}, {"ISO-8859-1", 4}, {"iso8859-1", 4}, {"CP819", 4},
-        {"ibm819", 4}, {"ISO-IR-100", 4}, {"csISOLatin1", 4}, {"", 0}, {nullptr, 0}, {"\xD5TF-8", 0},
-        // clang-format on
+        {"utf-8", 106},   {"UTF-8", 106},    {"utf8", 0},   {"utf-8 ", 0},     {"ISO-8859-1", 4},
+        {"iso8859-1", 4}, {"CP819", 4},      {"ibm819", 4}, {"ISO-IR-100", 4}, {"csISOLatin1", 4},
+        {"latin1", 0},    {"iso-8859-2", 0}, {"", 0},       {nullptr, 0},      {"\xD5TF-8", 0},
     };
     for (const auto& [name, mib] : rows)
         EXPECT_TRUE(CZeTextCodec::mibForName(name) == mib && CZeTextCodec(name).isValid() == (mib != 0))
@@ -34,6 +34,7 @@ TEST(TextCodec, ConvertsBothWaysOrWarns) {
     EXPECT_EQ(CZeTextCodec::decode(106, "ab\xC3", 2), text(u"ab"));
     EXPECT_TRUE(CZeTextCodec::decode(106, nullptr).isNull() && !CZeTextCodec::decode(106, "").isNull());
     EXPECT_TRUE(CZeTextCodec("cp819").toUnicode(CZeByteArray()).isNull());
+    EXPECT_TRUE(log.texts().empty());
     EXPECT_TRUE(CZeTextCodec::decode(3, "x", 1).isNull());
     EXPECT_TRUE(CZeTextCodec("latin1").fromUnicode(e).isNull());
     EXPECT_THAT(log.texts(), testing::ElementsAre("Unsupported mib!", "Unsupported mib!"));
@@ -49,6 +50,16 @@ std::u16string decodedByIcu(const std::string& bytes) {
                          int32_t(bytes.size()) - 3 * hasMark, 0xFFFD, nullptr, &error);
     EXPECT_TRUE(U_SUCCESS(error));
     return units.substr(0, size_t(size));
+}
+
+std::string encodedByIcu(const std::u16string& units) {
+    std::string bytes(units.size() * 3 + 1, '\0');
+    int32_t size = 0;
+    UErrorCode error = U_ZERO_ERROR;
+    u_strToUTF8WithSub(bytes.data(), int32_t(bytes.size()), &size, units.data(), int32_t(units.size()), '?',
+                       nullptr, &error);
+    EXPECT_TRUE(U_SUCCESS(error));
+    return bytes.substr(0, size_t(size));
 }
 
 /// Decodes the two pieces beside `cut`, each out of and into blocks of exactly the size that is to suffice.
@@ -70,17 +81,63 @@ TEST(Utf8, EveryKindOfSequenceDecodesAsByIcuInAnyTwoPieces) {
     const std::string kinds =
         "a\x80\x8F\x90\x9F\xA0\xBB\xBF\xC1\xC2\xDF\xE0\xE1\xED\xEE\xEF\xF0\xF1\xF4\xF5\xFF";
     const size_t count = kinds.size(), all = count * count * count * count;
-    ze::Utf8Decoder decoder;                                                     // as new after each text
-    const std::string plain = "plain text, longer than what is taken at a step"; // around the second half
+    ze::Utf8Decoder decoder; // as new after each text
     for (size_t code = 0; code < 2 * all; ++code) {
-        std::string input = code < all ? "" : plain;
+        std::string input = code < all ? "" : "x";
         for (size_t rest = code % all, i = 0; i < 4; ++i, rest /= count)
             input += kinds[rest % count];
-        input += code < all ? "" : plain;
+        input += code < all ? "" : "plain";
         const std::u16string expected = decodedByIcu(input);
         for (size_t cut = 0; cut <= 4; ++cut)
-            ASSERT_EQ(decodedInPieces(decoder, input, code < all ? cut : plain.size() + cut), expected)
-                << code << ' ' << cut;
+            ASSERT_EQ(decodedInPieces(decoder, input, cut), expected) << code << ' ' << cut;
+    }
+}
+
+TEST(TextCodec, AgreesWithIcuAlsoInPieces) {
+    const std::string runs[] = {"a",
+                                "plain text of more than thirty-two bytes, ",
+                                "\xC3\xA9",
+                                "\xD0\x96",
+                                "\xE2\x82\xAC",
+                                "\xE4\xB8\xAD",
+                                "\xF0\x9F\x98\x80",
+                                "\xEF\xBB\xBF",
+                                "\xED\xA0\x80",
+                                "\xC0",
+                                "\xE0\x9F",
+                                "\xF4\x90",
+                                "\xF0\x9F\x98",
+                                "\x80",
+                                "\xFF"};
+    const std::u16string more[] = {u"", u"", u"", u"\xD800", u"\xDC00", std::u16string(1, u'\0')};
+    std::minstd_rand random(1);
+    const auto below = [&random](size_t limit) { return random() % limit; };
+    for (int round = 0; round < 20000; ++round) {
+        std::string input;
+        std::u16string units;
+        const size_t valid = below(2) ? std::size(runs) : 7; // well-formed only, or anything
+        for (size_t i = below(24); i > 0; --i) {
+            input += runs[below(valid)];
+            units += decodedByIcu(runs[below(7)]) + more[below(std::size(more))];
+        }
+        const CZeString whole = CZeTextCodec::decode(106, input.data(), int(input.size()));
+        const std::u16string expected = decodedByIcu(input);
+        ASSERT_EQ(whole, CZeString::fromUtf16(expected.data(), int(expected.size()))) << round;
+        ASSERT_EQ(*whole.end(), CZeChar());
+
+        CZeTextCodec::State state;
+        CZeString joined;
+        for (size_t start = 0; start < input.size();) {
+            const size_t size = std::min(below(40), input.size() - start);
+            const std::vector<char> piece(input.data() + start, input.data() + start + size);
+            joined.append(CZeTextCodec::decode(106, piece.data(), int(size), &state));
+            start += size;
+        }
+        ASSERT_EQ(joined.append(CZeTextCodec::finish(state)), whole) << round;
+
+        const CZeString string = CZeString::fromUtf16(units.data(), int(units.size()));
+        ASSERT_EQ(bytes(string.toUtf8()), encodedByIcu(units)) << round;
+        ASSERT_EQ(ze::utf8Length(string.unicode(), string.size()), string.toUtf8().size());
     }
 }
 

@@ -36,6 +36,8 @@ bool refusesTransfer(const char* function, std::size_t& size) {
 extern "C" {
 FILE* __real_fopen(const char*, const char*);
 FILE* __wrap_fopen(const char* path, const char* mode) {
+    if (FileSystemDouble::current)
+        FileSystemDouble::current->modes.push_back(mode);
     return refuses("fopen") ? nullptr : __real_fopen(path, mode);
 }
 ssize_t __real_read(int, void*, size_t);

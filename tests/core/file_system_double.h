@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <vector>
 
 /// While it lives, fopen, read, write, rename, renameat, unlink, unlinkat and fsync are counted and fail
 /// where the test wants it, in programs that are linked to wrap them. One at a time.
@@ -22,6 +23,7 @@ struct FileSystemDouble {
     std::size_t mostBytes = SIZE_MAX;        ///< that one read or write moves
     int interrupted = 0;                     ///< every so manyth read or write is interrupted; 0: none
     std::map<std::string, int> calls;
+    std::vector<std::string> modes; ///< of fopen
 
     static inline FileSystemDouble* current = nullptr;
 };

@@ -1,4 +1,5 @@
 #include "core/io/file.h"
+#include "core/io/resource_file_engine.h"
 #include "core/io/resource_info.h"
 #include "core/tools/compression.h"
 #include "tests/core/test_file.h"
@@ -34,9 +35,12 @@ TEST(Resource, ReadsLikeAFile) {
     for (const char* const path : {":/luts/warm", ":/luts/\xC3\xA9"}) {
         CZeFile file(name(path));
         EXPECT_TRUE(file.exists() && file.size() == 50000 && file.open(Ze::ReadOnly)) << path;
-        EXPECT_TRUE(take(path) && !file.exists() && bytes(file.readAll()) == content && file.seek(49990));
+        EXPECT_TRUE(take(path) && !file.exists());
+        EXPECT_EQ(bytes(file.readAll()), content);
+        EXPECT_TRUE(file.seek(49990));
         EXPECT_EQ(bytes(file.read(100)), content.substr(49990));
-        EXPECT_TRUE(file.seek(60000) && !file.read(100).isNull() && !file.map(0, 1));
+        EXPECT_TRUE(file.seek(60000) && !file.read(100).isNull() && file.size() == 50000);
+        EXPECT_FALSE(file.map(0, 1) || file.unmap(nullptr));
     }
     for (const char* const path : {":/luts/empty", ":/none"})
         EXPECT_TRUE(CZeFile(name(path)).open(Ze::ReadOnly) && take(path) && !take(path)) << path;
@@ -49,9 +53,11 @@ TEST(Resource, RefusesWhatIsNotRegisteredOrNotReading) {
     ASSERT_TRUE(addCompressed(":/a/broken", "no stream") && add(":/a/plain", "plain"));
     const std::tuple<const char*, int, const char*> rows[] = {
         {":/b", Ze::ReadOnly, "No such file or directory"},
+        {":/a/plain/below", Ze::ReadOnly, "No such file or directory"},
         {":/a", Ze::ReadOnly, "file to open is a directory"},
         {":/a/broken", Ze::ReadOnly, "Resource is corrupted"},
         {":/a/plain", Ze::ReadWrite, "Read-only file system"},
+        {":/new", Ze::WriteOnly, "Read-only file system"},
     };
     for (const auto& [path, mode, text] : rows) {
         CZeFile file(name(path));
@@ -61,6 +67,9 @@ TEST(Resource, RefusesWhatIsNotRegisteredOrNotReading) {
     CZeFile plain(name(":/a/plain"));
     EXPECT_FALSE(plain.remove() || plain.rename(name(directory / "copy")));
     EXPECT_EQ(utf8(plain.errorString()) + listing(directory), "Cannot remove source file");
+    CZeResourceFileEngine engine(name(":/a/plain"));
+    EXPECT_TRUE(CZeResourceFileEngine(name(":/a")).isDirectory() && !engine.isDirectory());
+    EXPECT_TRUE(engine.write("x", 1) == -1 && !engine.map(0, 1) && !engine.unmap(nullptr));
     for (const char* const path : {"", "a", ":/", "/a", ":/a/../c", ":/.", ":/a", ":/a/plain", ":/a/plain/c"})
         EXPECT_FALSE(add(path, "x")) << path;
     EXPECT_FALSE(take(":/a") || take(":/") || take("a"));
@@ -68,18 +77,20 @@ TEST(Resource, RefusesWhatIsNotRegisteredOrNotReading) {
 }
 
 TEST(Resource, AnyThreadMayRegister) {
+    std::vector<int> failures(4);
     std::vector<std::thread> threads;
-    for (const char* const path : {":/shared/0", ":/shared/1", ":/shared/2", ":/shared/3"}) {
-        threads.emplace_back([path] {
+    for (int& failed : failures) {
+        threads.emplace_back([&failed, path = ":/shared/" + std::to_string(&failed - failures.data())] {
             for (int i = 0; i < 200; ++i) {
                 CZeFile file(name(path));
-                EXPECT_TRUE(add(path, "some bytes") && file.open(Ze::ReadOnly) && take(path));
-                EXPECT_EQ(bytes(file.readAll()), "some bytes");
+                const bool isOpen = add(path, "some bytes") && file.open(Ze::ReadOnly) && take(path);
+                failed += !isOpen || bytes(file.readAll()) != "some bytes";
             }
         });
     }
     for (std::thread& thread : threads)
         thread.join();
+    EXPECT_THAT(failures, testing::Each(0));
 }
 
 } // namespace

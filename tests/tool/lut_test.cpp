@@ -31,13 +31,17 @@ Colour squared(Colour in) {
     return {in[0] * in[0], in[1] * in[1], in[2] * in[2]};
 }
 
-/// Formulas as lines of three numbers each, on `levels`.
-std::string lines(const Grade& grade, const std::vector<float>& levels, bool redFastest, int scale = 1) {
+/// Formulas as lines of three numbers each, on `levels`; with the indices before them for .spi3d.
+std::string lines(const Grade& grade, const std::vector<float>& levels, bool redFastest, int scale = 1,
+                  bool indices = false) {
     const size_t n = levels.size();
     std::string text;
     for (size_t i = 0; i < n * n * n; ++i) {
-        const size_t r = redFastest ? i % n : i / n / n, g = i / n % n, b = redFastest ? i / n / n : i % n;
-        for (const float value : grade({levels[r], levels[g], levels[b]}))
+        const size_t first = i / n / n, second = i / n % n, third = i % n;
+        const size_t r = redFastest ? third : first, b = redFastest ? first : third;
+        if (indices)
+            text += std::to_string(r) + " " + std::to_string(second) + " " + std::to_string(b) + " ";
+        for (const float value : grade({levels[r], levels[second], levels[b]}))
             text +=
                 (scale > 1 ? std::to_string(std::lround(value * float(scale))) : numberText(value, 7)) + " ";
         text.back() = '\n';
@@ -92,14 +96,38 @@ protected:
     Clamping m_clamping;
 };
 
+/// The decimal comma of Germany, for all of this process while it lives.
+class GermanLocale {
+public:
+    explicit GermanLocale(const TempDirectory& directory) {
+        const std::string make = "localedef -i de_DE -f UTF-8 '" + (directory / "de_DE.UTF-8") + "' 2>&-";
+        if (std::system(make.c_str()) == 0)
+            setenv("LOCPATH", directory.path().c_str(), 1);
+        try {
+            std::locale::global(std::locale("de_DE.UTF-8"));
+            m_isSet = std::localeconv()->decimal_point == std::string(",");
+        } catch (const std::runtime_error&) {
+        }
+    }
+    ~GermanLocale() {
+        std::locale::global(std::locale::classic());
+        unsetenv("LOCPATH");
+    }
+    bool isSet() const { return m_isSet; }
+
+private:
+    bool m_isSet = false;
+};
+
 } // namespace
 
 TEST_F(Lut, EveryFamilyOfFilesGivesItsTableInEveryLocale) {
     const std::vector<float> even = ::evenLevels(4);
+    const Grade upsideDown = [](Colour in) { return strange({1 - in[0], 1 - in[1], 1 - in[2]}); };
     const Grade doubled = [](Colour in) { return strange({2 * in[0], 2 * in[1], 2 * in[2]}); };
-    const std::string range = "2\n0.0 1.0\n0.0 1.0\n";
+    const std::string ramp[] = {"0.0 ", "0.1111111 ", "0.4444444 ", "1.0 "}, range = "2\n0.0 1.0\n0.0 1.0\n";
     std::string grey;
-    for (const std::string value : {"0.0 ", "0.1111111 ", "0.4444444 ", "1.0 "})
+    for (const std::string& value : ramp)
         grey += value + value + value + "\n";
     // clang-format off
     const struct {
@@ -107,16 +135,23 @@ TEST_F(Lut, EveryFamilyOfFilesGivesItsTableInEveryLocale) {
         std::string bytes;
         Grade grade;
     } cases[] = {
-        {"$HOME %d.CUBE", cube(strange, 4, "TITLE \"0,5\"\n# 0,5\n"), strange},
+        {"3.cube", cube(strange, 4, "TITLE \"0,5\"\n# 0,5\n"), strange},
+        {"$HOME %d.CUBE", cube(strange, 4), strange},
         {"domain.cube", cube(doubled, 7, "DOMAIN_MAX 2 2 2\n"), strange},
         {"1.cube", "LUT_1D_SIZE 4\n" + grey, squared},
+        {"both.cube", "LUT_1D_SIZE 2\nLUT_1D_INPUT_RANGE 0.0 1.0\nLUT_3D_SIZE 4\nLUT_3D_INPUT_RANGE 0.0 1.0\n"
+                      "1 1 1\n0 0 0\n" + lines(strange, even, true), upsideDown},
         {"a.3dl", "0 341 682 1023\n" + lines(strange, even, false, 4095), strange},
         {"a.csp", "CSPLUTV100\n3D\n\nBEGIN METADATA\n1,5\nEND METADATA\n\n" + range + range + range + "\n4 4 4\n" +
                   lines(strange, even, true), strange},
+        {"a.spi1d", "Version 1\nFrom 0.0 1.0\nLength 4\nComponents 1\n{\n" + ramp[0] + "\n" + ramp[1] + "\n" +
+                    ramp[2] + "\n" + ramp[3] + "\n}\n", squared},
+        {"a.spi3d", "SPILUT 1.0\n3 3\n4 4 4\n" + lines(strange, even, false, 1, true), strange},
         {"a.clf", "<?xml version=\"1.0\"?>\n<ProcessList compCLFversion=\"3\" id=\"x\">\n<Description>\n0,5\n"
                   "</Description>\n<LUT3D inBitDepth=\"32f\" outBitDepth=\"32f\">\n<Array dim=\"4 4 4 3\">\n" +
                   lines(strange, even, false) + "</Array>\n</LUT3D>\n</ProcessList>\n", strange},
         {"a.lut", LutFile{even, true, 5, tableOf(strange, even).colours}.bytes(), strange},
+        {"1.lut", LutFile{even, false, 0, {0, 0, 0, 28, 28, 28, 113, 113, 113, 255, 255, 255}}.bytes(), squared},
     };
     // clang-format on
     const auto bakeAll = [&] {
@@ -130,20 +165,26 @@ TEST_F(Lut, EveryFamilyOfFilesGivesItsTableInEveryLocale) {
                   "LUT_3D_SIZE 4\n0.101961 0.000000 1.000000\n");
     };
     bakeAll();
-    const std::string make = "localedef -i de_DE -f UTF-8 '" + (m_streams / "de_DE.UTF-8") + "' 2>&-";
-    if (std::system(make.c_str()) == 0)
-        setenv("LOCPATH", m_streams.path().c_str(), 1);
-    if (!std::setlocale(LC_ALL, "de_DE.UTF-8"))
+    const GermanLocale german(m_streams);
+    if (!german.isSet())
         GTEST_SKIP() << "no locale with a decimal comma: there is none and localedef cannot make one";
-    std::locale::global(std::locale("de_DE.UTF-8"));
     bakeAll();
-    std::locale::global(std::locale::classic());
-    unsetenv("LOCPATH");
 }
 
-TEST_F(Lut, WritesFilesWithLevelsWhereTheyAreAskedFor) {
-    const Grade turned = [](Colour in) { return Colour{in[2], in[0], 1 - in[1]}; };
-    write("in.cube", cube(turned, 2));
+TEST_F(Lut, WritesFilesByteForByte) {
+    write("in.cube", cube(strange, 3));
+    const LutFile three{{0, 0.5f, 1}, true, 0, tableOf(strange, ::evenLevels(3)).colours};
+    ASSERT_EQ(run("lut bake in.cube out.lut --levels 3"), 0) << errorText();
+    EXPECT_EQ(bytesOf("out.lut"), three.bytes());
+    ASSERT_EQ(run("lut bake -y in.cube out.lut --levels-at 0,0.125,1"), 0) << errorText();
+    EXPECT_EQ(bytesOf("out.lut").substr(48, 12), std::string("\0\0\0\0\0\0\0\x3e\0\0\x80\x3f", 12));
+    ASSERT_EQ(run("lut identity 2 two.lut"), 0) << errorText();
+    EXPECT_EQ(bytesOf("two.lut"), (LutFile{{0, 1}}.fill([](size_t i) { return 255 * i; }).bytes()));
+    EXPECT_EQ(outputText() + errorText(), "");
+}
+
+TEST_F(Lut, LevelsLieWhereTheyAreAskedFor) {
+    write("in.cube", cube([](Colour in) { return Colour{in[2], in[0], 1 - in[1]}; }, 2));
     const struct {
         const char* options;
         std::vector<float> levels;
@@ -151,15 +192,19 @@ TEST_F(Lut, WritesFilesWithLevelsWhereTheyAreAskedFor) {
                  {"--levels 65", ::evenLevels(65)},
                  {"--levels 3 --gamma 2", {0, 0.25f, 1}},
                  {"--levels-at 0,0.02,0.1,0.5,1", {0, 0.02f, 0.1f, 0.5f, 1}}};
-    for (const auto& [options, levels] : cases) {
-        ASSERT_EQ(run("lut bake -y in.cube out.lut "s + options), 0) << errorText();
+    for (const auto& c : cases) {
+        ASSERT_EQ(run("lut bake -y in.cube out.lut "s + c.options), 0) << errorText();
         const LutTable table = readLutFile(m_directory / "out.lut");
-        EXPECT_EQ(table.levels, levels);
-        expectNear(table.colours, tableOf(turned, levels).colours, 1);
+        EXPECT_EQ(table.levels, c.levels);
+        expectNear(table.colours,
+                   tableOf(
+                       [](Colour in) {
+                           return Colour{in[2], in[0], 1 - in[1]};
+                       },
+                       c.levels)
+                       .colours,
+                   1);
     }
-    ASSERT_EQ(run("lut identity 2 two.lut"), 0) << errorText();
-    EXPECT_EQ(bytesOf("two.lut"), (LutFile{{0, 1}}.fill([](size_t i) { return 255 * i; }).bytes()));
-    EXPECT_EQ(outputText() + errorText(), "");
 }
 
 TEST_F(Lut, CutsAndCountsWhatLiesOutside) {
@@ -168,11 +213,14 @@ TEST_F(Lut, CutsAndCountsWhatLiesOutside) {
     EXPECT_EQ(errorText(),
               "zebeauty: warning: in.cube: 2 of 24 values lie outside 0 to 1 (-0.5 to 1.5) and were "
               "clamped\n");
-    EXPECT_EQ(bytesOf("out.lut").substr(56, 3), "\0\0\xff"s);
+    const std::vector<uint8_t> colours = readLutFile(m_directory / "out.lut").colours;
+    EXPECT_EQ(std::vector<uint8_t>(colours.begin(), colours.begin() + 3), (std::vector<uint8_t>{0, 0, 255}));
 }
 
 TEST_F(Lut, RefusesWhatIsDamagedWithItsReasonAndWithoutAFile) {
-    const std::string whole = cube(strange, 3);
+    const std::string whole = cube(strange, 3),
+                      clf = "<ProcessList compCLFversion=\"3\" id=\"x\">\n"
+                            "<LUT1D inBitDepth=\"32f\" outBitDepth=\"32f\"><Array dim=\"2 1\">\n0\n";
     const LutFile own{::evenLevels(3), true, 0, tableOf(strange, ::evenLevels(3)).colours};
     std::string version = own.bytes();
     version[8] = 2;
@@ -183,11 +231,16 @@ TEST_F(Lut, RefusesWhatIsDamagedWithItsReasonAndWithoutAFile) {
     } cases[] = {
         {"short.cube", whole.substr(0, whole.rfind('\n', whole.size() - 2) + 1), ".*Found 26, expected 27.*"},
         {"long.cube", whole + "0 0 0\n", ".*Found 28, expected 27.*"},
+        {"word.cube", "LUT_3D_SIZE 2\n0 0 oops\n", ".*At line \\(2\\): '0 0 oops'.*"},
         {"comma.cube", "LUT_3D_SIZE 2\n0 0 0\n0,5 0 0\n", ".*line 3: '0,5' is no finite number.*"},
+        {"nan.cube", "LUT_3D_SIZE 2\nnan 0 0\n", ".*line 2: 'nan' is no.*"},
         {"qnan.cube", "LUT_3D_SIZE 2\n1 0 0 # 1,5\n0 1.#QNAN 0\n", ".*line 3: '1.#QNAN' is no.*"},
         {"huge.cube", "LUT_3D_SIZE 2\n0 1e39 0\n", ".*line 2: '1e39' is no.*"},
         {"empty.cube", "", ".*unspecified.*"},
-        {"inf.clf", "<ProcessList compCLFversion=\"3\">\n<LUT1D><Array dim=\"2 1\">\ninf\n", ".*line 3: 'inf' is no.*"},
+        {"short.spi3d", "SPILUT 1.0\n3 3\n2 2 2\n0 0 0 0 0 0\n", ".*Not enough entries.*"},
+        {"short.3dl", "0 341 682 1023\n0 0 0\n4095 9 9\n", ".*2 element.*"},
+        {"inf.clf", clf + "inf\n</Array></LUT1D></ProcessList>", ".*line 4: 'inf' is no.*"},
+        {"open.clf", clf + "1\n", ".*At line.*"},
         {"text.txt", "no table\n", ".*neither a look-up table.*nor a picture.*"},
         {"version.lut", version, ".*valid LUT file: wrong version.*"},
         {"short.lut", own.bytes().substr(0, 100), ".*valid LUT file: Failed to read lut data!"},
@@ -201,11 +254,12 @@ TEST_F(Lut, RefusesWhatIsDamagedWithItsReasonAndWithoutAFile) {
     for (const auto& c : cases)
         write(c.name, c.bytes);
     std::filesystem::remove(m_directory / "missing.cube");
+    std::filesystem::create_directory(m_directory / "folder.cube");
     const auto before = fileNames();
     const auto expectRefusal = [&](const std::string& name, const std::string& reason) {
-        const std::string render = "render small.png out.png --lut " + name;
-        for (const std::string& arguments : {"lut bake " + name + " out.lut", render}) {
-            if (arguments == render && name == "falling.lut")
+        for (const std::string& arguments :
+             {"lut bake " + name + " out.lut", "render small.png out.png --lut " + name}) {
+            if (name == "falling.lut" && arguments[0] == 'r')
                 continue; // the library draws with it
             EXPECT_EQ(run(arguments), 3) << arguments;
             EXPECT_THAT(errorText(), MatchesRegex("zebeauty: " + name + ": " + reason + "\n")) << arguments;
@@ -216,29 +270,37 @@ TEST_F(Lut, RefusesWhatIsDamagedWithItsReasonAndWithoutAFile) {
         expectRefusal(c.name, c.reason);
     expectRefusal("chart.png", "does not look like a look-up table.*--layout.*");
     expectRefusal("wide.png", "has 512x511 pixels; .*");
+    expectRefusal("folder.cube", "is a directory");
     write("one.lut", LutFile{{0, 1}, false, 0, {0, 0, 0, 1, 1, 1}}.bytes());
     EXPECT_EQ(run("render chart.png out.png --lut one.lut"), 3);
     EXPECT_THAT(errorText(), StartsWith("zebeauty: one.lut: is one-dimensional"));
     for (const char* options :
-         {"out.cube", "out.lut --levels 1", "out.lut --levels 66", "out.lut --gamma 0", "one.lut",
-          "out.lut --levels-at 0,1,1", "out.lut --levels-at 0,x,1", "out.lut --levels 3 --levels-at 0,1"})
+         {"out.cube", "out.lut --levels 1", "out.lut --levels 66", "out.lut --gamma 0",
+          "out.lut --levels-at 0,1,1", "out.lut --levels-at 0,x,1", "out.lut --levels-at 0,0.5",
+          "out.lut --levels 3 --levels-at 0,1", "one.lut", "out.lut --layout tiles"})
         EXPECT_EQ(run("lut bake short.cube "s + options), 2) << options;
 }
 
 TEST_F(Lut, TellsTheTwoKindsOfPicturesApart) {
     const Grade soft = [](Colour in) { return Colour{0.5f * in[1] + 0.5f * in[0], in[1], in[2] * in[2]}; };
     using enum PictureLayout;
-    for (const int root : {2, 3, 8})
-        for (const PictureLayout layout : {lookup, hald}) {
-            const Picture picture = pictureOf(soft, root, layout);
-            const LutTable expected = tableOf(soft, ::evenLevels(size_t(root * root)));
-            EXPECT_EQ(tableFromPicture(picture, automatic).colours, expected.colours) << root;
-            EXPECT_EQ(tableFromPicture(picture, layout).colours, expected.colours) << root;
-            EXPECT_NE(tableFromPicture(picture, layout == hald ? lookup : hald).colours, expected.colours);
-        }
+    for (const int root : {2, 3, 4, 8})
+        for (const PictureLayout layout : {lookup, hald})
+            for (const Grade& grade : {soft, Grade(squared)}) {
+                const Picture picture = pictureOf(grade, root, layout);
+                const LutTable expected = tableOf(grade, ::evenLevels(size_t(root * root)));
+                EXPECT_EQ(tableFromPicture(picture, automatic).colours, expected.colours) << root;
+                EXPECT_EQ(tableFromPicture(picture, layout).colours, expected.colours) << root;
+                EXPECT_NE(tableFromPicture(picture, layout == hald ? lookup : hald).colours,
+                          expected.colours);
+            }
     write("in.png", pictureOf(soft, 8, hald));
-    ASSERT_EQ(run("lut bake in.png out.lut --levels 64 --layout hald"), 0) << errorText();
-    EXPECT_EQ(readLutFile(m_directory / "out.lut").colours, tableOf(soft, ::evenLevels(64)).colours);
+    ASSERT_EQ(run("lut bake in.png auto.lut --levels 64 && '" ZEBEAUTY
+                  "' lut bake in.png hald.lut --levels 64 --layout hald"),
+              0);
+    EXPECT_EQ(bytesOf("auto.lut"),
+              (LutFile{::evenLevels(64), true, 0, tableOf(soft, ::evenLevels(64)).colours}.bytes()));
+    EXPECT_EQ(bytesOf("auto.lut"), bytesOf("hald.lut"));
 }
 
 TEST_F(Lut, InfoMeasuresTheDistanceFromIdentity) {
@@ -251,6 +313,11 @@ TEST_F(Lut, InfoMeasuresTheDistanceFromIdentity) {
     EXPECT_EQ(outputText(), "version: 1\nlevels: 2, uniform\ndimension: 3\n"
                             "largest difference from identity: 12 of 255, at input 1 0 1\n"
                             "mean difference from identity: 0.750 of 255\n");
+    ASSERT_EQ(run("lut info --json a.lut"), 0) << errorText();
+    EXPECT_EQ(outputText(),
+              "{\"version\": 1, \"levels\": 2, \"uniform\": true, \"levelValues\": [0, 1], "
+              "\"dimension\": 3, \"largestDifference\": 12, \"largestDifferenceAt\": [1, 0, 1], "
+              "\"meanDifference\": 0.750}\n");
     write("b.lut",
           LutFile{{std::nanf(""), 0.5f, 0.25f}, false, 0, {0, 0, 0, 128, 128, 128, 64, 64, 67}}.bytes());
     ASSERT_EQ(run("lut info --json b.lut"), 0) << errorText();
@@ -262,13 +329,14 @@ TEST_F(Lut, InfoMeasuresTheDistanceFromIdentity) {
 }
 
 TEST_F(Lut, ExportComesBackTheSame) {
-    for (const bool isThreeDimensional : {true, false}) {
-        LutFile file{::evenLevels(33), isThreeDimensional};
-        write("a.lut", file.fillWithNoise().bytes());
-        ASSERT_EQ(run("lut export -y a.lut a.cube"), 0) << errorText();
-        EXPECT_EQ(errorText(), "");
-        expectNear(baked("a.cube", file.levels).colours, baked("a.lut", file.levels).colours, 0);
-    }
+    for (const size_t n : {2u, 17u, 65u})
+        for (const bool isThreeDimensional : {true, false}) {
+            LutFile file{::evenLevels(n), isThreeDimensional};
+            write("a.lut", file.fillWithNoise().bytes());
+            ASSERT_EQ(run("lut export -y a.lut a.cube"), 0) << errorText();
+            EXPECT_EQ(errorText(), "");
+            expectNear(baked("a.cube", file.levels).colours, baked("a.lut", file.levels).colours, 0);
+        }
     write("a.lut", LutFile{{0, 0.25f, 1}, true, 0, tableOf(strange, {0, 0.25f, 1}).colours}.bytes());
     ASSERT_EQ(run("lut export -y a.lut a.cube"), 0);
     EXPECT_EQ(errorText(),
@@ -288,14 +356,6 @@ protected:
         write("raw.png", slow);
         ASSERT_EQ(run("render raw.png in.png --smooth 0 --whiten 0"), 0) << errorText();
         write("a.cube", cube(softened, 17));
-        Picture expected = read("in.png");
-        for (size_t i = 0; i < expected.rgb.size(); i += 3) {
-            uint8_t* const c = &expected.rgb[i];
-            const Colour colour = softened({float(c[0]) / 255, float(c[1]) / 255, float(c[2]) / 255});
-            for (size_t k = 0; k < 3; ++k)
-                c[k] = uint8_t(std::lround(255 * colour[k]));
-        }
-        write("graded.png", expected);
     }
 
     static Colour softened(Colour in) {
@@ -315,23 +375,42 @@ protected:
     }
 };
 
-TEST_F(Graded, ByTheTableAndWithTheEffectsInTheOrderOfTheCommandLine) {
-    render("none.png --smooth 0 --whiten 0");
+TEST_F(Graded, AsFfmpegGrades) {
+    if (std::system("ffmpeg -version >/dev/null 2>&1") != 0)
+        GTEST_SKIP() << "there is no ffmpeg";
+    const std::string filter = "cd '" + m_directory.path() +
+                               "' && ffmpeg -v error -i in.png -vf "
+                               "lut3d=a.cube:interp=trilinear -pix_fmt rgb24 graded.png";
+    ASSERT_EQ(std::system(filter.c_str()), 0);
+    // The same way through a frame as the tool's own grading.
     ASSERT_EQ(run("render graded.png expected.png --smooth 0 --whiten 0"), 0) << errorText();
+    ASSERT_EQ(run("lut bake a.cube even.lut --levels 17 && '" ZEBEAUTY
+                  "' lut bake a.cube dense.lut --levels 65 --gamma 1.5"),
+              0);
+    for (const char* lut : {"a.cube", "even.lut", "dense.lut"}) {
+        render("out.png --lut "s + lut);
+        EXPECT_LT(meanDifference("out.png", "expected.png"), 1) << lut;
+    }
+    EXPECT_GT(meanDifference("in.png", "expected.png"), 20);
+}
+
+TEST_F(Graded, EffectsRunInTheOrderOfTheCommandLine) {
+    render("none.png --smooth 0 --whiten 0");
     render("lut.png --lut a.cube");
     render("white.png --whiten 1 --smooth 0");
     const auto expectSame = [&](const std::string& options, const std::string& expected) {
         render("out.png " + options);
         EXPECT_LT(meanDifference("out.png", expected), 1.5) << options;
     };
-    ASSERT_EQ(run("render lut.png lutwhite.png --smooth 0 --whiten 1"), 0) << errorText();
-    ASSERT_EQ(run("render white.png whitelut.png --lut a.cube"), 0) << errorText();
+    ASSERT_EQ(run("render lut.png lutwhite.png --smooth 0 --whiten 1 && '" ZEBEAUTY
+                  "' render white.png whitelut.png --lut a.cube"),
+              0);
     EXPECT_GT(meanDifference("lutwhite.png", "whitelut.png"), 10);
     expectSame("--lut a.cube --smooth 0 --whiten 1", "lutwhite.png");
     expectSame("--smooth 0 --whiten 1 --lut a.cube", "whitelut.png");
     expectSame("--whiten 1 --lut a.cube --smooth 0", "whitelut.png");
+    expectSame("--lut a.cube --whiten 0 --smooth 0", "lut.png");
     expectSame("--lut a.cube --intensity 0", "none.png");
-    expectSame("--lut a.cube", "expected.png");
     render("half.png --lut a.cube --intensity 0.5");
     EXPECT_NEAR(meanDifference("half.png", "none.png"), meanDifference("lut.png", "none.png") / 2, 1);
 }
