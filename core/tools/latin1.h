@@ -1,4 +1,4 @@
-// The conversions between units and Latin-1 characters, eight at a step.
+// The conversions between units and Latin-1 characters, sixteen at a step.
 
 #pragma once
 

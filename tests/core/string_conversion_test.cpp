@@ -32,7 +32,7 @@ TEST(Ucs4, SubstitutesWhatIsNoCodePoint) {
     EXPECT_THAT(std::vector<char32_t>(out.begin(), out.end()), testing::ElementsAre(0xFFFD, 0xFFFD, 0x10001));
 }
 
-TEST(Latin1, EightAtAStepIsTheUnitRule) {
+TEST(Latin1, SixteenAtAStepIsTheUnitRule) {
     for (int size = 0; size <= 34; ++size) {
         for (int odd = 0; odd <= size; ++odd) { // where the unit stands that Latin-1 lacks
             std::vector<CZeChar> units;
