@@ -14,7 +14,6 @@
 #include "log/log_stream.h"
 
 namespace ze {
-
 namespace {
 
 constexpr int kNV21 = 1;

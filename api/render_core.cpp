@@ -10,7 +10,6 @@
 #include <stdlib.h> // posix_memalign
 
 namespace ze {
-
 namespace {
 
 constexpr size_t kStagingAlignment = 64;

@@ -36,7 +36,7 @@ struct ZecRenderCore {
 
 namespace ze {
 
-/// Whether textures and staging buffer exist for frames of this size and format. The colour description does
+/// Whether textures and staging buffer exist for frames of this size and format. The color description does
 /// not matter: the same textures serve all.
 bool isConfiguredFor(const ZecRenderCore& core, int pixelFormat, int width, int height);
 

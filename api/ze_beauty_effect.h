@@ -40,7 +40,7 @@ ZE_EXPORT ZecRenderCore* ZecCreateRenderCore() noexcept;
 /// again and then destroyed together with its draw surface; EGL defers that until it stops being current.
 ZE_EXPORT bool ZecDestroyRenderCore(ZecRenderCore* core) noexcept;
 
-/// Makes an effect: `type` 0 is the beauty effect (skin smoothing and whitening), 1 the colour look-up table.
+/// Makes an effect: `type` 0 is the beauty effect (skin smoothing and whitening), 1 the color look-up table.
 /// Any other type gives a handle without an effect, which `ZecRender` skips. Never null. A new effect is
 /// inactive until its parameters are set. `ZecDestoryEffect` frees it.
 ZE_EXPORT ZecEffect* ZecCreateEffect(int type) noexcept;
@@ -48,7 +48,7 @@ ZE_EXPORT ZecEffect* ZecCreateEffect(int type) noexcept;
 /// Frees `handle` and its effect, and returns true. Call it while an EGL context is current on this thread,
 /// which is the core's after `ZecRender`; without one the log says "There is no opengl context", the result
 /// is false and nothing is freed. The current context and its draw surface are destroyed, as EGL does it:
-/// once they stop being current. `handle` must not be null. The name is spelt this way on purpose.
+/// once they stop being current. `handle` must not be null. The name is spelled this way on purpose.
 ZE_EXPORT bool ZecDestoryEffect(ZecEffect* handle) noexcept;
 
 /// Sets the two amounts of a beauty effect; they hold from the next frame on. Both are meant to lie in 0 to 1
@@ -58,8 +58,8 @@ ZE_EXPORT bool ZecDestoryEffect(ZecEffect* handle) noexcept;
 /// handle without an effect and a type other than 0.
 ZE_EXPORT bool ZecSetBeautyParams(ZecEffect* handle, float mixFactor, float whitenFactor) noexcept;
 
-/// Names the file of a colour look-up-table effect (docs/lut.md has its format), a path in UTF-8, and sets
-/// how much of the graded colour is mixed in from the next frame on. `intensity` is meant to lie in 0 to 1
+/// Names the file of a color look-up-table effect (docs/lut.md has its format), a path in UTF-8, and sets
+/// how much of the graded color is mixed in from the next frame on. `intensity` is meant to lie in 0 to 1
 /// and goes to the shader as it is; the effect is active when it is >= 0.001, compared as doubles. The first
 /// path that is not empty stays: each later call sets the intensity alone, and the log says "Lut path is
 /// already setted.".
@@ -80,8 +80,8 @@ ZE_EXPORT bool ZecSetLutParams(ZecEffect* handle, const std::string& lutPath, fl
 /// range. `width`, `height`: pixels, 1 to GL_MAX_TEXTURE_SIZE; 0 and less is refused without a message.
 /// `extra` is recorded and has no effect.
 ///
-/// Pitches are at least a row's bytes. The output and the plain copy honour any; with an active effect the
-/// input's pitch is honoured when it is the row size rounded up to 1, 2, 4 or 8 bytes, and more padding
+/// Pitches are at least a row's bytes. The output and the plain copy honor any; with an active effect the
+/// input's pitch is honored when it is the row size rounded up to 1, 2, 4 or 8 bytes, and more padding
 /// shears the picture. `input` and `output` may share memory when their pitches are the same. When some
 /// entries of `effects` are inactive and others active, `output` receives what the last complete chain left
 /// behind, or undefined content after a change of size or format: hand over active effects only.

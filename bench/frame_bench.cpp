@@ -9,8 +9,8 @@
 #include "gl/egl_context.h"
 #include "tests/support/lut_file.h"
 #include "tests/support/temp_directory.h"
-#include "tool/chart.h"
-#include "tool/headless.h"
+#include "tool/chart/chart.h"
+#include "tool/render/headless.h"
 
 #include <algorithm>
 #include <chrono>

@@ -16,7 +16,7 @@ struct Contender {
 /// Adds the benchmark `work`. Its counters are the median time of `library` in microseconds and, for each
 /// baseline, the median of the baseline's time divided by the library's: above 1 the library is the faster
 /// one. All take turns of about two milliseconds, each after one call to warm up, and a ratio is taken
-/// between neighbours in time, so that it does not follow the load of the machine.
+/// between neighbors in time, so that it does not follow the load of the machine.
 void addComparison(const std::string& work, std::function<void()> library,
                    const std::vector<Contender>& baselines);
 

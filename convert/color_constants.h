@@ -1,4 +1,4 @@
-// The numbers of both colour conversions, per colour description.
+// The numbers of both color conversions, per color description.
 //
 // They follow from the luma weights of ITU-R BT.601 and BT.709, rounded to five decimals. Luma spans the
 // codes 0 to 255 in full range and 16 to 235 in video range; chroma reaches 127 or 112 codes to either side

@@ -5,13 +5,11 @@
 #include <initializer_list>
 
 namespace ze {
-
 namespace {
 
 void deletePlaneTextures(ColorConverter& converter) {
-    for (GLuint* texture : {&converter.lumaTexture, &converter.chromaTexture, &converter.packedTexture}) {
+    for (GLuint* texture : {&converter.lumaTexture, &converter.chromaTexture, &converter.packedTexture})
         discardTexture(*texture);
-    }
 }
 
 } // namespace

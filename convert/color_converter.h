@@ -32,12 +32,12 @@ struct RgbToYuvProgram {
     GLint sPerHalfTexel = -1;
 };
 
-/// The colour-conversion object of a render core. Made without any GL call. Use it on the thread that has the
+/// The color-conversion object of a render core. Made without any GL call. Use it on the thread that has the
 /// core's context current.
 struct ColorConverter {
     uint32_t planeWidth = 0; ///< Frame size in pixels that the three textures were made for.
     uint32_t planeHeight = 0;
-    int32_t yuvToRgbStandard = -1; ///< The colour description whose uniforms the YUV to RGB program holds.
+    int32_t yuvToRgbStandard = -1; ///< The color description whose uniforms the YUV to RGB program holds.
     int32_t yuvToRgbRange = -1;
     int32_t rgbToYuvStandard = -1; ///< The same for the RGB to YUV program.
     int32_t rgbToYuvRange = -1;

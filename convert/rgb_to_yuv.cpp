@@ -7,14 +7,13 @@
 #include "gl/target.h"
 
 namespace ze {
-
 namespace {
 
-// Texel centres of the source around the centre of one packed texel:
+// Texel centers of the source around the center of one packed texel:
 //
 //         left          right
 //     +----------+----------+
-//     |    2k    o  2k + 1  |      o = texCoord; each pixel centre lies half a texel beside it
+//     |    2k    o  2k + 1  |      o = texCoord; each pixel center lies half a texel beside it
 //     +----------+----------+
 constexpr char kFragmentShader[] = R"glsl(
 varying highp vec2 texCoord;

@@ -7,7 +7,6 @@
 #include "gl/target.h"
 
 namespace ze {
-
 namespace {
 
 constexpr char kVertexShader[] = R"glsl(

@@ -14,7 +14,7 @@ TextureSpan chromaSpan(uint32_t width, uint32_t height);
 
 /// Uploads `input` and draws it as RGB into `targetTexture`, an RGBA texture of `width` × `height`.
 /// `colorStandard` 0 is BT.601, any other value BT.709; `colorRange` 1 is full range, any other value video.
-/// Needs the core's frame buffer bound; leaves it without a colour target and both texture units empty, unit
+/// Needs the core's frame buffer bound; leaves it without a color target and both texture units empty, unit
 /// 0 active. False when a texture or the program cannot be made; the next call tries again. GL errors and
 /// failed uploads are logged and do not stop the pass. Call on the thread that has the core's context
 /// current.

@@ -3,7 +3,6 @@
 #include "log/log_stream.h"
 
 namespace ze {
-
 namespace {
 
 // clang-format off

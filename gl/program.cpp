@@ -4,7 +4,6 @@
 #include "log/log_stream.h"
 
 namespace ze {
-
 namespace {
 
 constexpr GLsizei kInfoLogSize = 4096;

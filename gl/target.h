@@ -13,13 +13,13 @@ void bindWithFilter(GLuint texture, GLint filter);
 /// Clamps the texture bound to the active unit at its edges, in both directions.
 void clampBoundTexture();
 
-/// Attaches `texture` as the colour target of the bound frame buffer. 0 detaches.
+/// Attaches `texture` as the color target of the bound frame buffer. 0 detaches.
 void attachTarget(GLuint texture);
 
 /// Binds `texture` with GL_NEAREST, attaches it, checks, and clears it. `detachTarget` undoes the attachment.
 void attachAndClear(GLuint texture);
 
-/// Leaves the bound frame buffer without a colour target.
+/// Leaves the bound frame buffer without a color target.
 void detachTarget();
 
 } // namespace ze

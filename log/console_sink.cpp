@@ -7,7 +7,6 @@
 #include <cstdio>
 
 namespace ze {
-
 namespace {
 
 int priorityOf(int level) {

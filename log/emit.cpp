@@ -9,7 +9,6 @@
 #include <string>
 
 namespace ze {
-
 namespace {
 
 constexpr int kBufferSize = 1024; // of a prefix and of a formatted message, with the final zero

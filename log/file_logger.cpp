@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 namespace ze {
-
 namespace {
 
 /// While lines follow each other closely the writer lets them gather for so long. Taken one by one, each

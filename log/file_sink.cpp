@@ -10,7 +10,6 @@
 #include <thread>
 
 namespace ze {
-
 namespace {
 
 // Null until it is first used, then the logger, and gone() after the end.

@@ -7,7 +7,6 @@
 #include <string>
 
 namespace ze {
-
 namespace {
 
 /// Makes the directory for the file as well. Empty when there is no root directory.

@@ -2,7 +2,7 @@
 
 #include "tool/commands.h"
 #include "tool/errors.h"
-#include "tool/headless.h"
+#include "tool/render/headless.h"
 
 #include <iostream>
 

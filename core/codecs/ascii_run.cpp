@@ -179,10 +179,9 @@ int ze::widenAsciiRun(const char* bytes, int count, CZeChar* units) {
     int done = 0;
     while (count - done >= kBlock && widenBlock(bytes + done, units + done))
         done += kBlock;
-    for (; count - done >= kStep; done += kStep) {
+    for (; count - done >= kStep; done += kStep)
         if (const NonAscii mask = widenStep(bytes + done, units + done))
             return done + std::countr_zero(mask) / kBitsPerLane;
-    }
     for (; done < count && isAscii(bytes[done]); ++done)
         units[done] = CZeChar(bytes[done]);
     return done;
@@ -192,10 +191,9 @@ int ze::narrowAsciiRun(const CZeChar* units, int count, char* bytes) {
     int done = 0;
     while (count - done >= kBlock && narrowBlock(units + done, bytes + done))
         done += kBlock;
-    for (; count - done >= kStep; done += kStep) {
+    for (; count - done >= kStep; done += kStep)
         if (const NonAscii mask = narrowStep(units + done, bytes + done))
             return done + std::countr_zero(mask) / kBitsPerLane;
-    }
     for (; done < count && isAscii(units[done]); ++done)
         bytes[done] = units[done].toLatin1();
     return done;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kDirectory = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
-/// What a directory is recognised by.
+/// What a directory is recognized by.
 struct Identity {
     dev_t device = 0;
     ino_t inode = 0;
@@ -47,10 +47,9 @@ std::vector<std::string> entriesOf(int directory) {
     DIR* const stream = copy < 0 ? nullptr : fdopendir(copy);
     if (!stream)
         return entries;
-    while (const dirent* const entry = readdir(stream)) {
+    while (const dirent* const entry = readdir(stream))
         if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
             entries.emplace_back(entry->d_name);
-    }
     closedir(stream);
     return entries;
 }

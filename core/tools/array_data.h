@@ -29,7 +29,7 @@ struct ZE_EXPORT SZeArrayData {
     /// The block of null containers. The second header is zero and terminates the first one's elements.
     static SZeArrayData shared_null[2];
 
-    /// Makes a block for `capacity` elements with one owner and size 0, contents uninitialised.
+    /// Makes a block for `capacity` elements with one owner and size 0, contents uninitialized.
     /// `alignment` is that of the elements, a power of two; anything below 8 counts as 8. A capacity of 0
     /// gives the static empty block, or the static non-shared one with `NonShared`, and allocates nothing
     /// unless `HeaderOnly` is set. Null when there is no memory or the block would pass 2^31 − 1 bytes.

@@ -54,7 +54,7 @@ public:
     /// The same for writing.
     char& operator[](int index) { return data()[index]; }
 
-    /// Sets the size; a negative one counts as 0, new bytes are uninitialised. Growth is geometric; the block
+    /// Sets the size; a negative one counts as 0, new bytes are uninitialized. Growth is geometric; the block
     /// shrinks only when the new size falls below half of its capacity and no capacity was reserved.
     void resize(int size) { m_array.resize(size); }
     /// Cuts the array to `size` bytes when it is longer.

@@ -6,7 +6,6 @@
 #include <cstring>
 
 namespace ze {
-
 namespace {
 
 constexpr struct {
@@ -33,10 +32,9 @@ constexpr struct {
 } // namespace
 
 CZeString errorText(int code) {
-    for (const auto& known : kTexts) {
+    for (const auto& known : kTexts)
         if (known.code == code)
             return CZeString::fromLocal8Bit(known.text);
-    }
     char buffer[256] = "";
     return CZeString::fromLocal8Bit(textOf(strerror_r(code, buffer, sizeof buffer), buffer)).trimmed();
 }

@@ -60,10 +60,9 @@ public:
     friend bool operator==(const CZeList& l, const CZeList& r) {
         if (l.size() != r.size())
             return false;
-        for (int i = 0; i < l.size(); ++i) {
+        for (int i = 0; i < l.size(); ++i)
             if (!(l[i] == r[i]))
                 return false;
-        }
         return true;
     }
     friend bool operator!=(const CZeList& l, const CZeList& r) { return !(l == r); }

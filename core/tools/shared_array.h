@@ -161,7 +161,7 @@ public:
         return true;
     }
 
-    /// Sets the size to `count`, below 0 to 0; new units are uninitialised. The block shrinks when the new
+    /// Sets the size to `count`, below 0 to 0; new units are uninitialized. The block shrinks when the new
     /// size falls below half of its capacity and none was reserved.
     bool resize(int count) {
         count = std::max(count, 0);

@@ -64,21 +64,19 @@ CZeString CZeString::rightJustified(int width, CZeChar fill, bool truncate) cons
 
 CZeString CZeString::toHtmlEscaped() const {
     int64_t length = size();
-    for (const CZeChar unit : *this) {
+    for (const CZeChar unit : *this)
         if (const char* const escape = htmlEscape(unit))
             length += int64_t(std::strlen(escape)) - 1;
-    }
     if (length == size())
         return *this;
     CZeString result;
     if (length > INT32_MAX || (result = CZeString(int(length), Ze::Uninitialized)).size() != length)
         return {};
     CZeChar* out = result.data();
-    for (const CZeChar unit : *this) {
+    for (const CZeChar unit : *this)
         if (const char* const escape = htmlEscape(unit))
             out = std::copy_n(escape, std::strlen(escape), out);
         else
             *out++ = unit;
-    }
     return result;
 }

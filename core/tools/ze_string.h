@@ -91,7 +91,7 @@ public:
 
     // Storage
 
-    /// Sets the size; a negative one counts as 0, new units are uninitialised. Growth is geometric; the block
+    /// Sets the size; a negative one counts as 0, new units are uninitialized. Growth is geometric; the block
     /// shrinks only when the new size falls below half of its capacity and no capacity was reserved.
     void resize(int size) { m_array.resize(size); }
     /// The same with `fill` in every new unit.

@@ -8,7 +8,6 @@
 #include "gl/texture.h"
 
 namespace ze {
-
 namespace {
 
 constexpr double kActiveThreshold = 0.001;

@@ -9,7 +9,7 @@
 
 namespace ze {
 
-/// A separable, edge-preserving blur that is blended over the frame where a colour model finds skin or lips
+/// A separable, edge-preserving blur that is blended over the frame where a color model finds skin or lips
 /// at mid-range brightness, and a whitening that lifts the whole frame. Two draws per frame. Construction
 /// makes no GL call. Render and destroy it on the thread that has the core's context current.
 class BeautyEffect {
@@ -29,7 +29,7 @@ public:
     bool isInactive() const;
 
     /// Draws `sourceTexture` with the effect into `targetTexture`; two different RGBA textures of `width` ×
-    /// `height`. Needs the core's frame buffer bound; leaves it without a colour target, unit 0 active and
+    /// `height`. Needs the core's frame buffer bound; leaves it without a color target, unit 0 active and
     /// the intermediate texture bound to unit 1. False when a program or the intermediate texture cannot be
     /// made; nothing is drawn then and the next call tries again. GL errors are logged and do not stop it.
     bool render(GLuint sourceTexture, uint32_t width, uint32_t height, GLuint targetTexture);
@@ -67,7 +67,7 @@ private:
     uint32_t m_intermediateHeight = 0;
     float m_mixFactor = 0.0f;
     float m_whitenFactor = 0.0f;
-    /// A normalised Gaussian of sigma 1.5 over the taps -3 to +3.
+    /// A normalized Gaussian of sigma 1.5 over the taps -3 to +3.
     std::array<GLfloat, 7> m_gaussianWeights = {
         0.03663284704089165f, 0.11128076165914536f, 0.21674533188343048f, 0.270682156085968f,
         0.21674533188343048f, 0.11128076165914536f, 0.03663284704089165f};

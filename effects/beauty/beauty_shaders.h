@@ -1,12 +1,12 @@
 // The two programs of the beauty effect, as GLSL ES 1.00.
 //
-// Both filters take seven taps along one axis, three on each side of the centre:
+// Both filters take seven taps along one axis, three on each side of the center:
 //
 //     blurTexCoords   [0]   [1]   [2]   [3]   [4]   [5]   [6]
 //     distance         -3    -2    -1     0    +1    +2    +3      steps of blurTexelSampleStep
 //
-// A tap weighs by its distance (gaussianWeight) and by how near its luma is to the centre's: with a
-// distanceNormalizationFactor of 4 a luma difference of 0.25 or more leaves it out. The centre always counts.
+// A tap weighs by its distance (gaussianWeight) and by how near its luma is to the center's: with a
+// distanceNormalizationFactor of 4 a luma difference of 0.25 or more leaves it out. The center always counts.
 
 #pragma once
 
@@ -127,7 +127,7 @@ const mediump mat3 matRgbToYuv = mat3(
     0.0722, 0.436, -0.05639 * (0.436 / 0.615));
 const lowp vec4 lumaCoeff = vec4(0.2126, 0.7152, 0.0722, 0.0); // BT.709
 
-// Colour models in the U-V plane: mean and inverse covariance of a Gaussian each.
+// Color models in the U-V plane: mean and inverse covariance of a Gaussian each.
 const lowp vec2 skinMean = vec2(-0.055528433718798, 0.071547389444263);
 const mediump mat2 skinCovInv = mat2(4.690967914534308e+03, 2.655776801323897e+03,
                                      2.655776801323897e+03, 2.363170007433643e+03);
@@ -200,7 +200,7 @@ void main()
 
     lowp vec4 blurColor = blurColorSum / blurWeightSum;
 
-    // How likely is skin, lip or hair here? Asked of a mostly blurred colour, so that noise does not decide.
+    // How likely is skin, lip or hair here? Asked of a mostly blurred color, so that noise does not decide.
     lowp vec3 testColor = mix(originalColor.rgb, blurColor.rgb, 0.8);
     lowp vec3 yuvColor = matRgbToYuv * testColor;
     lowp vec2 skinBias = yuvColor.yz - skinMean;

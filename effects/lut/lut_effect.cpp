@@ -11,7 +11,6 @@
 #include "log/log_stream.h"
 
 namespace ze {
-
 namespace {
 
 constexpr double kActiveThreshold = 0.001;

@@ -1,4 +1,4 @@
-// Colour grading through a look-up table.
+// Color grading through a look-up table.
 
 #pragma once
 
@@ -12,7 +12,7 @@
 
 namespace ze {
 
-/// Recolours a frame through the three-dimensional table of a LUT file, blended with the source. One draw per
+/// Recolors a frame through the three-dimensional table of a LUT file, blended with the source. One draw per
 /// frame. Construction makes no GL call and reads nothing: the first draw loads the file. Draw and destroy it
 /// on the thread that has the core's context current.
 class CLutEffect {
@@ -24,7 +24,7 @@ public:
     /// Deletes the texture and the programs.
     ~CLutEffect();
 
-    /// Stores how much of the graded colour is mixed in from the next draw on: meant for 0 to 1, not clamped.
+    /// Stores how much of the graded color is mixed in from the next draw on: meant for 0 to 1, not clamped.
     /// Stores the path of the LUT file too, unless there is one already: that one stays, and the log says
     /// "Lut path is already setted.", also when both are the same.
     void setParams(const CZeString& path, float intensity);
@@ -35,7 +35,7 @@ public:
 
     /// Draws `sourceTexture` through the table into `targetTexture`; two different RGBA textures of `width` ×
     /// `height`. Alpha is kept, and scales the intensity. Needs the core's frame buffer bound and unit 0
-    /// active; leaves it without a colour target and the table's texture bound to unit 1.
+    /// active; leaves it without a color target and the table's texture bound to unit 1.
     ///
     /// False, with the reason in the log, when the table cannot be loaded or the program not be built;
     /// nothing is drawn then and the next call tries again. GL errors are logged and do not stop it.

@@ -11,7 +11,6 @@
 #include <stdlib.h> // posix_memalign
 
 namespace ze {
-
 namespace {
 
 constexpr size_t kSignatureSize = 8;

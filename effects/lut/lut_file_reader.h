@@ -1,4 +1,4 @@
-// The reader of LUT files: the levels and colours of a look-up table.
+// The reader of LUT files: the levels and colors of a look-up table.
 
 #pragma once
 
@@ -18,21 +18,21 @@ namespace ze {
 class CLutFileReader {
 public:
     /// Reads the file at `path` and closes it. Ask `isValid` what came of it. Five failures are logged:
-    /// a file that cannot be opened, a wrong signature, a header, levels or colours that end early. Others
+    /// a file that cannot be opened, a wrong signature, a header, levels or colors that end early. Others
     /// are silent: a file that ends before its version does, a wrong version, a reserved field that is not 0,
-    /// a level count out of range, an offset that cannot be sought, no memory for the colours.
+    /// a level count out of range, an offset that cannot be sought, no memory for the colors.
     explicit CLutFileReader(const CZeString& path) noexcept;
 
-    /// Everything has been read. Otherwise there are neither levels nor colours.
+    /// Everything has been read. Otherwise there are neither levels nor colors.
     bool isValid() const { return !m_levelValues.empty(); }
 
     CZeString path() const { return m_path; }
     uint32_t version() const { return m_version; } ///< 0 when nothing was read
     bool isThreeDimensional() const { return m_isThreeDimensional; }
     uint32_t levelCount() const { return uint32_t(m_levelValues.size()); }
-    /// `levelCount` values; null when there are none. They live as long as the reader, as do the colours.
+    /// `levelCount` values; null when there are none. They live as long as the reader, as do the colors.
     const float* levelValues() const { return m_levelValues.empty() ? nullptr : m_levelValues.data(); }
-    /// The colours as the file has them, on a multiple of 64 bytes; null when there are none.
+    /// The colors as the file has them, on a multiple of 64 bytes; null when there are none.
     const uint8_t* colorData() const { return m_colorData.get(); }
 
 private:

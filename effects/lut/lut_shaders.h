@@ -6,15 +6,15 @@
 //     u   g0 b0 … bN-1 | g1 b0 … bN-1 | … | gN-1 b0 … bN-1      texelSize1D = 1/N wide each, N texels
 //     v   r
 //
-// The sampler interpolates between rows (red) and within a run (blue); green takes two neighbouring runs and
-// mixes them. A colour is therefore looked up as three coordinates on an axis of N texels, each between the
-// centres of the first and the last: the runs of a row do not mix.
+// The sampler interpolates between rows (red) and within a run (blue); green takes two neighboring runs and
+// mixes them. A color is therefore looked up as three coordinates on an axis of N texels, each between the
+// centers of the first and the last: the runs of a row do not mix.
 
 #pragma once
 
 namespace ze {
 
-// Levels 0, 1/(N-1), …, 1: rgbToTexCoordRatio = (N-1)/N and half a texel lead from a colour to its
+// Levels 0, 1/(N-1), …, 1: rgbToTexCoordRatio = (N-1)/N and half a texel lead from a color to its
 // coordinates.
 inline constexpr char kLutRatioFragmentShader[] = R"glsl(
 varying highp vec2 texCoord;
@@ -45,7 +45,7 @@ void main()
 )glsl";
 
 // Any levels: texCoordLut1D has the coordinate of each of the 256 values of a channel. Indexing it by a
-// colour and its size go beyond what every OpenGL ES 2.0 device has to offer a fragment shader.
+// color and its size go beyond what every OpenGL ES 2.0 device has to offer a fragment shader.
 inline constexpr char kLutMappedFragmentShader[] = R"glsl(
 varying highp vec2 texCoord;
 

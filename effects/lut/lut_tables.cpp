@@ -5,12 +5,11 @@
 #include <cstring>
 
 namespace ze {
-
 namespace {
 
 constexpr float kUniformTolerance = 1.0f / 512.0f;
 
-float texelCentre(size_t index, size_t count) {
+float texelCenter(size_t index, size_t count) {
     return (float(index) + 0.5f) / float(count);
 }
 
@@ -41,18 +40,18 @@ void fillCoordinateMap(std::span<const float> levels, LutCoordinateMap& map) {
         while (x > levels[j]) {
             if (j + 1 == count) {
                 // Behind the last level. Entry 255 is left out, and keeps what it holds.
-                std::fill(map.begin() + ptrdiff_t(k), map.end() - 1, texelCentre(count - 1, count));
+                std::fill(map.begin() + ptrdiff_t(k), map.end() - 1, texelCenter(count - 1, count));
                 return;
             }
             ++j;
         }
-        const float centre = texelCentre(j, count);
+        const float center = texelCenter(j, count);
         if (x == levels[j] || j == 0) {
-            map[k] = centre;
+            map[k] = center;
             continue;
         }
-        const float before = texelCentre(j - 1, count);
-        map[k] = before + (x - levels[j - 1]) / (levels[j] - levels[j - 1]) * (centre - before);
+        const float before = texelCenter(j - 1, count);
+        map[k] = before + (x - levels[j - 1]) / (levels[j] - levels[j - 1]) * (center - before);
     }
 }
 

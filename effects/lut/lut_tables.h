@@ -1,4 +1,4 @@
-// The arithmetic of a colour look-up table: where its levels lie on the grid, and how its colours become
+// The arithmetic of a color look-up table: where its levels lie on the grid, and how its colors become
 // texels.
 
 #pragma once
@@ -23,12 +23,12 @@ struct LutTables {
 };
 
 /// Whether `levels` (one at least, any values) are 0, 1/(N−1), 2/(N−1), …, 1, all within 1/512: both ends,
-/// and the steps between neighbours among each other. A step that is not a number makes them not uniform.
+/// and the steps between neighbors among each other. A step that is not a number makes them not uniform.
 bool hasUniformLevels(std::span<const float> levels);
 
-/// Fills `map` for `levels` (one at least). An input on a level gets the centre of that level's texel, one
-/// between two levels a coordinate between their centres, one below the first level or above the last one
-/// that level's centre, except that entry 255 keeps its value when 1.0 lies above the last level. The levels
+/// Fills `map` for `levels` (one at least). An input on a level gets the center of that level's texel, one
+/// between two levels a coordinate between their centers, one below the first level or above the last one
+/// that level's center, except that entry 255 keeps its value when 1.0 lies above the last level. The levels
 /// are meant to rise; others give a map of any values.
 void fillCoordinateMap(std::span<const float> levels, LutCoordinateMap& map);
 

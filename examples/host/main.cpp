@@ -12,7 +12,7 @@ namespace {
 constexpr int kWidth = 320, kHeight = 240;
 constexpr int kNV12 = 0, kBT601 = 0, kFullRange = 1;
 
-/// Skin colour with a fine grain, as a camera's sensor adds it.
+/// Skin color with a fine grain, as a camera's sensor adds it.
 std::vector<uint8_t> makeFrame() {
     std::vector<uint8_t> frame(kWidth * kHeight * 3 / 2);
     for (int i = 0; i < kWidth * kHeight; ++i)
@@ -24,7 +24,7 @@ std::vector<uint8_t> makeFrame() {
     return frame;
 }
 
-/// The mean difference between neighbours in a row of luma.
+/// The mean difference between neighbors in a row of luma.
 double grain(const std::vector<uint8_t>& frame) {
     double sum = 0;
     for (int i = 1; i < kWidth * kHeight; ++i)

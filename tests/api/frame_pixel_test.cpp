@@ -15,7 +15,7 @@ using Chain = std::vector<reference::BeautyParams>;
 struct Format {
     int width, height;
     bool nv21 = false;
-    reference::ColourDescription description = {0, 1};
+    reference::ColorDescription description = {0, 1};
 };
 
 /// The bytes of a plane's picture, row by row.
@@ -73,8 +73,8 @@ protected:
         const reference::Planes expected = reference::rgbToYuv(picture, f.description, f.nv21);
         EXPECT_TRUE(ZecRender(m_core, effects(chain), &input, &output, f.nv21, f.description.standard,
                               f.description.range, f.width, f.height, 0));
-        // A colour that is rounded the other way in one of the pictures on the way is up to 0.72 further off
-        // in luma. The steps of the colour model throw single pixels of a noisy frame further.
+        // A color that is rounded the other way in one of the pictures on the way is up to 0.72 further off
+        // in luma. The steps of the color model throw single pixels of a noisy frame further.
         const Tolerance limits = tolerance({1.25, 0.0005}, {5, 0.01});
         EXPECT_TRUE(agree(pictureOf(output, 0, f), expected.luma, rowBytes(0, f.width), limits));
         EXPECT_TRUE(agree(pictureOf(output, 1, f), expected.chroma, rowBytes(1, f.width), limits));

@@ -41,7 +41,7 @@ TEST(Unpack, FollowsTheByteRuleAtEveryWidthAndPitch) {
                 const int pitch = (width + 1) / 2 * 4 + stagingPadding;
                 std::vector<uint8_t> bytes(size_t(height * pitch - stagingPadding));
                 for (size_t i = 0; i < bytes.size(); ++i)
-                    bytes[i] = uint8_t(i * 2654435761u >> 13); // no two equal neighbours
+                    bytes[i] = uint8_t(i * 2654435761u >> 13); // no two equal neighbors
                 const ZecImage staging = {{bytes.data(), nullptr, nullptr}, {pitch, 0, 0}};
 
                 TestFrame output(width, height, layout), expected(width, height, layout);

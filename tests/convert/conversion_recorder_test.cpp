@@ -94,7 +94,7 @@ float rounded(double value) {
     return float(std::round(value * 1e5) / 1e5);
 }
 
-TEST_F(Conversion, LoadsColoursOnlyWhenStandardOrRangeChange) {
+TEST_F(Conversion, LoadsColorsOnlyWhenStandardOrRangeChange) {
     // A new pixel format alone keeps the matrix of the earlier one.
     const struct {
         int standard, range;

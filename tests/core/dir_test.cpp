@@ -106,7 +106,7 @@ TEST(Dir, RemoveRecursivelyRemovesWhatItCan) {
     system.failures["unlinkat"] = {EPERM, 1, 2};
     EXPECT_FALSE(removeRecursively(root / "tree"));
     EXPECT_EQ(std::distance(std::filesystem::recursive_directory_iterator(root / "tree"), {}), 2);
-    // The double keeps everything safe, should the root not be recognised.
+    // The double keeps everything safe, should the root not be recognized.
     system.failures["unlinkat"] = {EPERM, INT_MAX};
     system.calls.clear();
     EXPECT_FALSE(removeRecursively("/") || removeRecursively("//") || removeRecursively("/tmp/.."));

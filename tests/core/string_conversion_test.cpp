@@ -10,10 +10,9 @@ namespace {
 
 TEST(Utf8, EveryCodePointComesBack) {
     std::vector<char32_t> all;
-    for (char32_t codePoint = 0; codePoint <= 0x10FFFF; ++codePoint) {
+    for (char32_t codePoint = 0; codePoint <= 0x10FFFF; ++codePoint)
         if (codePoint < 0xD800 || codePoint > 0xDFFF)
             all.push_back(codePoint);
-    }
     const CZeString string = CZeString::fromUcs4(all.data(), int(all.size()));
     EXPECT_EQ(string.size(), 0x10000 - 0x800 + 2 * 0x100000);
     const CZeByteArray encoded = string.toUtf8();

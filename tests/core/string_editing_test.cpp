@@ -13,10 +13,9 @@ namespace {
 std::vector<std::u16string> allTexts(size_t length) {
     std::vector<std::u16string> texts{u""};
     for (size_t i = 0; i < texts.size(); ++i) {
-        for (const char16_t unit : {u'a', u'A', u'b'}) {
+        for (const char16_t unit : {u'a', u'A', u'b'})
             if (texts[i].size() < length)
                 texts.push_back(texts[i] + unit);
-        }
     }
     return texts;
 }

@@ -166,7 +166,7 @@ TEST(String, ComparesWithAndWithoutCase) {
         // clang-format off
         {u"abc", u"abc", 0, 0}, {u"ABC", u"abc", -32, 0}, {u"ab", u"abcd", -2, -1}, {u"abcd", u"AB", 32, 1},
         {u"a", u"Z", 'a' - 'Z', 'a' - 'z'}, {u"", u"abc", -3, -1}, {u"[", u"A", '[' - 'A', '[' - 'a'},
-        {u"@", u"`", '@' - '`', '@' - '`'}, // the neighbours of the letters do not fold
+        {u"@", u"`", '@' - '`', '@' - '`'}, // the neighbors of the letters do not fold
         {u"[", u"{", '[' - '{', '[' - '{'}, {u"\u00C4A", u"\u00E4a", -32, -32}, // only A to Z fold
         {u"\U00010000", u"\xD800z", 0xDC00 - 'z', 0x10000 - 'z'}, {u"\U00010401", u"\U00010400", 1, 1},
         {u"a\xDC00", u"a\xE000", 0xDC00 - 0xE000, 0xDC00 - 0xE000},

@@ -3,7 +3,7 @@
 #include "effects/beauty/beauty_effect.h"
 #include "tests/support/gl_fixture.h"
 #include "tests/support/reference_beauty.h"
-#include "tool/chart.h"
+#include "tool/chart/chart.h"
 
 #include <random>
 
@@ -11,7 +11,7 @@ namespace ze {
 namespace {
 
 using reference::BeautyParams;
-using reference::Colour;
+using reference::Color;
 using reference::Picture;
 
 Picture chart(int width, int height) {
@@ -26,7 +26,7 @@ Picture chart(int width, int height) {
 Picture noiseAroundSkin(uint32_t spread, int width, int height) {
     std::mt19937 random(1);
     Picture picture(width, height, {0.75, 0.57, 0.46, 0.9});
-    for (Colour& pixel : picture.pixels)
+    for (Color& pixel : picture.pixels)
         for (double& channel : pixel)
             channel += (double(random() % (2 * spread + 1)) - spread) / 255;
     return picture.stored();
@@ -54,7 +54,7 @@ TEST_F(BeautyPixel, AgreesWithTheArithmeticAtEverySizeOfFrame) {
         for (const Picture& source :
              {chart(width, height), noiseAroundSkin(150, width, height), noiseAroundSkin(20, width, height)})
             for (BeautyParams p : params)
-                // The colour model has steps. A level that half floats put on the other side of one is
+                // The color model has steps. A level that half floats put on the other side of one is
                 // anywhere between the source and the blur; so is, once in some frames, one that was rounded
                 // the other way between the passes.
                 EXPECT_TRUE(agree(beautified(source, p), reference::beautify(source, p),

@@ -11,7 +11,7 @@
 namespace ze {
 namespace {
 
-using reference::Colour;
+using reference::Color;
 using reference::Picture;
 
 /// Where `value` lies among rising levels: a level's index, or between two of them.
@@ -24,15 +24,15 @@ double gridPlace(const std::vector<float>& levels, double value) {
     return double(levels.size() - 1);
 }
 
-/// Trilinear interpolation between the eight entries around the colour.
-Colour lookedUp(const LutFile& lut, const Colour& colour) {
+/// Trilinear interpolation between the eight entries around the color.
+Color lookedUp(const LutFile& lut, const Color& color) {
     const size_t n = lut.levels.size();
-    Colour sum{0, 0, 0, colour[3]};
+    Color sum{0, 0, 0, color[3]};
     for (unsigned corner = 0; corner < 8; ++corner) {
         double weight = 1;
         size_t entry = 0;
         for (size_t i = 0; i < 3; ++i) { // red is the slowest index
-            const double place = gridPlace(lut.levels, colour[i]);
+            const double place = gridPlace(lut.levels, color[i]);
             const auto first = size_t(place);
             const bool isSecond = corner >> i & 1;
             weight *= isSecond ? place - double(first) : 1 - (place - double(first));
@@ -46,16 +46,16 @@ Colour lookedUp(const LutFile& lut, const Colour& colour) {
 
 Picture graded(const Picture& source, const LutFile& lut, double intensity) {
     Picture result = source;
-    for (Colour& pixel : result.pixels) {
-        const Colour found = lookedUp(lut, pixel);
+    for (Color& pixel : result.pixels) {
+        const Color found = lookedUp(lut, pixel);
         for (size_t i = 0; i < 3; ++i)
             pixel[i] += (found[i] - pixel[i]) * intensity * pixel[3];
     }
     return result;
 }
 
-/// Greys, primaries and any colours up to a level, with any alpha.
-Picture colours(uint32_t top) {
+/// Grays, primaries and any colors up to a level, with any alpha.
+Picture colors(uint32_t top) {
     std::mt19937 random(top);
     Picture picture(64, 48);
     for (size_t i = 0; i < picture.pixels.size(); ++i)
@@ -68,7 +68,7 @@ Picture colours(uint32_t top) {
 
 using LutPixel = GlTest;
 
-TEST_F(LutPixel, AgreesWithTrilinearInterpolationAndAnIdentityKeepsColoursWithinOneStep) {
+TEST_F(LutPixel, AgreesWithTrilinearInterpolationAndAnIdentityKeepsColorsWithinOneStep) {
     const TempDirectory directory;
     const std::string path = directory / "t\u00f6ne.lut";
     const struct {
@@ -85,7 +85,7 @@ TEST_F(LutPixel, AgreesWithTrilinearInterpolationAndAnIdentityKeepsColoursWithin
                     lut.fill([&](size_t index) { return 255 * lut.levels[index]; });
                 writeFile(path, lut.bytes());
                 CLutEffect effect;
-                const Picture source = colours(curve.last < 1 ? 254 : 255); // the last of the map is for 1.0
+                const Picture source = colors(curve.last < 1 ? 254 : 255); // the last of the map is for 1.0
                 const GLuint texture = textureOf(source);
                 for (float intensity : {0.0009f, 0.001f, 0.5f, 1.0f, 1.5f}) {
                     SCOPED_TRACE(testing::Message() << curve.exponent << ' ' << curve.first << ", " << n

@@ -46,7 +46,7 @@ LutCoordinateMap mapOf(const Levels& levels) {
 }
 
 TEST(LutTables, TheMapRunsFromTexelToTexelAndItsTailEndsBeforeEntry255) {
-    const float centre = 2.5f / 3; // of the last of three texels
+    const float center = 2.5f / 3; // of the last of three texels
     for (float last : {0.7f, 254.0f / 255, 1.0f, 1.5f}) {
         const LutCoordinateMap map = mapOf({0, 0.2f, last});
         EXPECT_EQ(map[0], 0.5f / 3);
@@ -54,7 +54,7 @@ TEST(LutTables, TheMapRunsFromTexelToTexelAndItsTailEndsBeforeEntry255) {
         EXPECT_NEAR(map[254], 0.5f + (std::min(last, 254.0f / 255) - 0.2f) / (last - 0.2f) / 3, 2e-6f)
             << last;
         // Behind the last level the last entry alone keeps what it held.
-        EXPECT_NEAR(map[255], last < 1 ? 7 : 0.5f + (centre - 0.5f) * 0.8f / (last - 0.2f), 2e-6f) << last;
+        EXPECT_NEAR(map[255], last < 1 ? 7 : 0.5f + (center - 0.5f) * 0.8f / (last - 0.2f), 2e-6f) << last;
     }
 }
 

@@ -25,7 +25,7 @@ void GlTest::releaseContext() {
 
 GLuint GlTest::textureOf(const Picture& picture) {
     std::vector<uint8_t> bytes;
-    for (const reference::Colour& pixel : picture.stored().pixels)
+    for (const reference::Color& pixel : picture.stored().pixels)
         for (double channel : pixel)
             bytes.push_back(uint8_t(std::lround(channel * 255)));
     const GLuint texture = ze::createTexture(picture.width, picture.height, GL_RGBA);
@@ -70,7 +70,7 @@ testing::AssertionResult agree(const std::vector<uint8_t>& actual, const std::ve
 testing::AssertionResult agree(const std::vector<uint8_t>& actual, const Picture& expected,
                                Tolerance tolerance) {
     std::vector<double> levels;
-    for (const reference::Colour& pixel : expected.pixels)
+    for (const reference::Color& pixel : expected.pixels)
         for (double channel : pixel)
             levels.push_back(255 * channel);
     return agree(actual, levels, 4 * expected.width, tolerance);

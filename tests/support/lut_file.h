@@ -18,7 +18,7 @@ struct LutFile {
     size_t gap = 0;                   ///< bytes between the header and the levels
     std::vector<uint8_t> colors = {}; ///< R, G and B of each entry
 
-    /// Colours without order.
+    /// Colors without order.
     LutFile& fillWithNoise();
 
     /// Each entry of a three-dimensional table has `level(index)` for the index of each channel.

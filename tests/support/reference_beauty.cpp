@@ -8,28 +8,28 @@ constexpr double kWeights[7] = {0.03663284704089165, 0.11128076165914536, 0.2167
                                 0.270682156085968,   0.21674533188343048, 0.11128076165914536,
                                 0.03663284704089165};
 
-double luma(const Colour& colour) {
-    return 0.2126 * colour[0] + 0.7152 * colour[1] + 0.0722 * colour[2];
+double luma(const Color& color) {
+    return 0.2126 * color[0] + 0.7152 * color[1] + 0.0722 * color[2];
 }
 
-Colour mix(const Colour& from, const Colour& to, double amount) {
-    Colour result;
+Color mix(const Color& from, const Color& to, double amount) {
+    Color result;
     for (size_t i = 0; i < result.size(); ++i)
         result[i] = from[i] + (to[i] - from[i]) * amount;
     return result;
 }
 
 // Seven taps, `stepX` and `stepY` texels apart; those that differ in luma by 0.25 and more do not count.
-Colour filter(const Picture& source, int x, int y, double stepX, double stepY) {
-    const double centre = luma(source.at(x, y));
+Color filter(const Picture& source, int x, int y, double stepX, double stepY) {
+    const double center = luma(source.at(x, y));
     double weightSum = 0;
-    Colour sum{};
+    Color sum{};
     for (int tap = 0; tap < 7; ++tap) {
-        const Colour colour = source.sample(x + (tap - 3) * stepX, y + (tap - 3) * stepY);
-        const double weight = kWeights[tap] * (1 - std::min(std::abs(luma(colour) - centre) * 4, 1.0));
+        const Color color = source.sample(x + (tap - 3) * stepX, y + (tap - 3) * stepY);
+        const double weight = kWeights[tap] * (1 - std::min(std::abs(luma(color) - center) * 4, 1.0));
         weightSum += weight;
         for (size_t i = 0; i < sum.size(); ++i)
-            sum[i] += weight * colour[i];
+            sum[i] += weight * color[i];
     }
     for (double& channel : sum)
         channel /= weightSum;
@@ -47,11 +47,11 @@ double smoothstep(double from, double to, double value) {
     return t * t * (3 - 2 * t);
 }
 
-double skinKey(const Colour& colour) {
-    const double y = luma(colour);
-    const double u = -0.09991 * colour[0] - 0.33609 * colour[1] + 0.436 * colour[2];
+double skinKey(const Color& color) {
+    const double y = luma(color);
+    const double u = -0.09991 * color[0] - 0.33609 * color[1] + 0.436 * color[2];
     const double v =
-        0.436 * colour[0] - 0.55861 * (0.436 / 0.615) * colour[1] - 0.05639 * (0.436 / 0.615) * colour[2];
+        0.436 * color[0] - 0.55861 * (0.436 / 0.615) * color[1] - 0.05639 * (0.436 / 0.615) * color[2];
     const double skin = likelihood(u, v, {-0.055528433718798, 0.071547389444263},
                                    {4.690967914534308e+03, 2.655776801323897e+03, 2.363170007433643e+03});
     const double hair = likelihood(u, v, {-0.002407782949704, 0.004225009409906},
@@ -79,14 +79,14 @@ Picture beautify(const Picture& source, BeautyParams params) {
     Picture result(source.width, source.height);
     for (int y = 0; y < source.height; ++y)
         for (int x = 0; x < source.width; ++x) {
-            const Colour& original = source.at(x, y);
-            const Colour blurred = filter(filtered, x, y, 0, step * source.height);
+            const Color& original = source.at(x, y);
+            const Color blurred = filter(filtered, x, y, 0, step * source.height);
             const double key = skinKey(mix(original, blurred, 0.8));
-            Colour colour = mix(original, blurred, key * params.mixFactor);
+            Color color = mix(original, blurred, key * params.mixFactor);
             if (params.whitenFactor > 0)
                 for (size_t i = 0; i < 3; ++i)
-                    colour[i] = std::min(colour[i] + params.whitenFactor * 0.15, 1.0);
-            result.at(x, y) = colour;
+                    color[i] = std::min(color[i] + params.whitenFactor * 0.15, 1.0);
+            result.at(x, y) = color;
         }
     return result;
 }

@@ -7,7 +7,7 @@ namespace {
 /// Luma weights of a standard, and where its codes lie: luma spans 255 or 219 from black on, chroma 254 or
 /// 224.
 struct Model {
-    explicit Model(ColourDescription description)
+    explicit Model(ColorDescription description)
         : red(description.standard == 0 ? 0.299 : 0.2126), blue(description.standard == 0 ? 0.114 : 0.0722),
           luma(description.range == 1 ? 1 : 219.0 / 255),
           chroma((description.range == 1 ? 254.0 : 224.0) / 255),
@@ -29,7 +29,7 @@ double span(int n) {
 
 } // namespace
 
-Picture yuvToRgb(const ZecImage& frame, int width, int height, ColourDescription description, bool nv21) {
+Picture yuvToRgb(const ZecImage& frame, int width, int height, ColorDescription description, bool nv21) {
     const int chromaWidth = halfUp(width), chromaHeight = halfUp(height);
     Picture chroma(chromaWidth, chromaHeight);
     for (int y = 0; y < chromaHeight; ++y)
@@ -45,7 +45,7 @@ Picture yuvToRgb(const ZecImage& frame, int width, int height, ColourDescription
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             const double u = (x + 0.5) / width * uMax, v = 1 - vSpan + (y + 0.5) / height * vSpan;
-            const Colour pair = chroma.sample(u * chromaWidth - 0.5, v * chromaHeight - 0.5);
+            const Color pair = chroma.sample(u * chromaWidth - 0.5, v * chromaHeight - 0.5);
             const double code = frame.planes[0][ptrdiff_t{y} * frame.pitches[0] + x] / 255.0;
             const double luma = (code - k.black) / k.luma;
             const double red = luma + 2 * (1 - k.red) * (pair[1] - 128.0 / 255) / k.chroma;
@@ -55,7 +55,7 @@ Picture yuvToRgb(const ZecImage& frame, int width, int height, ColourDescription
     return result;
 }
 
-Planes rgbToYuv(const Picture& picture, ColourDescription description, bool nv21) {
+Planes rgbToYuv(const Picture& picture, ColorDescription description, bool nv21) {
     const Model k(description);
     Planes planes;
     for (int y = 0; y < picture.height; ++y)

@@ -2,13 +2,13 @@
 
 #include "tests/support/lut_file.h"
 #include "tests/tool/program.h"
-#include "tool/chart.h"
-#include "tool/gl_info.h"
-#include "tool/lut_bake.h"
-#include "tool/lut_cube.h"
-#include "tool/lut_file.h"
-#include "tool/lut_picture.h"
-#include "tool/number_text.h"
+#include "tool/chart/chart.h"
+#include "tool/info/gl_info.h"
+#include "tool/lut/lut_bake.h"
+#include "tool/lut/lut_cube.h"
+#include "tool/lut/lut_file.h"
+#include "tool/lut/lut_picture.h"
+#include "tool/lut/number_text.h"
 
 #include <clocale>
 #include <functional>
@@ -21,13 +21,13 @@ using testing::StartsWith;
 
 namespace {
 
-using Grade = std::function<Colour(Colour)>;
+using Grade = std::function<Color(Color)>;
 
-Colour strange(Colour in) {
+Color strange(Color in) {
     return {0.75f * in[1] + 0.1f, in[2] * in[2], 1 - in[0]};
 }
 
-Colour squared(Colour in) {
+Color squared(Color in) {
     return {in[0] * in[0], in[1] * in[1], in[2] * in[2]};
 }
 
@@ -54,11 +54,11 @@ std::string cube(const Grade& grade, size_t n, const std::string& before = "") {
 }
 
 LutTable tableOf(const Grade& grade, const std::vector<float>& levels) {
-    std::vector<Colour> colours = latticeOf(levels);
-    for (Colour& colour : colours)
-        colour = grade(colour);
+    std::vector<Color> colors = latticeOf(levels);
+    for (Color& color : colors)
+        color = grade(color);
     Clamping none;
-    return quantized(levels, colours, none);
+    return quantized(levels, colors, none);
 }
 
 /// A picture of the table with root² levels.
@@ -123,12 +123,12 @@ private:
 
 TEST_F(Lut, EveryFamilyOfFilesGivesItsTableInEveryLocale) {
     const std::vector<float> even = ::evenLevels(4);
-    const Grade upsideDown = [](Colour in) { return strange({1 - in[0], 1 - in[1], 1 - in[2]}); };
-    const Grade doubled = [](Colour in) { return strange({2 * in[0], 2 * in[1], 2 * in[2]}); };
+    const Grade upsideDown = [](Color in) { return strange({1 - in[0], 1 - in[1], 1 - in[2]}); };
+    const Grade doubled = [](Color in) { return strange({2 * in[0], 2 * in[1], 2 * in[2]}); };
     const std::string ramp[] = {"0.0 ", "0.1111111 ", "0.4444444 ", "1.0 "}, range = "2\n0.0 1.0\n0.0 1.0\n";
-    std::string grey;
+    std::string gray;
     for (const std::string& value : ramp)
-        grey += value + value + value + "\n";
+        gray += value + value + value + "\n";
     // clang-format off
     const struct {
         const char* name;
@@ -138,7 +138,7 @@ TEST_F(Lut, EveryFamilyOfFilesGivesItsTableInEveryLocale) {
         {"3.cube", cube(strange, 4, "TITLE \"0,5\"\n# 0,5\n"), strange},
         {"$HOME %d.CUBE", cube(strange, 4), strange},
         {"domain.cube", cube(doubled, 7, "DOMAIN_MAX 2 2 2\n"), strange},
-        {"1.cube", "LUT_1D_SIZE 4\n" + grey, squared},
+        {"1.cube", "LUT_1D_SIZE 4\n" + gray, squared},
         {"both.cube", "LUT_1D_SIZE 2\nLUT_1D_INPUT_RANGE 0.0 1.0\nLUT_3D_SIZE 4\nLUT_3D_INPUT_RANGE 0.0 1.0\n"
                       "1 1 1\n0 0 0\n" + lines(strange, even, true), upsideDown},
         {"a.3dl", "0 341 682 1023\n" + lines(strange, even, false, 4095), strange},
@@ -150,7 +150,7 @@ TEST_F(Lut, EveryFamilyOfFilesGivesItsTableInEveryLocale) {
         {"a.clf", "<?xml version=\"1.0\"?>\n<ProcessList compCLFversion=\"3\" id=\"x\">\n<Description>\n0,5\n"
                   "</Description>\n<LUT3D inBitDepth=\"32f\" outBitDepth=\"32f\">\n<Array dim=\"4 4 4 3\">\n" +
                   lines(strange, even, false) + "</Array>\n</LUT3D>\n</ProcessList>\n", strange},
-        {"a.lut", LutFile{even, true, 5, tableOf(strange, even).colours}.bytes(), strange},
+        {"a.lut", LutFile{even, true, 5, tableOf(strange, even).colors}.bytes(), strange},
         {"1.lut", LutFile{even, false, 0, {0, 0, 0, 28, 28, 28, 113, 113, 113, 255, 255, 255}}.bytes(), squared},
     };
     // clang-format on
@@ -158,7 +158,7 @@ TEST_F(Lut, EveryFamilyOfFilesGivesItsTableInEveryLocale) {
         for (const auto& c : cases) {
             SCOPED_TRACE(c.name);
             write(c.name, c.bytes);
-            expectNear(baked(c.name, even).colours, tableOf(c.grade, even).colours, c.name[2] == '3' ? 1 : 0);
+            expectNear(baked(c.name, even).colors, tableOf(c.grade, even).colors, c.name[2] == '3' ? 1 : 0);
         }
         EXPECT_EQ(m_clamping.count, 0u);
         EXPECT_EQ(cubeText(tableOf(strange, even)).substr(0, 41),
@@ -173,7 +173,7 @@ TEST_F(Lut, EveryFamilyOfFilesGivesItsTableInEveryLocale) {
 
 TEST_F(Lut, WritesFilesByteForByte) {
     write("in.cube", cube(strange, 3));
-    const LutFile three{{0, 0.5f, 1}, true, 0, tableOf(strange, ::evenLevels(3)).colours};
+    const LutFile three{{0, 0.5f, 1}, true, 0, tableOf(strange, ::evenLevels(3)).colors};
     ASSERT_EQ(run("lut bake in.cube out.lut --levels 3"), 0) << errorText();
     EXPECT_EQ(bytesOf("out.lut"), three.bytes());
     ASSERT_EQ(run("lut bake -y in.cube out.lut --levels-at 0,0.125,1"), 0) << errorText();
@@ -184,7 +184,7 @@ TEST_F(Lut, WritesFilesByteForByte) {
 }
 
 TEST_F(Lut, LevelsLieWhereTheyAreAskedFor) {
-    write("in.cube", cube([](Colour in) { return Colour{in[2], in[0], 1 - in[1]}; }, 2));
+    write("in.cube", cube([](Color in) { return Color{in[2], in[0], 1 - in[1]}; }, 2));
     const struct {
         const char* options;
         std::vector<float> levels;
@@ -196,13 +196,13 @@ TEST_F(Lut, LevelsLieWhereTheyAreAskedFor) {
         ASSERT_EQ(run("lut bake -y in.cube out.lut "s + c.options), 0) << errorText();
         const LutTable table = readLutFile(m_directory / "out.lut");
         EXPECT_EQ(table.levels, c.levels);
-        expectNear(table.colours,
+        expectNear(table.colors,
                    tableOf(
-                       [](Colour in) {
-                           return Colour{in[2], in[0], 1 - in[1]};
+                       [](Color in) {
+                           return Color{in[2], in[0], 1 - in[1]};
                        },
                        c.levels)
-                       .colours,
+                       .colors,
                    1);
     }
 }
@@ -213,15 +213,15 @@ TEST_F(Lut, CutsAndCountsWhatLiesOutside) {
     EXPECT_EQ(errorText(),
               "zebeauty: warning: in.cube: 2 of 24 values lie outside 0 to 1 (-0.5 to 1.5) and were "
               "clamped\n");
-    const std::vector<uint8_t> colours = readLutFile(m_directory / "out.lut").colours;
-    EXPECT_EQ(std::vector<uint8_t>(colours.begin(), colours.begin() + 3), (std::vector<uint8_t>{0, 0, 255}));
+    const std::vector<uint8_t> colors = readLutFile(m_directory / "out.lut").colors;
+    EXPECT_EQ(std::vector<uint8_t>(colors.begin(), colors.begin() + 3), (std::vector<uint8_t>{0, 0, 255}));
 }
 
 TEST_F(Lut, RefusesWhatIsDamagedWithItsReasonAndWithoutAFile) {
     const std::string whole = cube(strange, 3),
                       clf = "<ProcessList compCLFversion=\"3\" id=\"x\">\n"
                             "<LUT1D inBitDepth=\"32f\" outBitDepth=\"32f\"><Array dim=\"2 1\">\n0\n";
-    const LutFile own{::evenLevels(3), true, 0, tableOf(strange, ::evenLevels(3)).colours};
+    const LutFile own{::evenLevels(3), true, 0, tableOf(strange, ::evenLevels(3)).colors};
     std::string version = own.bytes();
     version[8] = 2;
     // clang-format off
@@ -282,24 +282,23 @@ TEST_F(Lut, RefusesWhatIsDamagedWithItsReasonAndWithoutAFile) {
 }
 
 TEST_F(Lut, TellsTheTwoKindsOfPicturesApart) {
-    const Grade soft = [](Colour in) { return Colour{0.5f * in[1] + 0.5f * in[0], in[1], in[2] * in[2]}; };
+    const Grade soft = [](Color in) { return Color{0.5f * in[1] + 0.5f * in[0], in[1], in[2] * in[2]}; };
     using enum PictureLayout;
     for (const int root : {2, 3, 4, 8})
         for (const PictureLayout layout : {lookup, hald})
             for (const Grade& grade : {soft, Grade(squared)}) {
                 const Picture picture = pictureOf(grade, root, layout);
                 const LutTable expected = tableOf(grade, ::evenLevels(size_t(root * root)));
-                EXPECT_EQ(tableFromPicture(picture, automatic).colours, expected.colours) << root;
-                EXPECT_EQ(tableFromPicture(picture, layout).colours, expected.colours) << root;
-                EXPECT_NE(tableFromPicture(picture, layout == hald ? lookup : hald).colours,
-                          expected.colours);
+                EXPECT_EQ(tableFromPicture(picture, automatic).colors, expected.colors) << root;
+                EXPECT_EQ(tableFromPicture(picture, layout).colors, expected.colors) << root;
+                EXPECT_NE(tableFromPicture(picture, layout == hald ? lookup : hald).colors, expected.colors);
             }
     write("in.png", pictureOf(soft, 8, hald));
     ASSERT_EQ(run("lut bake in.png auto.lut --levels 64 && '" ZEBEAUTY
                   "' lut bake in.png hald.lut --levels 64 --layout hald"),
               0);
     EXPECT_EQ(bytesOf("auto.lut"),
-              (LutFile{::evenLevels(64), true, 0, tableOf(soft, ::evenLevels(64)).colours}.bytes()));
+              (LutFile{::evenLevels(64), true, 0, tableOf(soft, ::evenLevels(64)).colors}.bytes()));
     EXPECT_EQ(bytesOf("auto.lut"), bytesOf("hald.lut"));
 }
 
@@ -335,13 +334,13 @@ TEST_F(Lut, ExportComesBackTheSame) {
             write("a.lut", file.fillWithNoise().bytes());
             ASSERT_EQ(run("lut export -y a.lut a.cube"), 0) << errorText();
             EXPECT_EQ(errorText(), "");
-            expectNear(baked("a.cube", file.levels).colours, baked("a.lut", file.levels).colours, 0);
+            expectNear(baked("a.cube", file.levels).colors, baked("a.lut", file.levels).colors, 0);
         }
-    write("a.lut", LutFile{{0, 0.25f, 1}, true, 0, tableOf(strange, {0, 0.25f, 1}).colours}.bytes());
+    write("a.lut", LutFile{{0, 0.25f, 1}, true, 0, tableOf(strange, {0, 0.25f, 1}).colors}.bytes());
     ASSERT_EQ(run("lut export -y a.lut a.cube"), 0);
     EXPECT_EQ(errorText(),
               "zebeauty: warning: a.lut: its levels are not uniform; resampled to 65 uniform ones\n");
-    expectNear(baked("a.cube", ::evenLevels(33)).colours, baked("a.lut", ::evenLevels(33)).colours, 1);
+    expectNear(baked("a.cube", ::evenLevels(33)).colors, baked("a.lut", ::evenLevels(33)).colors, 1);
 }
 
 class Graded : public Lut {
@@ -358,7 +357,7 @@ protected:
         write("a.cube", cube(softened, 17));
     }
 
-    static Colour softened(Colour in) {
+    static Color softened(Color in) {
         return {0.8f * in[0] + 0.2f * in[1], in[1] * in[1], 0.9f - 0.8f * in[2]};
     }
 

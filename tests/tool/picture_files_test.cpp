@@ -1,7 +1,7 @@
 #include "tests/support/temp_directory.h"
 #include "tool/errors.h"
-#include "tool/picture_reader.h"
-#include "tool/picture_writer.h"
+#include "tool/pictures/picture_reader.h"
+#include "tool/pictures/picture_writer.h"
 
 #include <gtest/gtest.h>
 
@@ -27,13 +27,13 @@ std::string pngChunk(const std::string& typeAndData) {
 }
 
 /// A PNG of `width` × 1 pixels: `row` with its filter byte, and `extra` chunks before it.
-std::string pngBytes(int depth, int colourType, const std::string& row, const std::string& extra,
+std::string pngBytes(int depth, int colorType, const std::string& row, const std::string& extra,
                      size_t width = 2) {
     uLongf size = compressBound(row.size());
     std::string packed(size, '\0');
     compress(reinterpret_cast<Bytef*>(packed.data()), &size, reinterpret_cast<const Bytef*>(row.data()),
              row.size());
-    const std::string kind = {static_cast<char>(depth), static_cast<char>(colourType), 0, 0, 0};
+    const std::string kind = {static_cast<char>(depth), static_cast<char>(colorType), 0, 0, 0};
     return "\x89PNG\r\n\x1a\n" + pngChunk("IHDR" + bigEndian(width) + bigEndian(1) + kind) + extra +
            pngChunk("IDAT" + packed.substr(0, size)) + pngChunk("IEND");
 }
@@ -60,7 +60,7 @@ TEST_F(PictureFiles, EveryKindOfPngIsRead) {
     const std::string transparency = pngChunk("tRNS\x07\xff"s);
     // clang-format off
     const struct {
-        int depth, type; // 0 grey, 2 RGB, 3 palette, 4 grey and alpha, 6 RGBA
+        int depth, type; // 0 gray, 2 RGB, 3 palette, 4 gray and alpha, 6 RGBA
         std::string row, extra;
         std::vector<uint8_t> rgb, alpha;
     } cases[] = {
@@ -84,11 +84,11 @@ TEST_F(PictureFiles, EveryKindOfPngIsRead) {
 
 TEST_F(PictureFiles, PhotosAreTurnedUpright) {
     Picture stored(32, 16);
-    const std::map<char, Rgb> colours = {
+    const std::map<char, Rgb> colors = {
         {'R', {255, 0, 0}}, {'G', {0, 255, 0}}, {'B', {0, 0, 255}}, {'W', {255, 255, 255}}};
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 32; ++x)
-            stored.set(x, y, colours.at("RGBW"[x / 16 + y / 8 * 2]));
+            stored.set(x, y, colors.at("RGBW"[x / 16 + y / 8 * 2]));
     const std::string jpeg = bytesOf(stored, PictureFormat::jpeg);
     const char* const shown[] = {"RGBW", "GRWB", "WBGR", "BWRG", "RBGW", "BRWG", "WGBR", "GWRB"};
     for (int i = 0; i < 8; ++i) {
@@ -99,14 +99,14 @@ TEST_F(PictureFiles, PhotosAreTurnedUpright) {
         EXPECT_EQ(picture.width, i < 4 ? 32 : 16) << i + 1;
         for (int corner = 0; corner < 4; ++corner) {
             const int x = corner % 2 ? picture.width - 3 : 2, y = corner / 2 ? picture.height - 3 : 2;
-            const Rgb colour = picture.at(x, y), expected = colours.at(shown[i][corner]);
-            EXPECT_NEAR(colour.red, expected.red, 60) << i + 1;
-            EXPECT_NEAR(colour.blue, expected.blue, 60) << i + 1;
+            const Rgb color = picture.at(x, y), expected = colors.at(shown[i][corner]);
+            EXPECT_NEAR(color.red, expected.red, 60) << i + 1;
+            EXPECT_NEAR(color.blue, expected.blue, 60) << i + 1;
         }
     }
 }
 
-TEST_F(PictureFiles, JpegKeepsSingleColumnsOfColour) {
+TEST_F(PictureFiles, JpegKeepsSingleColumnsOfColor) {
     Picture columns(33, 17);
     for (int y = 0; y < 17; ++y)
         for (int x = 0; x < 33; ++x)

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "tests/support/temp_directory.h"
-#include "tool/picture_reader.h"
-#include "tool/picture_writer.h"
+#include "tool/pictures/picture_reader.h"
+#include "tool/pictures/picture_writer.h"
 
 #include <gmock/gmock.h>
 

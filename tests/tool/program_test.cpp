@@ -1,8 +1,8 @@
 // zebeauty as its users meet it.
 
 #include "tests/tool/program.h"
-#include "tool/chart.h"
-#include "tool/gl_info.h"
+#include "tool/chart/chart.h"
+#include "tool/info/gl_info.h"
 
 using namespace ze::tool;
 using namespace std::string_literals;

@@ -1,7 +1,7 @@
 // Frames of the tool, from a picture through the library and back.
 
 #include "tests/support/reference_convert.h"
-#include "tool/yuv_frame.h"
+#include "tool/render/yuv_frame.h"
 
 #include <gtest/gtest.h>
 
@@ -24,8 +24,8 @@ TEST(YuvFrame, HasEverySampleThatTheStandardsAskForUpToTheOddEdgesAndComesBack) 
         for (int kind = 0; kind < 8; ++kind) {
             SCOPED_TRACE(testing::Message() << width << " x " << height << ", kind " << kind);
             const YuvDescription description = {static_cast<ChromaOrder>(kind & 1),
-                                                static_cast<ColourStandard>(kind >> 1 & 1),
-                                                static_cast<ColourRange>(kind >> 2)};
+                                                static_cast<ColorStandard>(kind >> 1 & 1),
+                                                static_cast<ColorRange>(kind >> 2)};
             Picture picture(width, height);
             for (uint8_t& channel : picture.rgb)
                 channel = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 24);
@@ -38,8 +38,8 @@ TEST(YuvFrame, HasEverySampleThatTheStandardsAskForUpToTheOddEdgesAndComesBack) 
                     means.at(x, y) = pixels.sample(x + 0.5, y + 0.5);
 
             const YuvFrame frame = yuvFromPicture(picture, description);
-            const reference::ColourDescription meaning = {static_cast<int>(description.standard),
-                                                          static_cast<int>(description.range)};
+            const reference::ColorDescription meaning = {static_cast<int>(description.standard),
+                                                         static_cast<int>(description.range)};
             const bool nv21 = description.order == ChromaOrder::nv21;
             expectNear(frame.luma, reference::rgbToYuv(pixels, meaning, nv21).luma, 1.1);
             expectNear(frame.chroma, reference::rgbToYuv(means, meaning, nv21).chroma, 2.1);

@@ -1,0 +1,69 @@
+// Look-up tables in host memory, as the library's LUT files hold them.
+
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace ze::tool {
+
+/// Red, green and blue, black 0 and white 1.
+using Color = std::array<float, 3>;
+
+/// Output colors on a lattice of input colors. In three dimensions the entry of the level indices (r, g, b)
+/// is number (r × N + g) × N + b; in one, each channel goes through the N entries by itself.
+struct LutTable {
+    std::vector<float> levels; ///< The N inputs of a channel that have entries, rising.
+    bool isThreeDimensional = true;
+    std::vector<uint8_t> colors; ///< Red, green and blue of each entry.
+
+    size_t levelCount() const { return levels.size(); }
+    const uint8_t* entry(size_t r, size_t g, size_t b) const {
+        return colors.data() + 3 * ((r * levelCount() + g) * levelCount() + b);
+    }
+};
+
+/// 0, 1/(count−1), …, 1. `count` is at least 2.
+std::vector<float> evenLevels(size_t count);
+
+/// The even levels to the power of `gamma`: above 1 they are dense in the shadows, below 1 in the highlights.
+std::vector<float> gammaLevels(size_t count, float gamma);
+
+/// Each level lies above the one before it; none is NaN.
+bool areRising(std::span<const float> levels);
+
+/// The input colors of a three-dimensional table with these levels, in the order of its entries.
+std::vector<Color> latticeOf(const std::vector<float>& levels);
+
+/// Where the values of a table had to be cut to lie in 0 to 1. NaN, which becomes 0, counts as well.
+struct Clamping {
+    size_t count = 0;
+    float lowest = 0;
+    float highest = 1;
+};
+
+/// The three-dimensional table with an entry for each of the `colors`, one per point of its lattice, rounded
+/// to 8 bits. Values outside 0 to 1 are cut and told in `clamping`, but for the noise of float arithmetic.
+LutTable quantized(std::vector<float> levels, const std::vector<Color>& colors, Clamping& clamping);
+
+/// The table of `levels` that changes nothing, up to rounding.
+LutTable identityTable(std::vector<float> levels);
+
+/// What `table` makes of `input`: between levels by linear interpolation along each axis, as the library
+/// draws it, beyond the outer ones what these have.
+Color lookUp(const LutTable& table, const Color& input);
+
+/// How far a table is from one that changes nothing, in steps of 8-bit channels.
+struct Difference {
+    int largest = 0;
+    Color largestAt = {}; ///< An input color that has the largest difference in one of its channels.
+    double mean = 0;      ///< Over all channels of all entries.
+};
+
+/// Compares `table` with the rounded identity on its own levels. A level that is NaN counts as 0.
+Difference differenceFromIdentity(const LutTable& table);
+
+} // namespace ze::tool

@@ -1,0 +1,91 @@
+#include "tool/lut/number_check.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <sstream>
+
+namespace ze::tool {
+
+namespace {
+
+const char* afterSign(const std::string& word) {
+    return word.data() + (word[0] == '+' || word[0] == '-' ? 1 : 0);
+}
+
+bool isNumber(const std::string& word) {
+    double value = 0;
+    const auto result = std::from_chars(afterSign(word), word.data() + word.size(), value);
+    return result.ec == std::errc() && result.ptr == word.data() + word.size() &&
+           std::abs(value) <= double{std::numeric_limits<float>::max()}; // which NaN is not
+}
+
+// Also where it has become something else on the way.
+bool isMeantAsNumber(const std::string& word) {
+    if (word == "1D" || word == "3D") // the kinds of a .csp
+        return false;
+    double ignored = 0;
+    const char c = *afterSign(word);
+    return (c >= '0' && c <= '9') || c == '.' ||
+           std::from_chars(afterSign(word), word.data() + word.size(), ignored).ec == std::errc();
+}
+
+// The word that spoils a line of numbers; empty when there is none, or another kind of line.
+std::string badNumberIn(const std::string& line) {
+    std::istringstream words(line);
+    std::string bad;
+    for (std::string word; words >> word && word[0] != '#';) { // a comment, unlike "1.#QNAN"
+        if (!isMeantAsNumber(word))
+            return "";
+        if (bad.empty() && !isNumber(word))
+            bad = word;
+    }
+    return bad;
+}
+
+void blankOut(std::string& text, size_t from, size_t to) {
+    const auto begin = text.begin();
+    std::replace_if(
+        begin + static_cast<ptrdiff_t>(from), begin + static_cast<ptrdiff_t>(std::min(to, text.size())),
+        [](char c) { return c != '\n'; }, ' ');
+}
+
+// XML has its tables in elements named Array.
+void blankOutAllButArrays(std::string& text) {
+    for (size_t at = 0; at < text.size();) {
+        const size_t inside = text.find('>', text.find("<Array", at));
+        blankOut(text, at, inside == text.npos ? inside : inside + 1);
+        at = std::min(text.find('<', inside), text.size());
+    }
+}
+
+void blankOutMetadata(std::string& text) {
+    const size_t begin = text.find("BEGIN METADATA");
+    if (begin != text.npos)
+        blankOut(text, begin, text.find("END METADATA", begin));
+}
+
+bool isXml(const std::string& text) {
+    const size_t first = text.find_first_of("<0123456789#\n");
+    return first != text.npos && text[first] == '<';
+}
+
+} // namespace
+
+std::string findBadNumber(std::string text) {
+    if (isXml(text))
+        blankOutAllButArrays(text);
+    else
+        blankOutMetadata(text);
+    std::istringstream lines(text);
+    std::string line;
+    for (size_t number = 1; std::getline(lines, line); ++number) {
+        const std::string bad = badNumberIn(line);
+        if (!bad.empty())
+            return "line " + std::to_string(number) + ": '" + bad + "' is no finite number";
+    }
+    return "";
+}
+
+} // namespace ze::tool
