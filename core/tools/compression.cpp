@@ -14,7 +14,7 @@ constexpr int kPrefixSize = 4;
 
 void writePrefix(char* out, uint32_t length) {
     for (int i = 0; i < kPrefixSize; ++i)
-        out[i] = char(length >> (24 - 8 * i) & 0xFF);
+        out[i] = static_cast<char>(length >> (24 - 8 * i) & 0xFF);
 }
 
 uint32_t readPrefix(const char* data) {
@@ -28,7 +28,7 @@ uint32_t readPrefix(const char* data) {
 bool resize(CZeByteArray& bytes, int64_t size) {
     if (size > ze::kMaxByteArraySize)
         return false;
-    bytes.resize(int(size));
+    bytes.resize(static_cast<int>(size));
     return bytes.size() == size;
 }
 
@@ -58,18 +58,19 @@ CZeByteArray ZeCompress(const char* data, int length, int level) {
     uLong size = 0;
     int result = Z_BUF_ERROR;
     // Where the bound is more than an array can hold, the compressed bytes may still fit the longest one.
-    int64_t bound = std::min(int64_t{length} + length / 100 + 13, ze::kMaxByteArraySize - kPrefixSize);
+    int64_t bound =
+        std::min(static_cast<int64_t>(length) + length / 100 + 13, ze::kMaxByteArraySize - kPrefixSize);
     for (; result == Z_BUF_ERROR && resize(out, bound + kPrefixSize); bound *= 2) {
-        size = uLong(bound);
+        size = static_cast<uLong>(bound);
         result = compress2(reinterpret_cast<Bytef*>(out.data()) + kPrefixSize, &size,
-                           reinterpret_cast<const Bytef*>(data), uLong(length), level);
+                           reinterpret_cast<const Bytef*>(data), static_cast<uLong>(length), level);
     }
     if (result != Z_OK) {
         ze::coreWarning("ZeCompress: Z_MEM_ERROR: Not enough memory");
         return {};
     }
-    out.resize(int(size) + kPrefixSize);
-    writePrefix(out.data(), uint32_t(length));
+    out.resize(static_cast<int>(size) + kPrefixSize);
+    writePrefix(out.data(), static_cast<uint32_t>(length));
     return out;
 }
 
@@ -86,13 +87,13 @@ CZeByteArray ZeUncompress(const char* data, int length) {
     CZeByteArray out;
     // Memory that is only promised is not touched, so a false prefix costs none.
     for (int64_t room = std::max<int64_t>(readPrefix(data), 1); resize(out, room); room *= 2) {
-        uLong size = uLong(room);
-        const int result =
-            uncompress(reinterpret_cast<Bytef*>(out.data()), &size,
-                       reinterpret_cast<const Bytef*>(data) + kPrefixSize, uLong(length - kPrefixSize));
+        auto size = static_cast<uLong>(room);
+        const int result = uncompress(reinterpret_cast<Bytef*>(out.data()), &size,
+                                      reinterpret_cast<const Bytef*>(data) + kPrefixSize,
+                                      static_cast<uLong>(length - kPrefixSize));
         switch (result) {
         case Z_OK:
-            out.resize(int(size));
+            out.resize(static_cast<int>(size));
             return out;
         case Z_MEM_ERROR:
             ze::coreWarning("ZeUncompress: Z_MEM_ERROR: Not enough memory");

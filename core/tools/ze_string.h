@@ -14,6 +14,7 @@ class CZeString;
 class CZeStringRef;
 namespace ze {
 class TextArgument;
+CZeString sharedText(SZeArrayData& block);
 }
 /// What splitting gives.
 using CZeStringList = CZeList<CZeString>;
@@ -414,6 +415,8 @@ public:
     static bool toIntegral_helper(const CZeString& text, int base, unsigned long long& value);
 
 private:
+    friend CZeString ze::sharedText(SZeArrayData& block); // for a text that must need no memory
+
     explicit CZeString(ze::SharedArray<CZeChar> array) : m_array(std::move(array)) {}
 
     bool isEqual(const CZeString& other) const;
