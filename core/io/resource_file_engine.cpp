@@ -19,9 +19,9 @@ bool CZeResourceFileEngine::open(int mode) {
     if (!node.exists())
         return fail(Ze::FileErrOpen, ze::errorText(ENOENT));
     if (node.isDirectory())
-        return fail(Ze::FileErrOpen, CZeString(CZeLatin1String("file to open is a directory")));
+        return fail(Ze::FileErrOpen, ze::errorText("file to open is a directory"));
     if (!node.read(m_bytes))
-        return fail(Ze::FileErrOpen, CZeString(CZeLatin1String("Resource is corrupted")));
+        return fail(Ze::FileErrOpen, ze::errorText("Resource is corrupted"));
     m_pos = 0;
     m_isOpen = true;
     return true;
@@ -36,7 +36,7 @@ bool CZeResourceFileEngine::close() {
 int64_t CZeResourceFileEngine::read(char* data, int64_t maxSize) {
     const int64_t count = std::clamp<int64_t>(m_bytes.size() - m_pos, 0, maxSize);
     if (count > 0)
-        std::memcpy(data, m_bytes.constData() + m_pos, size_t(count));
+        std::memcpy(data, m_bytes.constData() + m_pos, static_cast<size_t>(count));
     m_pos += count;
     return count;
 }
@@ -47,6 +47,8 @@ int64_t CZeResourceFileEngine::write(const char*, int64_t) {
 }
 
 bool CZeResourceFileEngine::seek(int64_t pos) {
+    if (pos < 0)
+        return fail(Ze::FileErrPosition, ze::errorText(EINVAL));
     m_pos = pos;
     return true;
 }

@@ -10,10 +10,13 @@
 
 #include <thread>
 
+#include <android/log.h>
+
 namespace {
 
 bool add(const std::string& path, const std::string& content) {
-    return CZeResourceInfo::registerResource(name(path), CZeByteArray(content.data(), int(content.size())));
+    return CZeResourceInfo::registerResource(name(path),
+                                             CZeByteArray(content.data(), static_cast<int>(content.size())));
 }
 bool addCompressed(const std::string& path, const CZeByteArray& content) {
     return CZeResourceInfo::registerResource(name(path), content, CZeResourceInfo::Compressed);
@@ -68,12 +71,65 @@ TEST(Resource, RefusesWhatIsNotRegisteredOrNotReading) {
     EXPECT_FALSE(plain.remove() || plain.rename(name(directory / "copy")));
     EXPECT_EQ(utf8(plain.errorString()) + listing(directory), "Cannot remove source file");
     CZeResourceFileEngine engine(name(":/a/plain"));
-    EXPECT_TRUE(CZeResourceFileEngine(name(":/a")).isDirectory() && !engine.isDirectory());
-    EXPECT_TRUE(engine.write("x", 1) == -1 && !engine.map(0, 1) && !engine.unmap(nullptr));
-    for (const char* const path : {"", "a", ":/", "/a", ":/a/../c", ":/.", ":/a", ":/a/plain", ":/a/plain/c"})
+    EXPECT_TRUE(CZeResourceFileEngine(name(":/a")).isDirectory());
+    EXPECT_FALSE(engine.isDirectory());
+    ASSERT_TRUE(engine.open(Ze::ReadOnly));
+    EXPECT_FALSE(engine.seek(-6));
+    EXPECT_EQ(engine.error(), Ze::FileErrPosition);
+    EXPECT_EQ(engine.write("x", 1), -1);
+    EXPECT_FALSE(engine.map(0, 1));
+    EXPECT_FALSE(engine.unmap(nullptr));
+    for (const char* const path : {"", "a", ":/", "/a", ":/a/../c", ":/."})
         EXPECT_FALSE(add(path, "x")) << path;
-    EXPECT_FALSE(take(":/a") || take(":/") || take("a"));
-    EXPECT_TRUE(take(":/a/broken") && take(":/a/plain"));
+    for (const char* const path : {":/a", ":/", "a"})
+        EXPECT_FALSE(take(path)) << path;
+    EXPECT_TRUE(take(":/a/broken"));
+    EXPECT_TRUE(take(":/a/plain"));
+}
+
+// '!' sorts before '/', which must not come between a directory and what is in it.
+TEST(Resource, NamesMakeATree) {
+    const LogCapture log;
+    for (const char* const path : {":/x/a!", ":/x/a/b", ":/x/a!b", ":/x/aa"})
+        ASSERT_TRUE(add(path, "x")) << path;
+    for (const char* const path :
+         {":/x", ":/x/a", ":/x//a/", ":/x/a/b", ":/x/a/b/c", ":/x/a!/b", ":/x/a!/b/c"})
+        EXPECT_FALSE(add(path, "x")) << path;
+    EXPECT_EQ(log.texts().back(), "CZeResourceInfo::registerResource: Path is taken: :/x/a!/b/c");
+    const CZeResourceInfo x = CZeResourceInfo::find(name(":/x/"));
+    std::string tree;
+    for (const CZeResourceInfo& node : x.children())
+        tree += utf8(node.name()) + (node.isDirectory() ? "/ " : " ");
+    EXPECT_EQ(tree, "a/ a! a!b aa ");
+    EXPECT_EQ(utf8(x.name()), "x");
+    for (const char* const path : {":/x/a!", ":/x/a/b", ":/x/a!b", ":/x/aa"})
+        EXPECT_TRUE(take(path)) << path;
+    EXPECT_FALSE(CZeResourceInfo::find(name(":/x")).exists());
+    EXPECT_TRUE(x.children().empty()); // as it is now
+}
+
+TEST(Resource, MayBeDeep) {
+    std::string path = ":";
+    for (int i = 0; i < 60000; ++i)
+        path += "/d";
+    for (const char* const last : {"/x", "/y"})
+        EXPECT_TRUE(add(path + last, last));
+    EXPECT_EQ(CZeResourceInfo::find(name(path)).children().size(), 2u);
+    EXPECT_TRUE(CZeResourceInfo::find(name(":/d")).isDirectory());
+    for (const char* const last : {"/x", "/y"})
+        EXPECT_TRUE(take(path + last));
+}
+
+TEST(Resource, MayBeUsedByWhoReadsTheLog) {
+    const LogCapture restoresTheLogger;
+    static bool hasFound = false;
+    __android_log_set_logger([](const __android_logger_data*, const char*) {
+        hasFound = CZeResourceInfo::find(name(":/known")).exists();
+    });
+    EXPECT_TRUE(add(":/known", ""));
+    EXPECT_FALSE(add(":/known", ""));
+    EXPECT_TRUE(hasFound);
+    EXPECT_TRUE(take(":/known"));
 }
 
 TEST(Resource, AnyThreadMayRegister) {
