@@ -1,8 +1,28 @@
 #include "core/io/file.h"
 
+#include "core/io/generic_file_engine.h"
+#include "core/io/resource_file_engine.h"
+#include "core/io/resource_info.h"
+#include "core/tools/error_text.h"
 #include "core/warning.h"
 
+#include <cerrno>
 #include <utility>
+
+namespace {
+
+/// Calls `work` with an engine for the closed file. The engine lives on the stack: asking needs no memory.
+template <class Work>
+auto withEngine(const CZeString& fileName, const Work& work) {
+    if (CZeResourceInfo::isResourcePath(fileName)) {
+        CZeResourceFileEngine engine(fileName);
+        return work(engine);
+    }
+    CZeGenericFileEngine engine(fileName);
+    return work(engine);
+}
+
+} // namespace
 
 CZeFile::CZeFile() = default;
 
@@ -31,21 +51,27 @@ bool CZeFile::open(int mode) {
     if (!(mode & Ze::ReadWrite))
         return CZeIODevice::open(mode); // which refuses it
     std::unique_ptr<CZeFileEngine> engine = CZeFileEngine::create(m_fileName);
+    if (!engine)
+        return fail(Ze::FileErrOpen, ze::errorText(ENOMEM));
     if (!engine->open(mode))
         return fail(*engine);
     return openEngine(std::move(engine), mode);
 }
 
 bool CZeFile::exists() const {
-    return CZeFileEngine::create(m_fileName)->exists();
+    return withEngine(m_fileName, [](const CZeFileEngine& engine) { return engine.exists(); });
 }
 
 int64_t CZeFile::size() const {
-    return isOpen() ? CZeFileDevice::size() : CZeFileEngine::create(m_fileName)->size();
+    if (isOpen())
+        return CZeFileDevice::size();
+    return withEngine(m_fileName, [](const CZeFileEngine& engine) { return engine.size(); });
 }
 
 bool CZeFile::isSequential() const {
-    return isOpen() ? CZeFileDevice::isSequential() : CZeFileEngine::create(m_fileName)->isSequential();
+    if (isOpen())
+        return CZeFileDevice::isSequential();
+    return withEngine(m_fileName, [](const CZeFileEngine& engine) { return engine.isSequential(); });
 }
 
 bool CZeFile::remove() {
@@ -55,9 +81,10 @@ bool CZeFile::remove() {
     }
     unsetError();
     close(); // what cannot be written any more was to be removed anyway
-    const std::unique_ptr<CZeFileEngine> engine = CZeFileEngine::create(m_fileName);
-    if (!engine->remove())
-        return fail(*engine);
-    unsetError();
-    return true;
+    return withEngine(m_fileName, [&](CZeFileEngine& engine) {
+        if (!engine.remove())
+            return fail(engine);
+        unsetError();
+        return true;
+    });
 }

@@ -35,16 +35,17 @@ public:
     bool remove();
 
     /// Closes the file and renames it to `newName`, which this object then has as its name; there must not be
-    /// a file of that name, except the same one in other letter case. Where the system cannot rename, the
-    /// contents are copied, with permissions and times, and the old file removed. After a failure, error code
-    /// FileErrRename, the file has its old name and contents and no new file is left behind; it may be
-    /// closed. What could not be written before renaming is a write error.
+    /// anything of that name, except the same file in other letter case, and it must not be one of a
+    /// resource. Where the system cannot rename, the contents are copied, with owner, permissions and times
+    /// as far as possible, and the old file removed. After a failure, error code FileErrRename, the file has
+    /// its old name and contents and no new file is left behind; it may be closed. What could not be written
+    /// before renaming is a write error.
     bool rename(const CZeString& newName);
 
 private:
     bool failRename(const char* text);
-    bool renameInTwoSteps(const CZeString& newName);
-    bool renameByCopy(const CZeString& newName);
+    bool renameInTwoSteps(const char* from, const char* to);
+    bool renameOrCopy(const CZeString& newName, const char* newPath);
 
     CZeString m_fileName;
 };

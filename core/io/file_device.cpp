@@ -1,8 +1,10 @@
 #include "core/io/file_device.h"
 
+#include "core/tools/error_text.h"
 #include "core/warning.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <new>
 #include <utility>
 
@@ -36,7 +38,9 @@ bool CZeFileDevice::close() {
     if (!m_engine)
         return true;
     const bool isWritten = writePending();
-    const bool isClosed = m_engine->close() || (isWritten && fail(*m_engine));
+    const bool isClosed = m_engine->close();
+    if (isWritten && !isClosed) // the first error stays
+        fail(*m_engine);
     m_engine.reset();
     m_pending.reset();
     m_pendingSize = 0;
@@ -49,7 +53,7 @@ bool CZeFileDevice::seek(int64_t pos) {
         ze::coreWarning("CZeFileDevice::seek: IODevice is not open");
         return false;
     }
-    if (pos < 0 || isSequentialOnce())
+    if (pos < 0 || isSequentialCached())
         return CZeIODevice::seek(pos); // which knows how to refuse it
     if (seekInBuffer(pos))
         return true;
@@ -73,7 +77,7 @@ unsigned char* CZeFileDevice::map(int64_t offset, int64_t size) {
     if (!m_engine || !m_engine->supportsMap()) {
         constexpr char kRefusal[] = "No file engine available or engine does not support MapExtension";
         ze::coreWarning(kRefusal);
-        fail(Ze::FileErrMap, CZeString(CZeLatin1String(kRefusal)));
+        fail(Ze::FileErrMap, ze::errorText(kRefusal));
         return nullptr;
     }
     // The mapping shows what is in the file, and may change it.
@@ -89,7 +93,7 @@ bool CZeFileDevice::unmap(unsigned char* address) {
     if (!m_engine || !m_engine->supportsMap()) {
         constexpr char kRefusal[] = "No file engine available or engine does not support UnMapExtension";
         ze::coreWarning(kRefusal);
-        return fail(Ze::FileErrMap, CZeString(CZeLatin1String(kRefusal)));
+        return fail(Ze::FileErrMap, ze::errorText(kRefusal));
     }
     return m_engine->unmap(address) || fail(*m_engine);
 }
@@ -113,6 +117,10 @@ int64_t CZeFileDevice::readData(char* data, int64_t maxSize) {
 int64_t CZeFileDevice::writeData(const char* data, int64_t size) {
     if (m_pendingSize == 0 && appends())
         setDevicePos(m_engine->size());
+    if (size > INT64_MAX - pos()) {
+        fail(Ze::FileErrWrite, ze::errorText(EFBIG));
+        return -1;
+    }
     if (size > kBufferSize - m_pendingSize && !writePending())
         return -1;
     if (size < kBufferSize && !m_pending)
@@ -121,7 +129,7 @@ int64_t CZeFileDevice::writeData(const char* data, int64_t size) {
         const int64_t written = writeThrough(data, size);
         return written > 0 ? written : -1;
     }
-    std::memcpy(m_pending.get() + m_pendingSize, data, size_t(size));
+    std::memcpy(m_pending.get() + m_pendingSize, data, static_cast<size_t>(size));
     m_pendingSize += size;
     return size;
 }
@@ -133,7 +141,7 @@ bool CZeFileDevice::fail(int error, const CZeString& text) {
 }
 
 bool CZeFileDevice::appends() {
-    return (openMode() & Ze::Append) && !isSequentialOnce();
+    return (openMode() & Ze::Append) && !isSequentialCached();
 }
 
 /// Writes the pending bytes. Those that it cannot write stay pending.
@@ -142,7 +150,7 @@ bool CZeFileDevice::writePending() {
         return true;
     const int64_t written = writeThrough(m_pending.get(), m_pendingSize);
     m_pendingSize -= written;
-    std::memmove(m_pending.get(), m_pending.get() + written, size_t(m_pendingSize));
+    std::memmove(m_pending.get(), m_pending.get() + written, static_cast<size_t>(m_pendingSize));
     return m_pendingSize == 0;
 }
 

@@ -4,14 +4,16 @@
 #include "core/io/resource_file_engine.h"
 #include "core/io/resource_info.h"
 
+#include <new>
+
 CZeFileEngine::CZeFileEngine() = default;
 
 CZeFileEngine::~CZeFileEngine() = default;
 
 std::unique_ptr<CZeFileEngine> CZeFileEngine::create(const CZeString& fileName) {
     if (CZeResourceInfo::isResourcePath(fileName))
-        return std::make_unique<CZeResourceFileEngine>(fileName);
-    return std::make_unique<CZeGenericFileEngine>(fileName);
+        return std::unique_ptr<CZeFileEngine>(new (std::nothrow) CZeResourceFileEngine(fileName));
+    return std::unique_ptr<CZeFileEngine>(new (std::nothrow) CZeGenericFileEngine(fileName));
 }
 
 bool CZeFileEngine::supportsMap() const {

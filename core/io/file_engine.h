@@ -14,6 +14,7 @@
 class ZE_EXPORT CZeFileEngine {
 public:
     /// The engine that serves `fileName`: resources for names that begin with ":/", else the file system.
+    /// Null when there is no memory for one.
     static std::unique_ptr<CZeFileEngine> create(const CZeString& fileName);
 
     CZeFileEngine();

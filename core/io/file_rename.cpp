@@ -1,86 +1,128 @@
 // Renaming, and what takes its place where the system cannot do it.
 
-#include "core/io/descriptor.h"
 #include "core/io/file.h"
+#include "core/io/generic_file_engine.h"
 #include "core/io/native_path.h"
+#include "core/io/permissions.h"
+#include "core/io/place.h"
 #include "core/io/random_name.h"
+#include "core/io/resource_info.h"
 #include "core/io/restarting.h"
 #include "core/tools/error_text.h"
 #include "core/warning.h"
 
 #include <cerrno>
+#include <cstdio>
+#include <cstring>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
 namespace {
 
-bool entryExists(const CZeString& name) {
-    struct stat status = {};
-    return lstat(ze::nativePath(name).constData(), &status) == 0;
+bool isSameFile(const struct stat& left, const struct stat& right) {
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
 /// Both names are one entry of the file system, or hard links to one file. A symbolic link is not the file
 /// that it leads to: to rename it to that would lose the file.
-bool isSameEntry(const CZeString& left, const CZeString& right) {
+bool isSameEntry(const char* left, const char* right) {
     struct stat l = {}, r = {};
-    return lstat(ze::nativePath(left).constData(), &l) == 0 &&
-           lstat(ze::nativePath(right).constData(), &r) == 0 && l.st_dev == r.st_dev && l.st_ino == r.st_ino;
+    return lstat(left, &l) == 0 && lstat(right, &r) == 0 && isSameFile(l, r);
 }
 
-/// A name beside `name` that is free; null when none was found.
-CZeString freeNameBeside(const CZeString& name) {
+/// Puts a random tail behind `name`, at `end`, until nothing has that name.
+bool findFreeName(const char* name, char* end) {
     constexpr int kAttempts = 16;
+    *end++ = '.';
     for (int i = 0; i < kAttempts; ++i) {
-        const CZeString candidate = ze::randomName(name + CZeLatin1String("."), 6);
-        if (!entryExists(candidate))
-            return candidate;
+        ze::writeRandomName(end, 6);
+        struct stat status = {};
+        if (lstat(name, &status) != 0)
+            return true;
     }
-    return {};
+    errno = EEXIST;
+    return false;
 }
 
-bool copyBlocks(CZeFile& source, CZeFile& target) {
+bool copyBlocks(CZeFileEngine& source, CZeFileEngine& target) {
     char block[65536];
     for (;;) {
         const int64_t count = source.read(block, sizeof block);
         if (count <= 0)
             return count == 0;
-        if (target.write(block, count) != count)
-            return false;
+        for (int64_t written = 0; written < count;) {
+            const int64_t step = target.write(block + written, count - written);
+            if (step < 0)
+                return false;
+            written += step;
+        }
     }
 }
 
-/// Copies permissions and times, as far as the file system has them.
-void copyAttributes(const CZeString& source, int target) {
+/// Copies owner, permissions and times, as far as the file system has them.
+void copyAttributes(int source, int target) {
     struct stat status = {};
-    if (stat(ze::nativePath(source).constData(), &status) != 0)
+    if (fstat(source, &status) != 0)
         return;
-    fchmod(target, status.st_mode & 07777);
+    ze::copyPermissions(status, target);
     const timespec times[] = {status.st_atim, status.st_mtim};
     futimens(target, times);
 }
 
-/// Copies a file to a name that nothing has, down to the disk. After a failure the new file is gone again.
-bool copyFile(const CZeString& from, const CZeString& to) {
-    CZeFile source(from);
-    if (!source.open(Ze::ReadOnly))
-        return false;
-    const CZeByteArray path = ze::nativePath(to);
-    const ze::Descriptor created(ze::restarting(
-        [&] { return ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600); }));
-    if (!created)
-        return false;
-    CZeFile target(to);
-    const bool isCopied = target.open(Ze::WriteOnly) && copyBlocks(source, target);
-    if (target.close() && isCopied) {
-        copyAttributes(from, created.get());
-        // The source is going to be removed, so this must survive a loss of power.
-        if (ze::restarting([&] { return fsync(created.get()); }) == 0)
-            return true;
-    }
-    unlink(path.constData());
-    return false;
+/// The new file is in its directory for good. Some file systems have no such promise to give, and a
+/// directory that may not be read cannot be asked for it.
+bool syncDirectory(int directory) {
+    const int result = ze::restarting([&] { return fsync(directory); });
+    return result == 0 || errno == EINVAL || errno == EBADF;
 }
+
+/// A copy of a file at a place that nothing has. It is written through the descriptor that has made it, so
+/// that nothing that is put in its place meanwhile is written to.
+class Copy {
+public:
+    /// Copies, down to the disk. After a failure the new file is gone again.
+    bool make(CZeGenericFileEngine& source, const char* path) {
+        constexpr int kNewFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+        if (!source.open(Ze::ReadOnly) || !m_place.open(path))
+            return false;
+        const int target =
+            ze::restarting([&] { return openat(m_place.directory(), m_place.name(), kNewFile, 0600); });
+        if (target < 0)
+            return false;
+        if (fill(source, target) && isInPlace() && syncDirectory(m_place.directory()))
+            return true;
+        remove();
+        return false;
+    }
+
+    /// Removes the copy; never anything else that has its name now.
+    void remove() {
+        if (isInPlace())
+            unlinkat(m_place.directory(), m_place.name(), 0);
+    }
+
+private:
+    bool fill(CZeGenericFileEngine& source, int target) {
+        CZeGenericFileEngine engine{CZeString()};
+        engine.adoptDescriptor(target, Ze::WriteOnly);
+        const bool isKnown = fstat(target, &m_identity) == 0;
+        if (!isKnown || !copyBlocks(source, engine))
+            return false;
+        copyAttributes(source.descriptor(), target);
+        // The source is going to be removed, so this must survive a loss of power.
+        return engine.sync() && engine.close();
+    }
+
+    bool isInPlace() const {
+        struct stat status = {};
+        return fstatat(m_place.directory(), m_place.name(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+               isSameFile(status, m_identity);
+    }
+
+    ze::Place m_place;
+    struct stat m_identity = {};
+};
 
 } // namespace
 
@@ -91,61 +133,72 @@ bool CZeFile::rename(const CZeString& newName) {
     }
     if (newName == m_fileName)
         return failRename("Destination file is the same file.");
-    const std::unique_ptr<CZeFileEngine> engine = CZeFileEngine::create(m_fileName);
-    if (!engine->exists())
+    if (!exists())
         return failRename("Source file does not exist.");
-    const bool isTaken = CZeFile(newName).exists();
+    if (CZeResourceInfo::isResourcePath(newName)) {
+        if (CZeResourceInfo::find(newName).exists())
+            return failRename("Destination file exists");
+        return fail(Ze::FileErrRename, ze::errorText(EROFS));
+    }
+    const ze::NativePath from(m_fileName);
+    const ze::NativePath to(newName);
+    struct stat status = {};
+    const bool isTaken = lstat(to.get(), &status) == 0;
+    // Renaming would replace a file that only cannot be seen now.
+    if (!isTaken && errno != ENOENT && errno != ENOTDIR)
+        return fail(Ze::FileErrRename, ze::lastErrorText());
     if (isTaken &&
-        !(newName.compare(m_fileName, Ze::CaseInsensitive) == 0 && isSameEntry(m_fileName, newName)))
+        !(newName.compare(m_fileName, Ze::CaseInsensitive) == 0 && isSameEntry(from.get(), to.get())))
         return failRename("Destination file exists");
     if (!close())
         return false; // the error of what could not be written stays
 
-    if (isTaken) {
-        if (!renameInTwoSteps(newName))
-            return false;
-    } else if (!engine->rename(newName)) {
-        if (engine->isSequential())
-            return failRename("Will not rename sequential file using block copy");
-        if (!renameByCopy(newName))
-            return false;
-    }
+    const bool isRenamed = isTaken ? renameInTwoSteps(from.get(), to.get()) : renameOrCopy(newName, to.get());
+    if (!isRenamed)
+        return false;
     m_fileName = newName;
     unsetError();
     return true;
 }
 
 /// Where letter case does not count, a direct rename may do nothing.
-bool CZeFile::renameInTwoSteps(const CZeString& newName) {
-    const CZeString temporary = freeNameBeside(m_fileName);
-    if (temporary.isNull())
-        return fail(Ze::FileErrRename, ze::errorText(EEXIST));
-    const std::unique_ptr<CZeFileEngine> original = CZeFileEngine::create(m_fileName);
-    if (!original->rename(temporary))
-        return fail(*original);
-    const std::unique_ptr<CZeFileEngine> moved = CZeFileEngine::create(temporary);
-    if (moved->rename(newName)) {
+bool CZeFile::renameInTwoSteps(const char* from, const char* to) {
+    char temporary[sizeof(ze::NativePath) + sizeof ".XXXXXX"];
+    const size_t length = std::strlen(from);
+    std::memcpy(temporary, from, length);
+    if (!findFreeName(temporary, temporary + length) || std::rename(from, temporary) != 0)
+        return fail(Ze::FileErrRename, ze::lastErrorText());
+    if (std::rename(temporary, to) == 0) {
         // Between two hard links to one file the system does nothing and leaves both.
-        if (isSameEntry(temporary, newName))
-            moved->remove();
+        if (isSameEntry(temporary, to))
+            unlink(temporary);
         return true;
     }
-    fail(*moved);
-    if (!moved->rename(m_fileName))
-        fail(Ze::FileErrRename, CZeString(CZeLatin1String("Unable to restore from ")) + temporary +
-                                    CZeLatin1String(": ") + moved->errorString());
+    fail(Ze::FileErrRename, ze::lastErrorText());
+    if (std::rename(temporary, from) != 0)
+        fail(Ze::FileErrRename, CZeString(CZeLatin1String("Unable to restore from ")) +
+                                    CZeString::fromLocal8Bit(temporary) + CZeLatin1String(": ") +
+                                    ze::lastErrorText());
     return false;
 }
 
-bool CZeFile::renameByCopy(const CZeString& newName) {
-    if (!copyFile(m_fileName, newName))
-        return failRename("Error while renaming.");
-    if (CZeFileEngine::create(m_fileName)->remove())
+bool CZeFile::renameOrCopy(const CZeString& newName, const char* newPath) {
+    if (CZeResourceInfo::isResourcePath(m_fileName))
+        return failRename("Cannot remove source file");
+    CZeGenericFileEngine source(m_fileName);
+    if (source.rename(newName))
         return true;
-    CZeFileEngine::create(newName)->remove();
+    if (source.isSequential())
+        return failRename("Will not rename sequential file using block copy");
+    Copy copy;
+    if (!copy.make(source, newPath))
+        return failRename("Error while renaming.");
+    if (source.remove())
+        return true;
+    copy.remove();
     return failRename("Cannot remove source file");
 }
 
 bool CZeFile::failRename(const char* text) {
-    return fail(Ze::FileErrRename, CZeString(CZeLatin1String(text)));
+    return fail(Ze::FileErrRename, ze::errorText(text));
 }

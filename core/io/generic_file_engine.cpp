@@ -3,14 +3,14 @@
 #include "core/io/native_path.h"
 #include "core/io/open_mode.h"
 #include "core/io/restarting.h"
-#include "core/io/tree_removal.h"
 #include "core/tools/error_text.h"
 #include "core/warning.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <string>
+#include <cstring>
+#include <new>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -21,7 +21,8 @@ static_assert(sizeof(off_t) == sizeof(int64_t), "files may be larger than 2 GiB"
 
 namespace {
 
-/// The status of the open file, or of the named one when `descriptor` is −1. Its type is 0 when that fails.
+/// The status of the open file, or of the named one when `descriptor` is −1. Its type is 0, and errno set,
+/// when that fails.
 struct stat statusOf(int descriptor, const CZeString& name) {
     struct stat status = {};
     if (descriptor >= 0) {
@@ -29,35 +30,48 @@ struct stat statusOf(int descriptor, const CZeString& name) {
             status.st_mode = 0;
         return status;
     }
-    const CZeByteArray path = ze::nativePath(name);
-    if (stat(path.constData(), &status) != 0) {
-        ze::coreWarning("stat() ZE_FAILED for '%s'", path.constData());
+    const ze::NativePath path(name);
+    if (stat(path.get(), &status) != 0) {
+        const int error = errno;
+        ze::coreWarning("stat() ZE_FAILED for '%s'", path.get());
+        errno = error;
         status.st_mode = 0;
     }
     return status;
 }
 
 /// The errno of mkdir, or 0 when the directory exists now.
-int makeDirectory(const std::string& path) {
-    if (mkdir(path.c_str(), 0777) == 0)
+int makeDirectory(const char* path) {
+    if (mkdir(path, 0777) == 0)
         return 0;
     const int error = errno;
     struct stat status = {};
-    const bool isThere = error == EEXIST && stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    const bool isThere = error == EEXIST && stat(path, &status) == 0 && S_ISDIR(status.st_mode);
     return isThere ? 0 : error;
 }
 
 /// Tries the directory itself first: most calls find it, or its parent, already there.
-bool makeWithParents(std::string path) {
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    const int error = makeDirectory(path);
-    if (error != ENOENT)
-        return error == 0;
-    const std::string::size_type slash = path.rfind('/');
-    if (slash == 0 || slash == std::string::npos)
-        return false;
-    return makeWithParents(path.substr(0, slash)) && makeDirectory(path) == 0;
+bool makeWithParents(char* path) {
+    size_t length = std::strlen(path);
+    while (length > 1 && path[length - 1] == '/')
+        path[--length] = '\0';
+    // Up to the first directory that can be made; a zero cuts the path there.
+    int error = makeDirectory(path);
+    while (error == ENOENT) {
+        char* slash = std::strrchr(path, '/');
+        while (slash && slash > path && slash[-1] == '/')
+            --slash;
+        if (!slash || slash == path)
+            return false;
+        *slash = '\0';
+        error = makeDirectory(path);
+    }
+    // And down again.
+    for (size_t made = std::strlen(path); error == 0 && made < length; made = std::strlen(path)) {
+        path[made] = '/';
+        error = makeDirectory(path);
+    }
+    return error == 0;
 }
 
 } // namespace
@@ -74,16 +88,12 @@ CZeString CZeGenericFileEngine::tempPath() {
 }
 
 bool CZeGenericFileEngine::mkpath(const CZeString& path) {
-    return makeWithParents(ze::nativePath(path).constData());
+    ze::NativePath native(path);
+    return makeWithParents(native.get());
 }
 
 bool CZeGenericFileEngine::rmdir(const CZeString& path) {
-    return ::rmdir(ze::nativePath(path).constData()) == 0;
-}
-
-bool CZeGenericFileEngine::removeRecursively(const CZeString& path) {
-    const CZeByteArray name = ze::nativePath(path);
-    return !name.isEmpty() && ze::removeTree(name.constData());
+    return ::rmdir(ze::NativePath(path).get()) == 0;
 }
 
 /// Only a mode that allows writing can truncate: Truncate alone or with ReadOnly has no mode string, and
@@ -95,7 +105,9 @@ const char* CZeGenericFileEngine::streamMode(int mode) const {
     if (reads && !(mode & Ze::Truncate)) {
         if (!(mode & Ze::WriteOnly))
             return "rb";
-        return exists() ? "rb+" : "wb+";
+        // "wb+" would empty a file that only cannot be asked for now.
+        const bool isMissing = !exists() && (errno == ENOENT || errno == ENOTDIR);
+        return isMissing ? "wb+" : "rb+";
     }
     if (mode & Ze::WriteOnly)
         return reads ? "wb+" : "wb";
@@ -105,23 +117,21 @@ const char* CZeGenericFileEngine::streamMode(int mode) const {
 bool CZeGenericFileEngine::open(int mode) {
     if (m_fileName.isEmpty()) {
         ze::coreWarning("CZeGenericFileEngine::open: No file name specified");
-        return fail(Ze::FileErrOpen, CZeString(CZeLatin1String("No file name specified")));
+        return fail(Ze::FileErrOpen, ze::errorText("No file name specified"));
     }
-    const CZeByteArray path = ze::nativePath(m_fileName);
+    const ze::NativePath path(m_fileName);
     const char* const modeString = streamMode(mode);
-    std::FILE* stream = nullptr;
-    do
-        stream = std::fopen(path.constData(), modeString);
-    while (!stream && errno == EINTR);
+    std::FILE* const stream = ze::restarting([&] { return std::fopen(path.get(), modeString); });
     if (!stream)
         return failSystemCall(errno == EMFILE ? Ze::FileErrResource : Ze::FileErrOpen);
-    if (S_ISDIR(statusOf(fileno(stream), m_fileName).st_mode)) {
+    const int descriptor = fileno(stream);
+    fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+    if (S_ISDIR(statusOf(descriptor, m_fileName).st_mode)) {
         std::fclose(stream);
-        return fail(Ze::FileErrOpen, CZeString(CZeLatin1String("file to open is a directory")));
+        return fail(Ze::FileErrOpen, ze::errorText("file to open is a directory"));
     }
-    adoptDescriptor(fileno(stream), mode);
+    adoptDescriptor(descriptor, mode);
     m_stream = stream;
-    fcntl(m_descriptor, F_SETFD, FD_CLOEXEC);
     return true;
 }
 
@@ -144,14 +154,16 @@ bool CZeGenericFileEngine::close() {
 }
 
 int64_t CZeGenericFileEngine::read(char* data, int64_t maxSize) {
-    const int64_t count = ze::restarting([&] { return ::read(m_descriptor, data, size_t(maxSize)); });
+    const int64_t count =
+        ze::restarting([&] { return ::read(m_descriptor, data, static_cast<size_t>(maxSize)); });
     if (count < 0)
         failSystemCall(Ze::FileErrRead);
     return count;
 }
 
 int64_t CZeGenericFileEngine::write(const char* data, int64_t size) {
-    const int64_t count = ze::restarting([&] { return ::write(m_descriptor, data, size_t(size)); });
+    const int64_t count =
+        ze::restarting([&] { return ::write(m_descriptor, data, static_cast<size_t>(size)); });
     if (count > 0)
         return count;
     if (count == 0)
@@ -161,7 +173,7 @@ int64_t CZeGenericFileEngine::write(const char* data, int64_t size) {
 }
 
 bool CZeGenericFileEngine::seek(int64_t pos) {
-    return lseek(m_descriptor, pos, SEEK_SET) == pos || failSystemCall(Ze::FileErrPosition);
+    return lseek(m_descriptor, pos, SEEK_SET) >= 0 || failSystemCall(Ze::FileErrPosition);
 }
 
 bool CZeGenericFileEngine::sync() {
@@ -186,13 +198,13 @@ bool CZeGenericFileEngine::isDirectory() const {
 }
 
 bool CZeGenericFileEngine::remove() {
-    return unlink(ze::nativePath(m_fileName).constData()) == 0 || failSystemCall(Ze::FileErrRemove);
+    return unlink(ze::NativePath(m_fileName).get()) == 0 || failSystemCall(Ze::FileErrRemove);
 }
 
 bool CZeGenericFileEngine::rename(const CZeString& newName) {
-    const CZeByteArray from = ze::nativePath(m_fileName);
-    const CZeByteArray to = ze::nativePath(newName);
-    return std::rename(from.constData(), to.constData()) == 0 || failSystemCall(Ze::FileErrRename);
+    const ze::NativePath from(m_fileName);
+    const ze::NativePath to(newName);
+    return std::rename(from.get(), to.get()) == 0 || failSystemCall(Ze::FileErrRename);
 }
 
 bool CZeGenericFileEngine::supportsMap() const {
@@ -208,20 +220,26 @@ unsigned char* CZeGenericFileEngine::map(int64_t offset, int64_t size) {
         constexpr char kRefusal[] =
             "CZeGenericFileEngine::map: Mapping a file beyond its size is not portable";
         ze::coreWarning(kRefusal);
-        fail(Ze::FileErrMap, CZeString(CZeLatin1String(kRefusal)));
+        fail(Ze::FileErrMap, ze::errorText(kRefusal));
         return nullptr;
     }
     const int64_t intoPage = offset % sysconf(_SC_PAGESIZE);
-    const auto length = size_t(size + intoPage);
+    const auto length = static_cast<size_t>(size + intoPage);
     const int access = (m_mode & Ze::ReadOnly ? PROT_READ : 0) | (m_mode & Ze::WriteOnly ? PROT_WRITE : 0);
     void* const start = mmap(nullptr, length, access, MAP_SHARED, m_descriptor, offset - intoPage);
     if (start == MAP_FAILED) {
         failSystemCall(Ze::FileErrMap);
         return nullptr;
     }
-    unsigned char* const first = static_cast<unsigned char*>(start);
-    m_mappings.push_back({first + intoPage, first, length});
-    return first + intoPage;
+    unsigned char* const address = static_cast<unsigned char*>(start) + intoPage;
+    try {
+        m_mappings.push_back({address, start, length});
+    } catch (const std::bad_alloc&) {
+        munmap(start, length);
+        fail(Ze::FileErrMap, ze::errorText(ENOMEM));
+        return nullptr;
+    }
+    return address;
 }
 
 bool CZeGenericFileEngine::unmap(unsigned char* address) {

@@ -28,6 +28,8 @@ public:
     bool open(int mode) override;
     /// Takes over `descriptor`, which is open on this engine's file and fits `mode`.
     void adoptDescriptor(int descriptor, int mode);
+    /// The descriptor of the open file; −1 while it is closed.
+    int descriptor() const { return m_descriptor; }
     /// As in CZeFileEngine.
     bool close() override;
 
@@ -55,7 +57,7 @@ public:
 private:
     struct Mapping {
         unsigned char* address; ///< as returned
-        unsigned char* start;   ///< of the first page
+        void* start;            ///< of the first page
         size_t length;          ///< from `start`
     };
 
@@ -63,7 +65,9 @@ private:
     const char* streamMode(int mode) const;
 
     CZeString m_fileName;
-    std::FILE* m_stream = nullptr; ///< Of a file opened by name. Only opens and closes, never buffers.
+    /// Of a file opened by name. What a mode does to a file is defined by the mode strings of fopen, so that
+    /// opens it. Everything else goes through the descriptor: the device above has a buffer already.
+    std::FILE* m_stream = nullptr;
     int m_descriptor = -1;
     int m_mode = 0;
     std::vector<Mapping> m_mappings;

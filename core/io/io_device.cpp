@@ -51,7 +51,7 @@ int64_t CZeIODevice::size() const {
 }
 
 bool CZeIODevice::seek(int64_t pos) {
-    if (isSequentialOnce()) {
+    if (isSequentialCached()) {
         ze::coreWarning("Cannot call seek on a sequential device");
         return false;
     }
@@ -60,7 +60,7 @@ bool CZeIODevice::seek(int64_t pos) {
         return false;
     }
     if (pos < 0) {
-        ze::coreWarning("CZeIODevice::seek: Invalid pos: %ld", long{pos});
+        ze::coreWarning("CZeIODevice::seek: Invalid pos: %ld", static_cast<long>(pos));
         return false;
     }
     forgetBuffer();
@@ -116,7 +116,7 @@ int64_t CZeIODevice::readLine(char* data, int64_t maxSize) {
                 break;
         }
         const int64_t room = std::min<int64_t>(m_limit - m_next, maxSize - 1 - count);
-        const void* const lineFeed = std::memchr(m_next, '\n', size_t(room));
+        const void* const lineFeed = std::memchr(m_next, '\n', static_cast<size_t>(room));
         isComplete = lineFeed != nullptr;
         count +=
             takeBuffered(data + count, isComplete ? static_cast<const char*>(lineFeed) - m_next + 1 : room);
@@ -136,8 +136,8 @@ int64_t CZeIODevice::write(const char* data, int64_t size) {
         return 0;
     else if (dropReadAhead()) {
         const int64_t written = writeData(data, size);
-        if (written > 0 && !isSequentialOnce())
-            m_devicePos += written;
+        if (written > 0 && !isSequentialCached())
+            advance(written);
         if (written < 0 && m_errorString.isEmpty())
             setErrorString(CZeString());
         return written;
@@ -146,10 +146,10 @@ int64_t CZeIODevice::write(const char* data, int64_t size) {
 }
 
 void CZeIODevice::setErrorString(const CZeString& text) {
-    m_errorString = text.isEmpty() ? CZeString(CZeLatin1String("Unknown error")) : text;
+    m_errorString = text.isEmpty() ? ze::errorText("Unknown error") : text;
 }
 
-bool CZeIODevice::isSequentialOnce() {
+bool CZeIODevice::isSequentialCached() {
     if (m_sequential == Sequential::NotAsked)
         m_sequential = isSequential() ? Sequential::Yes : Sequential::No;
     return m_sequential == Sequential::Yes;
@@ -165,7 +165,7 @@ bool CZeIODevice::seekInBuffer(int64_t pos) {
 
 bool CZeIODevice::dropReadAhead() {
     // What was read ahead of a sequential device has nothing to do with what is written to it.
-    if (isSequentialOnce())
+    if (isSequentialCached())
         return true;
     if (m_next == m_limit) {
         forgetBuffer();
@@ -199,9 +199,9 @@ bool CZeIODevice::mayRead(int64_t maxSize) const {
 bool CZeIODevice::mayPeek(int64_t maxSize) {
     if (!mayRead(maxSize))
         return false;
-    if (isSequentialOnce())
+    if (isSequentialCached())
         ze::coreWarning("Peeking data for sequential device is not supported!");
-    return !isSequentialOnce();
+    return !isSequentialCached();
 }
 
 int64_t CZeIODevice::readThrough(char* data, int64_t maxSize) {
@@ -214,20 +214,20 @@ int64_t CZeIODevice::readThrough(char* data, int64_t maxSize) {
             count += takeBuffered(data + count, std::min<int64_t>(m_limit - m_next, missing));
             continue;
         }
-        if (count > 0 && isSequentialOnce())
+        if (count > 0 && isSequentialCached())
             break; // more may be long in coming
-        int64_t fetched = 0;
+        int64_t got = 0;
         if (missing < kBufferSize) {
-            fetched = fillBuffer();
+            got = fillBuffer();
         } else {
             forgetBuffer();
-            fetched = fetch(data + count, missing);
-            if (fetched > 0)
-                count += keptBytes(data + count, fetched);
+            got = readDevice(data + count, missing);
+            if (got > 0)
+                count += applyTextMode(data + count, got);
         }
-        if (fetched < 0 && count == 0)
+        if (got < 0 && count == 0)
             return -1;
-        if (fetched <= 0)
+        if (got <= 0)
             break;
     }
     return count;
@@ -240,7 +240,7 @@ CZeByteArray CZeIODevice::readArray(int64_t maxSize, bool untilEnd) {
     int64_t step = size() - pos();
     while (count < maxSize) {
         step = std::clamp<int64_t>(step, std::min<int64_t>(kBufferSize, maxSize - count), maxSize - count);
-        bytes.resize(int(count + step));
+        bytes.resize(static_cast<int>(count + step));
         const bool hasRoom = bytes.size() == count + step;
         if (!hasRoom)
             setErrorString(ze::errorText(ENOMEM));
@@ -248,25 +248,25 @@ CZeByteArray CZeIODevice::readArray(int64_t maxSize, bool untilEnd) {
         if (got < 0 && count == 0)
             return {};
         count += std::max<int64_t>(got, 0);
-        const bool mayBeMore = untilEnd ? got > 0 : got == step && !isSequentialOnce();
+        const bool mayBeMore = untilEnd ? got > 0 : got == step && !isSequentialCached();
         // Looking for the end first keeps the array as small as a size that was right.
         if (!mayBeMore || count == maxSize || atEnd())
             break;
         step = count;
     }
-    bytes.resize(int(std::min<int64_t>(count, bytes.size())));
+    bytes.resize(static_cast<int>(std::min<int64_t>(count, bytes.size())));
     return bytes;
 }
 
 /// Moves `size` bytes, which are there, out of the buffer. Returns how many of them count.
 int64_t CZeIODevice::takeBuffered(char* data, int64_t size) {
-    std::memcpy(data, m_next, size_t(size));
+    std::memcpy(data, m_next, static_cast<size_t>(size));
     m_next += size;
-    return keptBytes(data, size);
+    return applyTextMode(data, size);
 }
 
-/// Drops what the open mode does not let through; returns how many bytes remain.
-int64_t CZeIODevice::keptBytes(char* data, int64_t size) const {
+/// Drops the carriage returns in text mode. Returns how many bytes remain.
+int64_t CZeIODevice::applyTextMode(char* data, int64_t size) const {
     return m_openMode & Ze::Text ? std::remove(data, data + size, '\r') - data : size;
 }
 
@@ -279,15 +279,21 @@ int64_t CZeIODevice::fillBuffer() {
         setErrorString(ze::errorText(ENOMEM));
         return -1;
     }
-    const int64_t filled = fetch(m_buffer.get(), kBufferSize);
+    const int64_t filled = readDevice(m_buffer.get(), kBufferSize);
     m_limit += std::max<int64_t>(filled, 0);
     return filled;
 }
 
-int64_t CZeIODevice::fetch(char* data, int64_t maxSize) {
-    const int64_t fetched = readData(data, maxSize);
-    m_devicePos += std::max<int64_t>(fetched, 0);
-    if (fetched < 0 && m_errorString.isEmpty())
+int64_t CZeIODevice::readDevice(char* data, int64_t maxSize) {
+    const int64_t count = readData(data, maxSize);
+    if (count > 0)
+        advance(count);
+    if (count < 0 && m_errorString.isEmpty())
         setErrorString(CZeString());
-    return fetched;
+    return count;
+}
+
+/// A device that has no end does not make the position overflow.
+void CZeIODevice::advance(int64_t count) {
+    m_devicePos += std::min(count, INT64_MAX - m_devicePos);
 }

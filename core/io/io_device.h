@@ -99,7 +99,7 @@ protected:
     void clearErrorString() { m_errorString = CZeString(); }
 
     /// Asks `isSequential` unless that has been done.
-    bool isSequentialOnce();
+    bool isSequentialCached();
     void forgetSequential() { m_sequential = Sequential::NotAsked; }
 
     /// Moves to `pos` when that lies within the block that was read last.
@@ -117,9 +117,10 @@ private:
     int64_t readThrough(char* data, int64_t maxSize);
     CZeByteArray readArray(int64_t maxSize, bool untilEnd);
     int64_t takeBuffered(char* data, int64_t size);
-    int64_t keptBytes(char* data, int64_t size) const;
+    int64_t applyTextMode(char* data, int64_t size) const;
     int64_t fillBuffer();
-    int64_t fetch(char* data, int64_t maxSize);
+    int64_t readDevice(char* data, int64_t maxSize);
+    void advance(int64_t count);
     void forgetBuffer() { m_next = m_limit = m_buffer.get(); }
 
     std::unique_ptr<char[]> m_buffer; ///< Up to m_limit the bytes before m_devicePos.

@@ -1,12 +1,19 @@
 #include "core/io/native_path.h"
 
+#include "core/codecs/utf8_encoder.h"
+
+#include <algorithm>
 #include <cstring>
 
 namespace ze {
 
-CZeByteArray nativePath(const CZeString& name) {
-    const CZeByteArray path = name.toLocal8Bit();
-    return std::memchr(path.constData(), 0, size_t(path.size())) ? CZeByteArray("") : path;
+NativePath::NativePath(const CZeString& name) {
+    // So many units give at least as many bytes: what is left out here was too long anyway.
+    const int count = std::min(name.size(), PATH_MAX);
+    char* const end = encodeUtf8(name.unicode(), count, m_bytes);
+    *end = '\0';
+    if (std::memchr(m_bytes, 0, static_cast<size_t>(end - m_bytes)))
+        m_bytes[0] = '\0';
 }
 
 } // namespace ze

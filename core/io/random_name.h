@@ -2,11 +2,9 @@
 
 #pragma once
 
-#include "core/tools/ze_string.h"
-
 namespace ze {
 
-/// `prefix` with `count` random letters and digits behind it. Any thread may call it.
-CZeString randomName(const CZeString& prefix, int count);
+/// Writes `count` random letters and digits and a terminating zero. Any thread may call it.
+void writeRandomName(char* name, int count);
 
 } // namespace ze

@@ -6,11 +6,18 @@
 
 namespace ze {
 
-/// Makes a call that returns −1 on failure again for as long as signals interrupt it.
+inline bool hasFailed(long result) {
+    return result == -1;
+}
+inline bool hasFailed(const void* result) {
+    return !result;
+}
+
+/// Makes a call that returns −1 or null on failure again for as long as signals interrupt it.
 template <class Call>
 auto restarting(const Call& call) {
     auto result = call();
-    while (result == -1 && errno == EINTR)
+    while (hasFailed(result) && errno == EINTR)
         result = call();
     return result;
 }

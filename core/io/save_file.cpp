@@ -3,6 +3,8 @@
 #include "core/io/descriptor.h"
 #include "core/io/generic_file_engine.h"
 #include "core/io/native_path.h"
+#include "core/io/permissions.h"
+#include "core/io/place.h"
 #include "core/io/random_name.h"
 #include "core/io/resource_info.h"
 #include "core/io/restarting.h"
@@ -12,66 +14,72 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
-#include <string>
+#include <cstring>
+#include <new>
 #include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
-/// What is to be replaced. Names are relative to the directory, which may be renamed meanwhile, as may the
-/// working directory.
-struct CZeSaveFile::Target {
-    ze::Descriptor directory;
-    std::string name;
-    CZeByteArray temporary; ///< Empty before it is made and after it has gone.
-
-    ~Target() {
-        if (!temporary.isEmpty())
-            unlinkat(directory.get(), temporary.constData(), 0);
-    }
-};
-
 namespace {
 
-/// Follows symbolic links, whether they lead to a file or not. Empty, with errno set, when they do not end.
-std::string followLinks(std::string path) {
+constexpr char kTemporaryPrefix[] = ".ze-save-";
+constexpr int kRandomCharacters = 16;
+
+/// Follows symbolic links from `path`, whether they lead to a file or not, and puts in its place where they
+/// lead. False, with errno set, when they do not end.
+bool followLinks(char (&path)[PATH_MAX]) {
     constexpr int kMostLinks = 40;
     for (int i = 0; i < kMostLinks; ++i) {
         char link[PATH_MAX];
-        const ssize_t length = readlink(path.c_str(), link, sizeof link);
+        const ssize_t length = readlink(path, link, sizeof link);
         if (length < 0)
-            return path; // no link
-        const size_t name = link[0] == '/' ? 0 : path.rfind('/') + 1;
-        path.replace(name, path.npos, link, size_t(length));
+            return true; // no link
+        const auto size = static_cast<size_t>(length);
+        const char* const slash = std::strrchr(path, '/');
+        const size_t name = link[0] == '/' || !slash ? 0 : static_cast<size_t>(slash + 1 - path);
+        if (name + size >= sizeof path) {
+            errno = ENAMETOOLONG;
+            return false;
+        }
+        std::memcpy(path + name, link, size);
+        path[name + size] = '\0';
     }
     errno = ELOOP;
-    return {};
-}
-
-/// Opens the directory to work in; where it must not be read, just as a place.
-int openDirectory(const char* path) {
-    const int readable = ::open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    return readable >= 0 || errno != EACCES ? readable : ::open(path, O_PATH | O_DIRECTORY | O_CLOEXEC);
-}
-
-/// Creates a file of a name that nothing has, and gives that name.
-ze::Descriptor createTemporary(int directory, mode_t permissions, CZeByteArray& name) {
-    constexpr int kNewFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    constexpr int kAttempts = 16;
-    for (int i = 0; i < kAttempts; ++i) {
-        const CZeByteArray candidate =
-            ze::nativePath(ze::randomName(CZeString(CZeLatin1String(".ze-save-")), 16));
-        ze::Descriptor file(
-            ze::restarting([&] { return openat(directory, candidate.constData(), kNewFile, permissions); }));
-        if (file)
-            name = candidate;
-        if (file || errno != EEXIST)
-            return file;
-    }
-    return {};
+    return false;
 }
 
 } // namespace
+
+/// What is to be replaced, and the file that is to do it.
+struct CZeSaveFile::Target {
+    ze::Place place;
+    /// Beside it. Empty before it is made and after it has gone.
+    char temporary[sizeof kTemporaryPrefix + kRandomCharacters] = "";
+
+    ~Target() {
+        if (temporary[0] != '\0')
+            unlinkat(place.directory(), temporary, 0);
+    }
+
+    /// Creates a file of a name that nothing has, and notes that name.
+    ze::Descriptor createTemporary(mode_t permissions) {
+        constexpr int kNewFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+        constexpr int kAttempts = 16;
+        char candidate[sizeof temporary];
+        std::memcpy(candidate, kTemporaryPrefix, sizeof kTemporaryPrefix);
+        for (int i = 0; i < kAttempts; ++i) {
+            ze::writeRandomName(candidate + sizeof kTemporaryPrefix - 1, kRandomCharacters);
+            ze::Descriptor file(
+                ze::restarting([&] { return openat(place.directory(), candidate, kNewFile, permissions); }));
+            if (file)
+                std::memcpy(temporary, candidate, sizeof temporary);
+            if (file || errno != EEXIST)
+                return file;
+        }
+        return {};
+    }
+};
 
 CZeSaveFile::CZeSaveFile() = default;
 
@@ -103,11 +111,13 @@ bool CZeSaveFile::open(int mode) {
     }
     if (m_fileName.isEmpty()) {
         ze::coreWarning("CZeSaveFile::open: No file name specified");
-        return fail(Ze::FileErrOpen, CZeString(CZeLatin1String("No file name specified")));
+        return fail(Ze::FileErrOpen, ze::errorText("No file name specified"));
     }
     if (CZeResourceInfo::isResourcePath(m_fileName))
         return failOpen(EROFS);
-    m_target = std::make_unique<Target>();
+    m_target.reset(new (std::nothrow) Target);
+    if (!m_target)
+        return failOpen(ENOMEM);
     if (openTemporary(mode))
         return true;
     m_target.reset();
@@ -115,35 +125,42 @@ bool CZeSaveFile::open(int mode) {
 }
 
 bool CZeSaveFile::openTemporary(int mode) {
-    const std::string path = followLinks(ze::nativePath(m_fileName).constData());
-    if (path.empty())
+    const ze::NativePath native(m_fileName);
+    char path[PATH_MAX];
+    const size_t nativeSize = std::strlen(native.get()) + 1;
+    if (nativeSize > sizeof path)
+        return failOpen(ENAMETOOLONG);
+    std::memcpy(path, native.get(), nativeSize);
+    if (!followLinks(path))
         return failOpen(errno);
-    const size_t nameStart = path.rfind('/') + 1;
-    m_target->name = path.substr(nameStart);
-    if (m_target->name.empty())
+    const size_t length = std::strlen(path);
+    if (length == 0)
+        return failOpen(ENOENT);
+    if (path[length - 1] == '/')
         return failOpen(EISDIR);
-    m_target->directory =
-        ze::Descriptor(openDirectory(nameStart == 0 ? "." : path.substr(0, nameStart).c_str()));
-    const int directory = m_target->directory.get();
-    if (directory < 0)
+    if (!m_target->place.open(path))
         return failOpen(errno);
+    const int directory = m_target->place.directory();
+    const char* const name = m_target->place.name();
 
     struct stat old = {};
-    const bool isNew = fstatat(directory, m_target->name.c_str(), &old, AT_SYMLINK_NOFOLLOW) != 0;
+    const bool isNew = fstatat(directory, name, &old, AT_SYMLINK_NOFOLLOW) != 0;
     if (isNew && errno != ENOENT)
         return failOpen(errno);
     if (!isNew && !S_ISREG(old.st_mode))
-        return fail(Ze::FileErrOpen, CZeString(CZeLatin1String("file to replace is not a regular file")));
-    if (!isNew && faccessat(directory, m_target->name.c_str(), W_OK, 0) != 0)
+        return fail(Ze::FileErrOpen, ze::errorText("file to replace is not a regular file"));
+    if (!isNew && faccessat(directory, name, W_OK, 0) != 0)
         return failOpen(errno);
 
     // What is going to be less than public never is public.
     const mode_t permissions = isNew ? 0666 : 0600;
-    ze::Descriptor file = createTemporary(directory, permissions, m_target->temporary);
-    if (!file || (!isNew && fchmod(file.get(), old.st_mode & 07777) != 0))
+    ze::Descriptor file = m_target->createTemporary(permissions);
+    if (!file || (!isNew && !ze::copyPermissions(old, file.get())))
         return failOpen(errno);
 
-    auto engine = std::make_unique<CZeGenericFileEngine>(m_fileName);
+    std::unique_ptr<CZeGenericFileEngine> engine(new (std::nothrow) CZeGenericFileEngine(m_fileName));
+    if (!engine)
+        return failOpen(ENOMEM);
     engine->adoptDescriptor(file.release(), mode);
     return openEngine(std::move(engine), mode);
 }
@@ -165,10 +182,10 @@ bool CZeSaveFile::replaceTarget() {
         return fail(file);
     if (!CZeFileDevice::close())
         return false;
-    const int directory = m_target->directory.get();
-    if (renameat(directory, m_target->temporary.constData(), directory, m_target->name.c_str()) != 0)
+    const int directory = m_target->place.directory();
+    if (renameat(directory, m_target->temporary, directory, m_target->place.name()) != 0)
         return fail(Ze::FileErrRename, ze::lastErrorText());
-    m_target->temporary = CZeByteArray();
+    m_target->temporary[0] = '\0';
     // The new file is complete whether or not its directory reaches the disk now.
     fsync(directory);
     return true;

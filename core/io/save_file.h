@@ -12,7 +12,9 @@
 /// leaves it.)
 ///
 /// A symbolic link is followed: it stays, and the file that it names is replaced. A replaced file passes on
-/// its permissions; a new one has 0666 less the umask. Other hard links keep the old contents.
+/// its permissions, and its owner and group where this process may give files away; elsewhere a file that is
+/// saved loses the set-user-ID or set-group-ID bit of the other owner or group. A new file has 0666 less the
+/// umask. Other hard links keep the old contents.
 class ZE_EXPORT CZeSaveFile : public CZeFileDevice {
 public:
     /// A closed file without a name, or with one.

@@ -1,9 +1,15 @@
-#include "core/io/tree_removal.h"
+// Removing a directory with all that is in it.
 
 #include "core/io/descriptor.h"
+#include "core/io/generic_file_engine.h"
+#include "core/io/native_path.h"
+#include "core/io/restarting.h"
 
 #include <cerrno>
 #include <cstring>
+#include <memory>
+#include <new>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -12,8 +18,6 @@
 #include <sys/stat.h>
 
 namespace {
-
-constexpr int kDirectory = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 /// What a directory is recognized by.
 struct Identity {
@@ -34,6 +38,16 @@ bool isFileSystemRoot(int directory) {
     return stat("/", &root) != 0 || identityOf(directory) == Identity{root.st_dev, root.st_ino};
 }
 
+/// "." or "..", which cannot be removed from their directory.
+bool isDots(const char* name) {
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
+ze::Descriptor openDirectory(int parent, const char* name) {
+    constexpr int kDirectory = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    return ze::Descriptor(ze::restarting([&] { return openat(parent, name, kDirectory); }));
+}
+
 /// A directory on the way down to the one that is being emptied.
 struct Level {
     std::string name; ///< In the level above.
@@ -41,16 +55,20 @@ struct Level {
     std::vector<std::string> directories; ///< Not yet tried.
 };
 
+struct CloseDirectory {
+    void operator()(DIR* stream) const { closedir(stream); }
+};
+
 std::vector<std::string> entriesOf(int directory) {
     std::vector<std::string> entries;
-    const int copy = fcntl(directory, F_DUPFD_CLOEXEC, 0);
-    DIR* const stream = copy < 0 ? nullptr : fdopendir(copy);
+    ze::Descriptor copy(fcntl(directory, F_DUPFD_CLOEXEC, 0));
+    const std::unique_ptr<DIR, CloseDirectory> stream(copy ? fdopendir(copy.get()) : nullptr);
     if (!stream)
         return entries;
-    while (const dirent* const entry = readdir(stream))
-        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0)
+    copy.release(); // the stream's now
+    while (const dirent* const entry = readdir(stream.get()))
+        if (!isDots(entry->d_name))
             entries.emplace_back(entry->d_name);
-    closedir(stream);
     return entries;
 }
 
@@ -92,8 +110,8 @@ private:
 
     /// Stays where it is when there would be no way back.
     void descend(const std::string& name) {
-        ze::Descriptor below(openat(m_current.get(), name.c_str(), kDirectory));
-        const ze::Descriptor back(below ? openat(below.get(), "..", kDirectory) : -1);
+        ze::Descriptor below = openDirectory(m_current.get(), name.c_str());
+        const ze::Descriptor back = below ? openDirectory(below.get(), "..") : ze::Descriptor();
         if (!back || identityOf(back.get()) != m_levels.back().identity) {
             unlinkat(m_current.get(), name.c_str(), AT_REMOVEDIR); // it may be empty
             return;
@@ -105,7 +123,7 @@ private:
     bool ascend() {
         const std::string name = std::move(m_levels.back().name);
         m_levels.pop_back();
-        ze::Descriptor above(openat(m_current.get(), "..", kDirectory));
+        ze::Descriptor above = openDirectory(m_current.get(), "..");
         if (!above || identityOf(above.get()) != m_levels.back().identity)
             return false;
         m_current = std::move(above);
@@ -117,23 +135,33 @@ private:
     std::vector<Level> m_levels;
 };
 
+/// Removes what it can of the directory's contents.
+void emptyDirectory(ze::Descriptor directory) {
+    try {
+        TreeRemoval(std::move(directory)).run();
+    } catch (const std::bad_alloc&) {
+        // What is left will keep the directory from being removed.
+    }
+}
+
 } // namespace
 
-namespace ze {
-
-bool removeTree(std::string path) {
+bool CZeGenericFileEngine::removeRecursively(const CZeString& path) {
+    ze::NativePath native(path);
+    char* const name = native.get();
     // A slash at the end would follow a symbolic link.
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    Descriptor directory(open(path.c_str(), kDirectory));
+    for (size_t length = std::strlen(name); length > 1 && name[length - 1] == '/'; --length)
+        name[length - 1] = '\0';
+    const char* const slash = std::strrchr(name, '/');
+    if (name[0] == '\0' || isDots(slash ? slash + 1 : name))
+        return false;
+    ze::Descriptor directory = openDirectory(AT_FDCWD, name);
     if (!directory && errno == ENOENT)
         return true;
     if (directory) {
         if (isFileSystemRoot(directory.get()))
             return false;
-        TreeRemoval(std::move(directory)).run();
+        emptyDirectory(std::move(directory));
     }
-    return rmdir(path.c_str()) == 0;
+    return ::rmdir(name) == 0;
 }
-
-} // namespace ze

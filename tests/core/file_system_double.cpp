@@ -1,9 +1,10 @@
 #include "tests/core/file_system_double.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 
+#include <dirent.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -12,9 +13,13 @@ bool refuses(const std::string& function, int interrupted = 0) {
     FileSystemDouble* const system = FileSystemDouble::current;
     if (!system)
         return false;
-    const int call = ++system->calls[function];
+    FileSystemDouble::current = nullptr; // `before` may use the file system itself
+    if (system->before)
+        system->before(function);
+    FileSystemDouble::current = system;
+    system->calls.push_back(function);
     const auto failure = system->failures.find(function);
-    if (interrupted > 0 && call % interrupted == 0)
+    if (interrupted > 0 && static_cast<int>(system->calls.size()) % interrupted == 0)
         errno = EINTR;
     else if (failure != system->failures.end() && failure->second.skipped-- <= 0 &&
              failure->second.times-- > 0)
@@ -36,9 +41,11 @@ bool refusesTransfer(const char* function, std::size_t& size) {
 extern "C" {
 FILE* __real_fopen(const char*, const char*);
 FILE* __wrap_fopen(const char* path, const char* mode) {
-    if (FileSystemDouble::current)
-        FileSystemDouble::current->modes.push_back(mode);
     return refuses("fopen") ? nullptr : __real_fopen(path, mode);
+}
+DIR* __real_fdopendir(int);
+DIR* __wrap_fdopendir(int directory) {
+    return refuses("fdopendir") ? nullptr : __real_fdopendir(directory);
 }
 ssize_t __real_read(int, void*, size_t);
 ssize_t __wrap_read(int file, void* data, size_t size) {
@@ -48,24 +55,31 @@ ssize_t __real_write(int, const void*, size_t);
 ssize_t __wrap_write(int file, const void* data, size_t size) {
     return refusesTransfer("write", size) ? -1 : __real_write(file, data, size);
 }
-int __real_rename(const char*, const char*);
-int __wrap_rename(const char* from, const char* to) {
-    return refuses("rename") ? -1 : __real_rename(from, to);
+
+// Closing that fails has closed.
+int __real_fclose(FILE*);
+int __wrap_fclose(FILE* stream) {
+    const int result = __real_fclose(stream);
+    return refuses("fclose") ? -1 : result;
 }
-int __real_renameat(int, const char*, int, const char*);
-int __wrap_renameat(int fromDirectory, const char* from, int toDirectory, const char* to) {
-    return refuses("renameat") ? -1 : __real_renameat(fromDirectory, from, toDirectory, to);
+int __real_close(int);
+int __wrap_close(int file) {
+    const int result = __real_close(file);
+    return refuses("close") ? -1 : result;
 }
-int __real_unlink(const char*);
-int __wrap_unlink(const char* path) {
-    return refuses("unlink") ? -1 : __real_unlink(path);
-}
-int __real_unlinkat(int, const char*, int);
-int __wrap_unlinkat(int directory, const char* path, int flags) {
-    return refuses("unlinkat") ? -1 : __real_unlinkat(directory, path, flags);
-}
-int __real_fsync(int);
-int __wrap_fsync(int file) {
-    return refuses("fsync") ? -1 : __real_fsync(file);
-}
+
+#define ZE_DOUBLE(function, parameters, ...)                                                                 \
+    int __real_##function parameters;                                                                        \
+    int __wrap_##function parameters {                                                                       \
+        return refuses(#function) ? -1 : __real_##function(__VA_ARGS__);                                     \
+    }
+ZE_DOUBLE(stat, (const char* path, struct stat* status), path, status)
+ZE_DOUBLE(lstat, (const char* path, struct stat* status), path, status)
+ZE_DOUBLE(rename, (const char* from, const char* to), from, to)
+ZE_DOUBLE(renameat, (int fromAt, const char* from, int toAt, const char* to), fromAt, from, toAt, to)
+ZE_DOUBLE(unlink, (const char* path), path)
+ZE_DOUBLE(unlinkat, (int at, const char* path, int flags), at, path, flags)
+ZE_DOUBLE(fsync, (int file), file)
+ZE_DOUBLE(fchown, (int file, uid_t owner, gid_t group), file, owner, group)
+#undef ZE_DOUBLE
 }

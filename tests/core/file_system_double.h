@@ -2,13 +2,15 @@
 
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
-/// While it lives, fopen, read, write, rename, renameat, unlink, unlinkat and fsync are counted and fail
-/// where the test wants it, in programs that are linked to wrap them. One at a time.
+/// While it lives, the calls that tests/core/CMakeLists.txt lists for io_test are noted and fail where the
+/// test wants it. One at a time.
 struct FileSystemDouble {
     struct Failure {
         int error;
@@ -19,11 +21,13 @@ struct FileSystemDouble {
     FileSystemDouble() { current = this; }
     ~FileSystemDouble() { current = nullptr; }
 
+    auto count(const std::string& function) const { return std::count(calls.begin(), calls.end(), function); }
+
     std::map<std::string, Failure> failures; ///< by function
     std::size_t mostBytes = SIZE_MAX;        ///< that one read or write moves
-    int interrupted = 0;                     ///< every so manyth read or write is interrupted; 0: none
-    std::map<std::string, int> calls;
-    std::vector<std::string> modes; ///< of fopen
+    int interrupted = 0;                     ///< a read or write is when it is the so manyth call; 0: none
+    std::function<void(const std::string& function)> before; ///< is called first, or behind a closing call
+    std::vector<std::string> calls;                          ///< in order
 
     static inline FileSystemDouble* current = nullptr;
 };

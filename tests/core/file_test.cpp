@@ -1,7 +1,9 @@
 // Devices and files: opening, reading, writing and seeking.
 
+#include "core/io/dir.h"
 #include "core/io/file.h"
 #include "core/io/generic_file_engine.h"
+#include "core/io/save_file.h"
 #include "tests/core/file_system_double.h"
 #include "tests/core/test_file.h"
 #include "tests/core/text.h"
@@ -14,7 +16,10 @@
 #include <random>
 #include <thread>
 
+#include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace std::string_literals;
 
@@ -26,17 +31,26 @@ using testing::IsEmpty;
 /// A device in memory that counts how often it is asked whether it is sequential.
 class MemoryDevice : public CZeIODevice {
 public:
-    bool isSequential() const override { return ++asked, sequential || CZeIODevice::isSequential(); }
-    bool seek(int64_t pos) override { return CZeIODevice::seek(pos) && (at = size_t(pos), true); }
+    bool isSequential() const override {
+        ++asked;
+        return sequential || CZeIODevice::isSequential();
+    }
+    bool seek(int64_t pos) override {
+        at = static_cast<size_t>(pos);
+        return CZeIODevice::seek(pos);
+    }
     int64_t readData(char* data, int64_t maxSize) override {
-        const size_t count = content.copy(data, size_t(std::min<int64_t>(maxSize, 4)), at);
-        return at += count, int64_t(count);
+        const size_t count = content.copy(data, static_cast<size_t>(std::min<int64_t>(maxSize, 4)), at);
+        at += count;
+        return static_cast<int64_t>(count);
     }
     int64_t writeData(const char* data, int64_t size) override {
         if (content.empty())
             return -1;
-        content.replace(at, size_t(size), data, size_t(size));
-        return at += size_t(size), size;
+        const auto count = static_cast<size_t>(size);
+        content.replace(at, count, data, count);
+        at += count;
+        return size;
     }
 
     std::string content = "0123456789abcdef";
@@ -62,7 +76,6 @@ TEST_F(File, RefusesWithTheseWarnings) {
     constexpr char kBeyond[] = "CZeGenericFileEngine::map: Mapping a file beyond its size is not portable";
     const std::tuple<std::string, int64_t, std::function<int64_t()>> rows[] = {
         // clang-format off
-        {"CZeIODevice::open: File access not specified", 0, [&] { return closed.open(0); }},
         {"CZeIODevice::open: File access not specified", 0, [&] { return closed.open(Ze::Append | Ze::Text); }},
         {"CZeGenericFileEngine::open: No file name specified", 0, [&] { return closed.open(Ze::ReadOnly); }},
         {"Cannot call seek on a sequential device", 0, [&] { return closedPipe.seek(-1); }},
@@ -72,7 +85,6 @@ TEST_F(File, RefusesWithTheseWarnings) {
         {"CZeFileDevice::flush: No file engine. Is IODevice open?", 0, [&] { return closed.flush(); }},
         {"Called with maxSize < 0", -1, [&] { return closed.read(data, -5); }},
         {"Called with maxSize < 0", -1, [&] { return writer.write(data, -1); }},
-        {"WriteOnly device", -1, [&] { return writer.read(data, 1); }},
         {"WriteOnly device", -1, [&] { return writer.readLine(data, 8); }},
         {"device not open", -1, [&] { return closed.read(data, 0); }},
         {"device not open", -1, [&] { return closed.write(data, 0); }},
@@ -103,33 +115,30 @@ TEST_F(File, RefusesWithTheseWarnings) {
     EXPECT_EQ(pipe.asked, 1);
 }
 
-TEST_F(File, OpensWithTheModeStringThatTheAccessCallsFor) {
+TEST_F(File, OpensAsTheAccessCallsFor) {
     constexpr int r = Ze::ReadOnly, w = Ze::WriteOnly, a = Ze::Append, t = Ze::Truncate;
-    const struct {
-        int mode;
-        const char* missing; ///< null: no file comes of it
-        const char* existing;
-        const char* content; ///< of the existing file after "new" was written, where that is allowed
-    } rows[] = {
-        // clang-format off
-        {r, nullptr, "rb", "old text"}, {w, "wb", "wb", "new"}, {r | w, "wb+", "rb+", "new text"},
-        {w | t | Ze::Text, "wb", "wb", "new"}, {w | a, "ab", "ab", "old textnew"}, {r | w | t, "wb+", "wb+", "new"},
-        {r | w | a, "ab+", "ab+", "old textnew"}, {w | a | t, "ab", "ab", "old textnew"}, {r | a, "ab+", "ab+", "old text"},
-        // clang-format on
+    const std::pair<int, std::string> rows[] = {
+        // with what is in the file after "new" was written
+        {w, "new"},         {r | w, "new text"},        {w | t | Ze::Text, "new"},  {w | a, "old textnew"},
+        {r | w | t, "new"}, {r | w | a, "old textnew"}, {w | a | t, "old textnew"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [mode, content] : rows) {
         for (const bool exists : {false, true}) {
-            const FileSystemDouble system;
-            const std::string path = directory / std::to_string(2 * row.mode + exists);
+            const std::string path = directory / std::to_string(2 * mode + exists);
             CZeFile file(name(exists ? madeFile(path, "old text") : path));
-            ASSERT_EQ(file.open(row.mode), exists || row.missing) << row.mode;
-            EXPECT_THAT(system.modes, ElementsAre(exists ? row.existing : row.missing ? row.missing : "rb"));
-            EXPECT_EQ(file.pos(), exists && row.mode & a ? 8 : 0);
-            EXPECT_TRUE(!(row.mode & w) || file.write("new", 3) == 3);
+            ASSERT_TRUE(file.open(mode)) << mode;
+            EXPECT_EQ(file.pos(), exists && mode & a ? 8 : 0);
+            EXPECT_EQ(file.write("new", 3), 3);
             EXPECT_TRUE(file.close());
-            EXPECT_TRUE(!exists || contentOf(path) == row.content) << row.mode;
+            EXPECT_EQ(contentOf(path), exists ? content : "new") << mode;
         }
     }
+    // A file is not taken for a missing one when the system does not tell.
+    FileSystemDouble system;
+    system.failures["stat"] = {EIO};
+    CZeFile file(name(madeFile(directory / "f", "old text")));
+    EXPECT_TRUE(file.open(r | w));
+    EXPECT_EQ(contentOf(directory / "f"), "old text");
 }
 
 TEST_F(File, SaysWhyItCannotBeOpened) {
@@ -140,6 +149,7 @@ TEST_F(File, SaysWhyItCannotBeOpened) {
         // clang-format off
         {file + "?", Ze::ReadOnly, {0, 0}, 5, kNone}, {directory / "dangling", Ze::ReadOnly, {0, 0}, 5, kNone},
         {file + "\0?"s, Ze::ReadOnly, {0, 0}, 5, kNone}, // not the file before the zero
+        {file + std::string(5000, '/'), Ze::ReadOnly, {0, 0}, 5, "File name too long"},
         {directory.path(), Ze::ReadOnly, {0, 0}, 5, "file to open is a directory"},
         {directory.path(), Ze::WriteOnly, {0, 0}, 5, "Is a directory"},
         {file, Ze::ReadOnly | Ze::Truncate, {0, 0}, 5, "Invalid argument"},
@@ -148,18 +158,45 @@ TEST_F(File, SaysWhyItCannotBeOpened) {
         // clang-format on
     };
     CZeFile opened;
-    const std::filesystem::path descriptors = "/proc/self/fd";
-    const auto before = std::distance(std::filesystem::directory_iterator(descriptors), {});
+    const auto before = openDescriptors().size();
     for (const auto& [path, mode, failure, code, text] : rows) {
         FileSystemDouble system;
         system.failures["fopen"] = failure;
         opened.setFileName(name(path));
         EXPECT_EQ(opened.open(mode), code == 0) << text;
-        EXPECT_TRUE(opened.isOpen() == (code == 0) && opened.error() == code) << text;
+        EXPECT_EQ(opened.isOpen(), code == 0) << text;
+        EXPECT_EQ(opened.error(), code) << text;
         EXPECT_EQ(utf8(opened.errorString()), text);
     }
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(descriptors), {}), before + 1);
+    EXPECT_EQ(openDescriptors().size(), before + 1);
     EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(File, LeavesNoDescriptorToAChildProcess) {
+    const std::string path = madeFile(directory / "f", "old");
+    std::filesystem::create_directory(directory / "tree");
+    madeFile(directory / "tree/file", "");
+    const std::set<int> others = openDescriptors();
+    std::set<int> seen, inherited;
+    FileSystemDouble system;
+    system.failures["rename"] = {EXDEV};
+    system.before = [&](const std::string&) {
+        for (const int descriptor : openDescriptors()) {
+            seen.insert(descriptor);
+            if (!others.count(descriptor) && !(fcntl(descriptor, F_GETFD) & FD_CLOEXEC))
+                inherited.insert(descriptor);
+        }
+    };
+    CZeFile file(name(path));
+    ASSERT_TRUE(file.open(Ze::ReadWrite));
+    EXPECT_EQ(bytes(file.readAll()), "old");
+    EXPECT_TRUE(file.rename(name(directory / "copy")));
+    CZeSaveFile save(name(path));
+    ASSERT_TRUE(save.open(Ze::WriteOnly));
+    EXPECT_TRUE(save.commit());
+    EXPECT_TRUE(CZeDir::removeRecursively(name(directory / "tree")));
+    EXPECT_GT(seen.size(), others.size() + 2);
+    EXPECT_THAT(inherited, IsEmpty());
 }
 
 // Random operations on a file against the same ones on a string, with short and interrupted transfers.
@@ -220,7 +257,7 @@ TEST_F(File, SmallReadsCostNoSystemCallEach) {
     std::string read(content.size(), ' ');
     for (size_t i = 0; i < read.size(); i += 64)
         ASSERT_TRUE(file.read(&read[i], 64) == 64 && file.seek(int64_t(i)) && file.seek(int64_t(i) + 64));
-    EXPECT_TRUE(read == content && system.calls.at("read") <= 65);
+    EXPECT_TRUE(read == content && system.count("read") <= 65);
     // The block that was read last is the past of the file no more once something is written.
     EXPECT_TRUE(file.write("!", 1) == 1 && file.seek((1 << 20) - 1));
     EXPECT_EQ(bytes(file.read(2)), content.back() + "!"s);
@@ -261,6 +298,15 @@ TEST_F(File, KeepsWhatADiskDidNotTakeUntilItDoes) {
     EXPECT_EQ(file.write(content.data() + 20000, 10000), 10000);
     EXPECT_TRUE(file.close());
     EXPECT_EQ(contentOf(directory / "f"), content);
+    // The last that a network's disk may say.
+    for (const int error : {EIO, EINTR}) {
+        ASSERT_TRUE(file.open(Ze::WriteOnly));
+        system.failures["fclose"] = {error};
+        EXPECT_EQ(file.close(), error == EINTR); // which has closed
+        EXPECT_EQ(file.error(), error == EINTR ? Ze::FileErrNone : Ze::FileErrWrite);
+        EXPECT_EQ(utf8(file.errorString()), error == EINTR ? "" : "Input/output error");
+        EXPECT_FALSE(file.isOpen());
+    }
 }
 
 TEST_F(File, TellsOfErrorsUpToTheEnd) {
@@ -306,6 +352,25 @@ TEST_F(File, GoesBeyondFourGigabytesAndMaps) {
     EXPECT_EQ(log.texts().back(), "maxSize argument exceeds CZeByteArray size limit");
 }
 
+TEST_F(File, StopsAtTheLastPosition) {
+    const int memory = memfd_create("huge", MFD_CLOEXEC); // takes all positions
+    CZeFile file(name("/proc/self/fd/" + std::to_string(memory)));
+    ASSERT_TRUE(file.open(Ze::ReadWrite));
+    ASSERT_TRUE(file.seek(INT64_MAX));
+    EXPECT_EQ(file.write("x", 1), -1);
+    EXPECT_EQ(file.error(), Ze::FileErrWrite);
+    EXPECT_EQ(utf8(file.errorString()), "File too large");
+    EXPECT_EQ(file.pos(), INT64_MAX);
+    EXPECT_TRUE(file.close());
+    close(memory);
+    MemoryDevice device;
+    ASSERT_TRUE(device.open(Ze::ReadWrite));
+    ASSERT_TRUE(device.seek(INT64_MAX));
+    device.at = 0; // a subclass that knows better
+    EXPECT_EQ(device.write("x", 1), 1);
+    EXPECT_EQ(device.pos(), INT64_MAX);
+}
+
 TEST_F(File, ReadsAPipeAsItComes) {
     const std::string path = directory / "pipe";
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
@@ -347,7 +412,11 @@ TEST_F(File, BuffersForASubclassThatSeeks) {
 }
 
 TEST_F(File, EnginesAskTheSystem) {
-    const CZeGenericFileEngine here(name(directory.path())), file(name(madeFile(directory / "f", ""))),
+    CZeGenericFileEngine engine(name(madeFile(directory / "f", "")));
+    ASSERT_TRUE(engine.open(Ze::ReadOnly));
+    EXPECT_FALSE(engine.seek(-1));
+    EXPECT_EQ(engine.error(), Ze::FileErrPosition);
+    const CZeGenericFileEngine here(name(directory.path())), file(name(directory / "f")),
         none(name(directory / "none"));
     EXPECT_TRUE(here.isDirectory() && !file.isDirectory() && !none.isDirectory());
     EXPECT_THAT(log.texts(), ElementsAre("stat() ZE_FAILED for '" + directory / "none" + "'"));

@@ -8,8 +8,11 @@
 #include <gmock/gmock.h>
 
 #include <cerrno>
+#include <functional>
 
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -19,8 +22,25 @@ protected:
         CZeSaveFile saved(name(at));
         return saved.open(Ze::WriteOnly) && saved.write("new", 3) == 3 && saved.commit();
     }
-    static unsigned permissions(const std::string& of) {
-        return unsigned(std::filesystem::status(of).permissions());
+
+    static constexpr unsigned kAnother = 65534;
+    static unsigned ownerOf(const std::string& of) {
+        struct stat status = {};
+        stat(of.c_str(), &status);
+        return status.st_uid;
+    }
+    /// Does `work`, with its expectations, in a child process without the privileges of root.
+    static void asAnother(const std::function<void()>& work) {
+        const pid_t child = fork();
+        if (child == 0) {
+            if (geteuid() == 0 && (setgid(kAnother) != 0 || setuid(kAnother) != 0))
+                _exit(2);
+            work();
+            _exit(HasFailure() ? 1 : 0);
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0) << "see above";
     }
 
     LogCapture log;
@@ -39,7 +59,7 @@ TEST_F(SaveFile, PutsTheWholeInPlaceAtOnce) {
     EXPECT_TRUE(file.seek(0) && file.write(content.data(), 1) == 1 && contentOf(path) == "old");
     EXPECT_TRUE(file.commit() && !file.isOpen() && contentOf(path) == content);
     EXPECT_EQ(permissions(path), 0604u);
-    EXPECT_EQ(system.calls["fsync"], 2); // the file, then the directory
+    EXPECT_EQ(system.count("fsync"), 2); // the file, then the directory
     const mode_t mask = umask(027);
     EXPECT_TRUE(save(directory / "\xC3\xA9") && permissions(directory / "\xC3\xA9") == 0640);
     umask(mask);
@@ -47,7 +67,7 @@ TEST_F(SaveFile, PutsTheWholeInPlaceAtOnce) {
 }
 
 TEST_F(SaveFile, LeavesTheOldFileWheneverSomethingIsWrong) {
-    for (const char* const function : {"write", "fsync", "renameat"}) {
+    for (const char* const function : {"write", "fsync", "close", "renameat"}) {
         system.failures[function] = {EACCES};
         ASSERT_TRUE(file.open(Ze::WriteOnly) && file.write("new", 3) == 3);
         EXPECT_FALSE(file.commit()) << function;
@@ -63,6 +83,35 @@ TEST_F(SaveFile, LeavesTheOldFileWheneverSomethingIsWrong) {
     EXPECT_TRUE(file.open(Ze::WriteOnly) && file.write("new", 3) == 3 && file.close() && file.error() == 0);
     EXPECT_TRUE(CZeSaveFile(name(path)).open(Ze::WriteOnly));
     EXPECT_EQ(contentOf(path) + listing(directory), "oldfile ");
+}
+
+TEST_F(SaveFile, KeepsTheOwnerOrWhatIsAllowedToTheNewOne) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root may give files away";
+    ASSERT_EQ(chown(path.c_str(), kAnother, kAnother), 0);
+    ASSERT_EQ(chmod(path.c_str(), 06755), 0);
+    EXPECT_TRUE(save(path));
+    EXPECT_EQ(ownerOf(path), kAnother);
+    EXPECT_EQ(permissions(path), 06755u);
+    system.failures["fchown"] = {EPERM, 2};
+    EXPECT_TRUE(save(path));
+    EXPECT_EQ(ownerOf(path), 0u);
+    EXPECT_EQ(permissions(path), 0755u);
+}
+
+TEST_F(SaveFile, GoesAsFarAsTheUserMay) {
+    std::filesystem::create_directory(directory / "drop");
+    chmod((directory / "drop").c_str(), 0333); // may not be read
+    chmod(directory.path().c_str(), 0777);
+    chmod(path.c_str(), 0444);
+    asAnother([&] {
+        EXPECT_TRUE(save(directory / "drop/new"));
+        EXPECT_EQ(contentOf(directory / "drop/new"), "new");
+        EXPECT_FALSE(file.open(Ze::WriteOnly));
+        EXPECT_EQ(utf8(file.errorString()), "Permission denied");
+    });
+    EXPECT_EQ(contentOf(path), "old");
+    EXPECT_EQ(listing(directory), "drop file ");
 }
 
 TEST_F(SaveFile, FollowsLinksAndStaysInItsDirectory) {

@@ -8,7 +8,7 @@
 #include <set>
 
 inline CZeString name(const std::string& path) {
-    return CZeString::fromUtf8(path.data(), int(path.size()));
+    return CZeString::fromUtf8(path.data(), static_cast<int>(path.size()));
 }
 
 inline std::string madeFile(const std::string& path, const std::string& content) {
@@ -20,8 +20,20 @@ inline std::string madeFile(const std::string& path, const std::string& content)
 inline std::string pattern(size_t size) {
     std::string bytes(size, ' ');
     for (size_t i = 0; i < size; ++i)
-        bytes[i] = char(i * 2654435761U >> 13);
+        bytes[i] = static_cast<char>(i * 2654435761U >> 13);
     return bytes;
+}
+
+inline unsigned permissions(const std::string& path) {
+    return static_cast<unsigned>(std::filesystem::status(path).permissions());
+}
+
+/// The file descriptors of the process.
+inline std::set<int> openDescriptors() {
+    std::set<int> descriptors;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
+        descriptors.insert(std::stoi(entry.path().filename()));
+    return descriptors; // with that of the iterator, which is gone
 }
 
 /// The names in a directory, in order, each with a space behind it.
