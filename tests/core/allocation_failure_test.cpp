@@ -3,7 +3,13 @@
 // doubles.
 
 #include "core/codecs/text_codec.h"
+#include "core/io/dir.h"
+#include "core/io/file.h"
+#include "core/io/resource_info.h"
+#include "core/io/save_file.h"
 #include "core/tools/compression.h"
+#include "log/log_settings.h"
+#include "tests/core/test_file.h"
 #include "tests/core/text.h"
 #include "tests/support/log_capture.h"
 
@@ -11,6 +17,7 @@
 
 #include <functional>
 #include <initializer_list>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -19,6 +26,7 @@ namespace {
 int g_untilFailure = 0; // allocations up to and with the one that fails; 0: none does
 bool g_failsOn = false; // so do all that follow
 bool g_hasFailed = false;
+bool g_failsNew = false; // so does operator new
 int g_blocks = 0;
 
 bool failsNow() {
@@ -47,6 +55,17 @@ void __wrap_free(void* block) {
     g_blocks -= block != nullptr;
     __real_free(block);
 }
+}
+
+void* operator new(size_t size) {
+    void* const block = g_failsNew && failsNow() ? nullptr : __real_malloc(size);
+    return block ? block : throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept {
+    __real_free(block);
+}
+void operator delete(void* block, size_t) noexcept {
+    __real_free(block);
 }
 
 namespace {
@@ -232,6 +251,97 @@ TEST(AllocationFailure, IsReportedByCompression) {
     expectResultOrNothing(2, [&] { return ZeUncompress(understated.constData(), understated.size()); });
     EXPECT_THAT(log.texts(), Contains("ZeCompress: Z_MEM_ERROR: Not enough memory"));
     EXPECT_THAT(log.texts(), Contains("ZeUncompress: Input data is corrupted"));
+}
+
+class FileAllocationFailure : public testing::Test {
+protected:
+    FileAllocationFailure() {
+        ZeSetLogFilter(0); // whose own failures are not the matter here
+        g_failsNew = true;
+    }
+    ~FileAllocationFailure() override {
+        g_failsNew = false;
+        ZeSetLogFilter(3);
+    }
+
+    const TempDirectory directory;
+    const std::string path = madeFile(directory / "file", "old");
+    const CZeString file = name(path), other = name(directory / "other"), tree = name(directory / "tree");
+    const CZeString resource = name(":/directory/resource");
+};
+
+TEST_F(FileAllocationFailure, IsTheReasonOfARefusal) {
+    ASSERT_TRUE(CZeResourceInfo::registerResource(resource, CZeByteArray("old")));
+    CZeString reason;
+    const auto note = [&](bool isDone, const CZeIODevice& device) {
+        reason = isDone ? CZeString() : device.errorString();
+    };
+    const std::function<void(CZeFile&, CZeSaveFile&)> works[] = {
+        [&](auto& f, auto&) { note(f.open(Ze::ReadOnly) && f.readAll().size() == 3, f); },
+        [&](auto& f, auto&) { note(f.open(Ze::ReadWrite) && f.map(0, 3), f); },
+        [&](auto& f, auto&) { note(f.open(Ze::ReadWrite) && f.write("old", 3) == 3 && f.close(), f); },
+        [&](auto&, auto& s) { note(s.open(Ze::WriteOnly) && s.write("old", 3) == 3 && s.commit(), s); },
+        [&](auto& f, auto&) {
+            f.setFileName(resource);
+            note(f.open(Ze::ReadOnly) && f.readAll().size() == 3, f);
+        },
+    };
+    for (const auto& work : works) {
+        SCOPED_TRACE(&work - works);
+        const int failures = forEachFailure([&](auto underFailure) {
+            CZeFile f(file);
+            CZeSaveFile s(file);
+            const bool hasFailed = underFailure([&] { work(f, s); });
+            EXPECT_TRUE(hasFailed || reason.isNull());
+            EXPECT_TRUE(reason.isNull() || utf8(reason) == "Cannot allocate memory") << utf8(reason);
+            EXPECT_EQ(contentOf(path), "old");
+            reason.truncate(1); // which the next one does not show
+        });
+        EXPECT_GT(failures, 0);
+    }
+    EXPECT_EQ(listing(directory), "file ");
+    EXPECT_TRUE(CZeResourceInfo::unregisterResource(resource));
+}
+
+TEST_F(FileAllocationFailure, LeavesTreesInOrder) {
+    const CZeString sibling = name(":/directory/sibling");
+    const int failures = forEachFailure([&](auto underFailure) {
+        ASSERT_TRUE(CZeDir::mkpath(name(directory / "tree/a")));
+        madeFile(directory / "tree/a/file", "");
+        bool isRemoved = false, isAdded = false;
+        size_t children = 0;
+        underFailure([&] { isRemoved = CZeDir::removeRecursively(tree); });
+        EXPECT_EQ(isRemoved, !std::filesystem::exists(directory / "tree"));
+        EXPECT_TRUE(CZeDir::removeRecursively(tree));
+        underFailure([&] { isAdded = CZeResourceInfo::registerResource(resource, CZeByteArray()); });
+        EXPECT_EQ(CZeResourceInfo::find(resource).exists(), isAdded);
+        EXPECT_TRUE(isAdded || CZeResourceInfo::registerResource(resource, CZeByteArray()));
+        EXPECT_TRUE(CZeResourceInfo::registerResource(sibling, CZeByteArray()));
+        const CZeResourceInfo parent = CZeResourceInfo::find(name(":/directory"));
+        const bool hasFailed = underFailure([&] { children = parent.children().size(); });
+        EXPECT_TRUE(children == 2 || (hasFailed && children == 0)) << children;
+        EXPECT_TRUE(CZeResourceInfo::unregisterResource(resource));
+        EXPECT_TRUE(CZeResourceInfo::unregisterResource(sibling));
+    });
+    EXPECT_GT(failures, 0);
+}
+
+TEST_F(FileAllocationFailure, CannotMeetWhatNeedsNoMemory) {
+    ASSERT_TRUE(CZeResourceInfo::registerResource(resource, CZeByteArray()));
+    const int failures = forEachFailure([&](auto underFailure) {
+        CZeFile f(file), r(resource);
+        underFailure([&] {
+            EXPECT_TRUE(f.exists());
+            EXPECT_TRUE(r.exists());
+            EXPECT_EQ(f.size(), 3);
+            EXPECT_TRUE(f.rename(other));
+            EXPECT_TRUE(f.rename(file));
+            EXPECT_TRUE(CZeDir::mkpath(tree));
+            EXPECT_TRUE(CZeDir::rmdir(tree));
+        });
+    });
+    EXPECT_EQ(failures, 0);
+    EXPECT_TRUE(CZeResourceInfo::unregisterResource(resource));
 }
 
 } // namespace
