@@ -6,8 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <climits>
-
 #include <sys/resource.h>
 #include <zlib.h>
 
@@ -64,7 +62,7 @@ std::string zlibStream(const std::string& bytes, int level) {
 TEST(Compression, IsALengthAndAZlibStream) {
     const LogCapture log;
     for (const std::string& content : {pattern(1), pattern(101), pattern(1000000), std::string(70000, 'x')}) {
-        for (const int level : {-1, 0, 1, 9, 10, -2, INT_MAX, INT_MIN}) {
+        for (const int level : {-1, 0, 9, 10, -2}) {
             const int used = level < -1 || level > 9 ? -1 : level;
             const std::string packed = bytes(compressed(content, level));
             ASSERT_EQ(packed, prefixed(uint32_t(content.size()), zlibStream(content, used))) << level;
@@ -93,12 +91,9 @@ TEST(Compression, RefusesWithTheseWarnings) {
     const std::string dataError = "ZeUncompress: Z_DATA_ERROR: Input data is corrupted";
     const std::pair<std::string, CZeByteArray> rows[] = {
         {corrupted, uncompressed("")},
-        {corrupted, uncompressed(std::string(3, '\0'))},
-        {corrupted, uncompressed(prefixed(1, ""))},
         {corrupted, ZeUncompress(stream.data(), -1)},
         {corrupted, uncompressed(prefixed(0xFFFFFFFF, stream))},
         {corrupted, uncompressed(prefixed(0x7FFFFFE7, stream))},
-        {dataError, uncompressed(prefixed(5000, stream.substr(0, stream.size() - 1)))},
         {dataError, uncompressed(prefixed(0x7FFFFFE6, "no stream!"))},
         {dataError, uncompressed(prefixed(5000, stream.substr(0, 90) + '?' + stream.substr(91)))},
         {"ZeUncompress: Data is null", ZeUncompress(nullptr, 0)},

@@ -28,35 +28,10 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A device in memory that counts how often it is asked whether it is sequential.
-class MemoryDevice : public CZeIODevice {
-public:
-    bool isSequential() const override {
-        ++asked;
-        return sequential || CZeIODevice::isSequential();
-    }
-    bool seek(int64_t pos) override {
-        at = static_cast<size_t>(pos);
-        return CZeIODevice::seek(pos);
-    }
-    int64_t readData(char* data, int64_t maxSize) override {
-        const size_t count = content.copy(data, static_cast<size_t>(std::min<int64_t>(maxSize, 4)), at);
-        at += count;
-        return static_cast<int64_t>(count);
-    }
-    int64_t writeData(const char* data, int64_t size) override {
-        if (content.empty())
-            return -1;
-        const auto count = static_cast<size_t>(size);
-        content.replace(at, count, data, count);
-        at += count;
-        return size;
-    }
-
-    std::string content = "0123456789abcdef";
-    size_t at = 0;
-    bool sequential = false;
-    mutable int asked = 0;
+/// A device that takes everything, gives nothing and does not say why.
+class OddDevice : public CZeIODevice {
+    int64_t readData(char*, int64_t) override { return -1; }
+    int64_t writeData(const char*, int64_t size) override { return size; }
 };
 
 class File : public testing::Test {
@@ -68,38 +43,32 @@ protected:
 TEST_F(File, RefusesWithTheseWarnings) {
     const std::string path = madeFile(directory / "f", "0123456789");
     char data[8] = "";
-    CZeFile closed, reader(name(path)), writer(name(directory / "g"));
-    MemoryDevice memory, pipe, closedPipe;
-    pipe.sequential = closedPipe.sequential = true;
-    ASSERT_TRUE(reader.open(Ze::ReadOnly) && writer.open(Ze::WriteOnly) && pipe.open(Ze::ReadWrite));
-    constexpr char kTooLong[] = "maxSize argument exceeds CZeByteArray size limit";
-    constexpr char kBeyond[] = "CZeGenericFileEngine::map: Mapping a file beyond its size is not portable";
+    CZeFile closed, reader(name(path)), writer(name(directory / "g")), pipe(name("/dev/null"));
+    ASSERT_TRUE(reader.open(Ze::ReadOnly));
+    ASSERT_TRUE(writer.open(Ze::WriteOnly));
     const std::tuple<std::string, int64_t, std::function<int64_t()>> rows[] = {
         // clang-format off
         {"CZeIODevice::open: File access not specified", 0, [&] { return closed.open(Ze::Append | Ze::Text); }},
         {"CZeGenericFileEngine::open: No file name specified", 0, [&] { return closed.open(Ze::ReadOnly); }},
-        {"Cannot call seek on a sequential device", 0, [&] { return closedPipe.seek(-1); }},
-        {"The device is not open", 0, [&] { return memory.seek(-1); }},
+        {"Cannot call seek on a sequential device", 0, [&] { return pipe.CZeIODevice::seek(-1); }},
+        {"The device is not open", 0, [&] { return OddDevice().seek(-1); }},
         {"CZeIODevice::seek: Invalid pos: -1", 0, [&] { return reader.seek(-1); }},
         {"CZeFileDevice::seek: IODevice is not open", 0, [&] { return closed.seek(-1); }},
         {"CZeFileDevice::flush: No file engine. Is IODevice open?", 0, [&] { return closed.flush(); }},
         {"Called with maxSize < 0", -1, [&] { return closed.read(data, -5); }},
-        {"Called with maxSize < 0", -1, [&] { return writer.write(data, -1); }},
         {"WriteOnly device", -1, [&] { return writer.readLine(data, 8); }},
-        {"device not open", -1, [&] { return closed.read(data, 0); }},
         {"device not open", -1, [&] { return closed.write(data, 0); }},
         {"ReadOnly device", -1, [&] { return reader.write(data, 1); }},
-        {kTooLong, 1, [&] { return reader.read(0x7FFFFFE7).isNull(); }},
-        {kTooLong, 1, [&] { return reader.peek(0x7FFFFFE7).isNull(); }},
-        {"Peeking data for sequential device is not supported!", -1, [&] { return pipe.peek(data, 1); }},
+        {"maxSize argument exceeds CZeByteArray size limit", 1, [&] { return reader.read(0x7FFFFFE7).isNull(); }},
+        {"Peeking data for sequential device is not supported!", -1,
+         [&] { return pipe.open(Ze::ReadOnly) ? pipe.peek(data, 1) : 0; }},
         {"Called with maxSize < 2", -1, [&] { return closed.readLine(data, 1); }},
         {"CZeFile::open: File (" + path + ") already open", 0, [&] { return reader.open(0); }},
         {"CZeFile::setFileName: File (" + path + ") is already opened", 1,
          [&] { return reader.setFileName(name("x")), reader.fileName() == name(path); }},
         {"CZeFile::remove: Empty or null file name", 0, [&] { return closed.remove(); }},
         {"CZeFile::rename: Empty or null file name", 0, [&] { return closed.rename(name("x")); }},
-        {kBeyond, 1, [&] { return !reader.map(3, 8); }},
-        {kBeyond, 1, [&] { return !reader.map(INT64_MAX, INT64_MAX); }},
+        {"CZeGenericFileEngine::map: Mapping a file beyond its size is not portable", 1, [&] { return !reader.map(INT64_MAX, INT64_MAX); }},
         {"No file engine available or engine does not support MapExtension", 1, [&] { return !closed.map(0, 1); }},
         {"No file engine available or engine does not support UnMapExtension", 0, [&] { return closed.unmap(nullptr); }},
         {"stat() ZE_FAILED for '" + path + "?'", 0, [&] { return CZeFile(name(path + "?")).exists(); }},
@@ -112,7 +81,6 @@ TEST_F(File, RefusesWithTheseWarnings) {
     }
     EXPECT_EQ(log.texts(), warnings);
     EXPECT_EQ(bytes(reader.readAll()), "0123456789");
-    EXPECT_EQ(pipe.asked, 1);
 }
 
 TEST_F(File, OpensAsTheAccessCallsFor) {
@@ -363,10 +331,12 @@ TEST_F(File, StopsAtTheLastPosition) {
     EXPECT_EQ(file.pos(), INT64_MAX);
     EXPECT_TRUE(file.close());
     close(memory);
-    MemoryDevice device;
+    OddDevice device;
+    char data = 0;
     ASSERT_TRUE(device.open(Ze::ReadWrite));
+    EXPECT_EQ(device.read(&data, 1), -1);
+    EXPECT_EQ(utf8(device.errorString()), "Unknown error");
     ASSERT_TRUE(device.seek(INT64_MAX));
-    device.at = 0; // a subclass that knows better
     EXPECT_EQ(device.write("x", 1), 1);
     EXPECT_EQ(device.pos(), INT64_MAX);
 }
@@ -386,29 +356,17 @@ TEST_F(File, ReadsAPipeAsItComes) {
     EXPECT_EQ(bytes(pipe.readAll()), pattern(200000));
     writer.join();
     EXPECT_TRUE(pipe.atEnd());
+    ASSERT_TRUE(pipe.close());
+    ASSERT_TRUE(pipe.open(Ze::ReadWrite));
+    EXPECT_EQ(pipe.write("abc", 3), 3);
+    EXPECT_EQ(pipe.read(data, 1), 1);
+    EXPECT_EQ(pipe.write("XY", 2), 2); // what was read ahead stays
+    EXPECT_EQ(bytes(pipe.read(100)), "bc");
+    EXPECT_EQ(bytes(pipe.read(100)), "XY");
+    EXPECT_EQ(pipe.pos(), 5);
     CZeFile noSize(name("/proc/self/status"));
     ASSERT_TRUE(noSize.open(Ze::ReadOnly));
     EXPECT_EQ(bytes(noSize.readAll()).substr(0, 5), "Name:");
-}
-
-TEST_F(File, BuffersForASubclassThatSeeks) {
-    MemoryDevice device, pipe;
-    pipe.sequential = true;
-    ASSERT_TRUE(device.open(Ze::ReadWrite) && pipe.open(Ze::ReadWrite));
-    char data[16];
-    EXPECT_EQ(device.read(data, 2), 2);
-    EXPECT_EQ(device.write("XY", 2), 2); // at 2, though 4 bytes have been read
-    EXPECT_EQ(device.content, "01XY456789abcdef");
-    EXPECT_EQ(device.read(data, 16), 12);
-    EXPECT_TRUE(device.seek(20) && device.pos() == 20 && device.seek(1));
-    EXPECT_EQ(bytes(device.peek(3)), "1XY");
-    device.content.clear();
-    EXPECT_EQ(device.write("x", 1), -1);
-    EXPECT_EQ(utf8(device.errorString()), "Unknown error");
-    EXPECT_TRUE(pipe.read(data, 1) == 1 && pipe.write("XY", 2) == 2);
-    EXPECT_EQ(bytes(pipe.read(3)), "123");        // both directions are apart
-    EXPECT_TRUE(pipe.pos() == 4 && pipe.at == 6); // and no more was asked for
-    EXPECT_TRUE(pipe.read(data, 1) == 1 && pipe.read(data, 16) == 3 && pipe.at == 10);
 }
 
 TEST_F(File, EnginesAskTheSystem) {
