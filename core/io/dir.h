@@ -20,8 +20,9 @@ public:
 
     /// Removes the directory `path` with all that is in it. Symbolic links are removed, never followed; when
     /// `path` itself is one, nothing is done. What cannot be removed does not keep the rest from going. True
-    /// when nothing is left, also when there was no such directory. False when something is, for the root of
-    /// the file system, and for an empty or a relative path, which is also logged as a warning. Needs three
-    /// file descriptors, however deep the tree is.
+    /// when nothing is left, also when there was no such directory. False when something is; for the root of
+    /// the file system and for a path that ends in "." or "..", of which nothing is removed; and for an empty
+    /// or a relative path, which is also logged as a warning. Needs three file descriptors, however deep the
+    /// tree is.
     static bool removeRecursively(const CZeString& path);
 };

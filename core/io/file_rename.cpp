@@ -90,7 +90,7 @@ public:
             ze::restarting([&] { return openat(m_place.directory(), m_place.name(), kNewFile, 0600); });
         if (target < 0)
             return false;
-        if (fill(source, target) && isInPlace() && syncDirectory(m_place.directory()))
+        if (fill(source, target) && syncDirectory(m_place.directory()) && isInPlace())
             return true;
         remove();
         return false;

@@ -119,7 +119,6 @@ TEST_F(File, SaysWhyItCannotBeOpened) {
         {file + "\0?"s, Ze::ReadOnly, {0, 0}, 5, kNone}, // not the file before the zero
         {file + std::string(5000, '/'), Ze::ReadOnly, {0, 0}, 5, "File name too long"},
         {directory.path(), Ze::ReadOnly, {0, 0}, 5, "file to open is a directory"},
-        {directory.path(), Ze::WriteOnly, {0, 0}, 5, "Is a directory"},
         {file, Ze::ReadOnly | Ze::Truncate, {0, 0}, 5, "Invalid argument"},
         {file, Ze::ReadOnly, {EACCES}, 5, "Permission denied"}, {file, Ze::ReadOnly, {EMFILE}, 4, "Too many open files"},
         {file, Ze::ReadOnly, {EINTR, 3}, 0, ""}, // tried again
@@ -163,7 +162,7 @@ TEST_F(File, LeavesNoDescriptorToAChildProcess) {
     ASSERT_TRUE(save.open(Ze::WriteOnly));
     EXPECT_TRUE(save.commit());
     EXPECT_TRUE(CZeDir::removeRecursively(name(directory / "tree")));
-    EXPECT_GT(seen.size(), others.size() + 2);
+    EXPECT_GE(seen.size(), others.size() + 3);
     EXPECT_THAT(inherited, IsEmpty());
 }
 

@@ -105,7 +105,9 @@ TEST(Resource, NamesMakeATree) {
     for (const char* const path : {":/x/a!", ":/x/a/b", ":/x/a!b", ":/x/aa"})
         EXPECT_TRUE(take(path)) << path;
     EXPECT_FALSE(CZeResourceInfo::find(name(":/x")).exists());
-    EXPECT_TRUE(x.children().empty()); // as it is now
+    EXPECT_TRUE(add(":/x", "x")); // and is a file now
+    EXPECT_TRUE(x.children().empty());
+    EXPECT_TRUE(take(":/x"));
 }
 
 TEST(Resource, MayBeDeep) {

@@ -7,6 +7,8 @@
 
 #include <set>
 
+#include <fcntl.h>
+
 inline CZeString name(const std::string& path) {
     return CZeString::fromUtf8(path.data(), static_cast<int>(path.size()));
 }
@@ -33,7 +35,9 @@ inline std::set<int> openDescriptors() {
     std::set<int> descriptors;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd"))
         descriptors.insert(std::stoi(entry.path().filename()));
-    return descriptors; // with that of the iterator, which is gone
+    std::erase_if(descriptors,
+                  [](int descriptor) { return fcntl(descriptor, F_GETFD) < 0; }); // the iterator's
+    return descriptors;
 }
 
 /// The names in a directory, in order, each with a space behind it.
