@@ -9,18 +9,6 @@
 
 using namespace ze;
 
-namespace {
-
-void* makeEffect(int type) {
-    if (type == kBeautyType)
-        return new BeautyEffect;
-    if (type == kLutType)
-        return new CLutEffect;
-    return nullptr;
-}
-
-} // namespace
-
 ZecRenderCore* ZecCreateRenderCore() noexcept {
     return new ZecRenderCore;
 }
@@ -37,34 +25,30 @@ ZecEffect* ZecCreateEffect(int type) noexcept {
 }
 
 bool ZecDestoryEffect(ZecEffect* handle) noexcept {
-    EglContextRecord* callerContext = snapshotCurrentContext();
+    OwnedContext callerContext = snapshotCurrentContext();
     if (!callerContext) {
         ZeLogError() << "There is no opengl context";
         return false;
     }
-    if (handle->type == kBeautyType)
-        delete static_cast<BeautyEffect*>(handle->effect);
-    else if (handle->type == kLutType)
-        delete static_cast<CLutEffect*>(handle->effect);
-    handle->effect = nullptr;
-    releaseContext(*callerContext);
-    delete callerContext;
+    destroyEffect(*handle);
+    callerContext.reset();
     delete handle;
     return true;
 }
 
 bool ZecSetBeautyParams(ZecEffect* handle, float mixFactor, float whitenFactor) noexcept {
-    if (!handle || !handle->effect || handle->type != kBeautyType)
+    BeautyEffect* effect = beautyEffectOf(handle);
+    if (!effect)
         return false;
-    static_cast<BeautyEffect*>(handle->effect)->setParams(mixFactor, whitenFactor);
+    effect->setParams(mixFactor, whitenFactor);
     return true;
 }
 
 bool ZecSetLutParams(ZecEffect* handle, const std::string& lutPath, float intensity) noexcept {
-    if (!handle || !handle->effect || handle->type != kLutType)
+    CLutEffect* effect = lutEffectOf(handle);
+    if (!effect)
         return false;
-    static_cast<CLutEffect*>(handle->effect)
-        ->setParams(CZeString::fromUtf8(lutPath.data(), int(lutPath.size())), intensity);
+    effect->setParams(CZeString::fromUtf8(lutPath.data(), static_cast<int>(lutPath.size())), intensity);
     return true;
 }
 
@@ -77,6 +61,6 @@ bool ZecRender(ZecRenderCore* core, const std::vector<ZecEffect*>& effects, cons
     }
     if (width <= 0 || height <= 0)
         return false;
-    return renderFrame(*core, effects, input, output, pixelFormat, colorStandard, colorRange, width, height,
-                       extra);
+    const FrameDescription frame = {pixelFormat, {colorStandard, colorRange}, {width, height}, extra};
+    return renderFrame(*core, effects, input, output, frame);
 }

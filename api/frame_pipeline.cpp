@@ -2,29 +2,16 @@
 
 #include "api/effect_handle.h"
 #include "api/plane_copy.h"
-#include "api/plane_geometry.h"
 #include "api/render_core.h"
 #include "api/unpack.h"
-#include "convert/color_converter.h"
 #include "convert/read_back.h"
 #include "convert/yuv_to_rgb.h"
-#include "effects/beauty/beauty_effect.h"
-#include "effects/lut/lut_effect.h"
-#include "gl/egl_context.h"
 #include "log/log_stream.h"
+
+#include <utility>
 
 namespace ze {
 namespace {
-
-constexpr int kNV21 = 1;
-
-bool isActive(const ZecEffect& handle) {
-    if (handle.type == kBeautyType)
-        return !static_cast<const BeautyEffect*>(handle.effect)->isInactive();
-    if (handle.type == kLutType)
-        return !static_cast<const CLutEffect*>(handle.effect)->isBypass();
-    return false;
-}
 
 std::vector<ZecEffect*> activeEffects(const std::vector<ZecEffect*>& effects) {
     std::vector<ZecEffect*> active;
@@ -40,38 +27,38 @@ std::vector<ZecEffect*> activeEffects(const std::vector<ZecEffect*>& effects) {
 bool enterContext(ZecRenderCore& core) {
     if (core.context)
         return makeContextCurrent(*core.context);
-    core.context = new EglContextRecord;
+    core.context.reset(new EglContextRecord);
     if (createContext(*core.context))
         return true;
     ZeLogError() << "init opengl context failed";
     return false;
 }
 
-/// Hands the thread back to the context it had. A snapshot of the core's own context is left allocated.
-void leaveContext(const ZecRenderCore& core, EglContextRecord* callerContext) {
+/// Hands the thread back to the context it had, unless that is the core's own.
+void leaveContext(ZecRenderCore& core, OwnedContext callerContext) {
     if (!callerContext)
         return;
-    const EglContextRecord* own = core.context;
-    const bool isOwn = own && callerContext->context == own->context &&
-                       callerContext->display == own->display && callerContext->surface == own->surface;
-    if (isOwn)
+    const EglContextRecord& own = *core.context;
+    const bool isOwn = callerContext->context == own.context && callerContext->display == own.display &&
+                       callerContext->surface == own.surface;
+    if (isOwn) {
+        keepSnapshot(core, std::move(callerContext));
         return;
-    makeContextCurrent(*callerContext);
-    releaseContext(*callerContext);
-    delete callerContext;
+    }
+    makeContextCurrent(*callerContext); // and released at the end of this function
 }
 
-bool ensureFrameResources(ZecRenderCore& core, int pixelFormat, int width, int height) {
-    if (isConfiguredFor(core, pixelFormat, width, height))
+bool ensureFrameResources(ZecRenderCore& core, const FrameDescription& frame) {
+    if (isConfiguredFor(core, frame))
         return true;
     GLint maxTextureSize = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &maxTextureSize);
-    if (maxTextureSize < width || maxTextureSize < height) {
+    if (maxTextureSize < frame.size.width || maxTextureSize < frame.size.height) {
         ZeLogError() << "Device has no capability to solve the buffer. The max texture size is :"
                      << maxTextureSize;
         return false;
     }
-    if (!rebuildFrameResources(core, width, height))
+    if (!rebuildFrameResources(core, frame.size))
         return false;
     core.configured = true;
     return true;
@@ -79,11 +66,12 @@ bool ensureFrameResources(ZecRenderCore& core, int pixelFormat, int width, int h
 
 /// Binds the core's frame buffer and returns what was bound before.
 GLuint enterFramebuffer(const ZecRenderCore& core) {
-    GLint previous = 0;
-    glGetIntegerv(GL_FRAMEBUFFER_BINDING, &previous);
-    if (GLuint(previous) != core.framebuffer)
+    GLint binding = 0;
+    glGetIntegerv(GL_FRAMEBUFFER_BINDING, &binding);
+    const auto previous = static_cast<GLuint>(binding);
+    if (previous != core.framebuffer)
         glBindFramebuffer(GL_FRAMEBUFFER, core.framebuffer);
-    return GLuint(previous);
+    return previous;
 }
 
 void leaveFramebuffer(const ZecRenderCore& core, GLuint previous) {
@@ -99,67 +87,58 @@ GLuint chooseTarget(const ZecRenderCore& core, size_t position, size_t entryCoun
     return position == 0 ? core.scratchTexture : previousSource;
 }
 
-/// Nobody asks whether an effect could draw: it has said so in the log.
-void draw(const ZecRenderCore& core, const ZecEffect& handle, GLuint source, GLuint target) {
-    const auto width = uint32_t(core.width), height = uint32_t(core.height);
-    if (handle.type == kLutType)
-        static_cast<CLutEffect*>(handle.effect)->draw(source, width, height, target);
-    else
-        static_cast<BeautyEffect*>(handle.effect)->render(source, width, height, target);
-}
-
 void runEffects(const ZecRenderCore& core, const std::vector<ZecEffect*>& active, size_t entryCount) {
     GLuint previousSource = 0;
     GLuint source = core.inputTexture;
     for (size_t position = 0; position < active.size(); ++position) {
         const GLuint target = chooseTarget(core, position, entryCount, previousSource);
-        draw(core, *active[position], source, target);
+        renderEffect(*active[position], source, core.frame.size, target);
         previousSource = source;
         source = target;
     }
 }
 
+/// All that a frame does in the core's context, which is current.
+bool drawFrame(ZecRenderCore& core, const std::vector<ZecEffect*>& active, size_t entryCount,
+               const ZecImage& input, const ZecImage& output, const FrameDescription& frame) {
+    if (!core.converter)
+        core.converter = std::make_unique<ColorConverter>();
+    if (!ensureFrameResources(core, frame))
+        return false;
+    core.frame = frame;
+
+    const GLuint previousFramebuffer = enterFramebuffer(core);
+    if (!yuvToRgb(*core.converter, input, frame.color, core.inputTexture, frame.size, frame.isNV21()))
+        return false;
+    runEffects(core, active, entryCount);
+    // What a failed read-back leaves in the staging buffer is written out all the same.
+    convertAndReadBack(*core.converter, core.outputTexture, *core.staging, frame.color, frame.size);
+    unpackFrame(*core.staging, output, frame.isNV21(), frame.size);
+    leaveFramebuffer(core, previousFramebuffer);
+    return true;
+}
+
 } // namespace
 
 bool renderFrame(ZecRenderCore& core, const std::vector<ZecEffect*>& effects, const ZecImage* input,
-                 ZecImage* output, int pixelFormat, int colorStandard, int colorRange, int width, int height,
-                 int extra) {
+                 ZecImage* output, const FrameDescription& frame) {
     const std::vector<ZecEffect*> active = activeEffects(effects);
     if (active.empty()) {
         if (input && output)
-            copyFrame(*input, *output, pixelFormat, width, height);
+            copyFrame(*input, *output, frame.pixelFormat, frame.size);
         return true;
     }
-    if (!isValidPixelFormat(pixelFormat)) {
+    if (!frame.hasValidFormat()) {
         ZeLogError() << "We only support NV12 and NV21 pixel formats right now!";
         return false;
     }
 
-    // A frame that fails from here on leaves the core's context current and the snapshot allocated.
-    EglContextRecord* callerContext = snapshotCurrentContext();
-    if (!enterContext(core))
+    OwnedContext callerContext = snapshotCurrentContext(std::move(core.keptSnapshot));
+    if (!enterContext(core) || !drawFrame(core, active, effects.size(), *input, *output, frame)) {
+        keepSnapshot(core, std::move(callerContext)); // the caller's context is not made current again
         return false;
-    if (!core.converter)
-        core.converter = new ColorConverter;
-    if (!ensureFrameResources(core, pixelFormat, width, height))
-        return false;
-    core.pixelFormat = pixelFormat;
-    core.colorStandard = colorStandard;
-    core.colorRange = colorRange;
-    core.width = width;
-    core.height = height;
-    core.extra = extra;
-
-    const GLuint previousFramebuffer = enterFramebuffer(core);
-    if (!yuvToRgb(*core.converter, *input, colorStandard, colorRange, core.inputTexture, uint32_t(width),
-                  uint32_t(height), pixelFormat == kNV21))
-        return false;
-    runEffects(core, active, effects.size());
-    readBack(*core.converter, core.outputTexture, *core.staging, colorStandard, colorRange, uint32_t(width),
-             uint32_t(height));
-    unpackFrame(*core.staging, *output, pixelFormat == kNV21, width, height);
-    leaveFramebuffer(core, previousFramebuffer);
-    leaveContext(core, callerContext);
+    }
+    leaveContext(core, std::move(callerContext));
     return true;
 }
 

@@ -1,6 +1,6 @@
 #include "api/plane_copy.h"
 
-#include "api/plane_geometry.h"
+#include "log/log_stream.h"
 
 #include <cstddef>
 #include <cstring>
@@ -24,15 +24,21 @@ void copyPlane(const uint8_t* from, ptrdiff_t fromPitch, uint8_t* to, ptrdiff_t 
 
 } // namespace
 
-void copyFrame(const ZecImage& input, const ZecImage& output, int pixelFormat, int width, int height) {
-    for (int plane = 0; plane < 2; ++plane) {
-        const size_t rowBytes = planeRowBytes(pixelFormat, plane, width);
-        const size_t rows = planeRows(pixelFormat, plane, height);
-        if (rows == 0)
-            continue; // an invalid format
-        copyPlane(input.planes[plane], input.pitches[plane], output.planes[plane], output.pitches[plane],
-                  rowBytes, rows);
+void copyFrame(const ZecImage& input, const ZecImage& output, int32_t pixelFormat, FrameSize size) {
+    if (pixelFormat != 0 && pixelFormat != 1) {
+        for (int plane = 0; plane < 2; ++plane) {
+            ZeLogError() << "ZecGetLineInfoForImagePlane(): Invalid pixel format!";
+            ZeLogError() << "ZecGetActualHeightForImagePlane(): Invalid pixel format!";
+        }
+        return;
     }
+    const auto width = static_cast<size_t>(size.width);
+    const auto height = static_cast<size_t>(size.height);
+    const auto chromaBytes = static_cast<size_t>(halfUp(size.width)) * 2;
+    const auto chromaRows = static_cast<size_t>(halfUp(size.height));
+    copyPlane(input.planes[0], input.pitches[0], output.planes[0], output.pitches[0], width, height);
+    copyPlane(input.planes[1], input.pitches[1], output.planes[1], output.pitches[1], chromaBytes,
+              chromaRows);
 }
 
 } // namespace ze

@@ -1,11 +1,10 @@
 #include "api/render_core.h"
 
-#include "api/plane_geometry.h"
-#include "convert/color_converter.h"
-#include "gl/egl_context.h"
 #include "gl/framebuffer.h"
 #include "gl/texture.h"
 #include "log/log_stream.h"
+
+#include <utility>
 
 #include <stdlib.h> // posix_memalign
 
@@ -14,80 +13,80 @@ namespace {
 
 constexpr size_t kStagingAlignment = 64;
 
-void freeStagingBuffer(ZecRenderCore& core) {
-    free(core.staging->planes[0]);
-    core.staging->planes[0] = nullptr;
-}
-
-bool allocateStagingBuffer(ZecRenderCore& core, int width, int height) {
+/// A group Y, U, Y, V in each row for every two pixels begun.
+bool allocateStagingBuffer(ZecImage& staging, FrameSize size) {
+    const size_t pitch = static_cast<size_t>(halfUp(size.width)) * 4;
     void* buffer = nullptr;
-    if (posix_memalign(&buffer, kStagingAlignment, stagingSize(width, height)) != 0) {
+    if (posix_memalign(&buffer, kStagingAlignment, pitch * static_cast<size_t>(size.height)) != 0) {
         ZeLogError() << "buffer is null";
         return false;
     }
-    core.staging->planes[0] = static_cast<uint8_t*>(buffer);
-    core.staging->pitches[0] = int32_t(stagingPitch(width));
+    staging.planes[0] = static_cast<uint8_t*>(buffer);
+    staging.pitches[0] = static_cast<int32_t>(pitch);
     return true;
 }
 
-bool createFrameTexture(GLuint& texture, int width, int height) {
-    texture = createTexture(width, height, GL_RGBA);
+void freeStagingBuffer(ZecImage& staging) {
+    free(staging.planes[0]);
+    staging.planes[0] = nullptr;
+}
+
+bool createFrameTexture(GLuint& texture, FrameSize size) {
+    texture = createTexture(size, GL_RGBA);
     return texture != 0;
+}
+
+void discardFrameTextures(ZecRenderCore& core) {
+    discardTexture(core.inputTexture);
+    discardTexture(core.scratchTexture);
+    discardTexture(core.outputTexture);
 }
 
 } // namespace
 
-bool isConfiguredFor(const ZecRenderCore& core, int pixelFormat, int width, int height) {
-    const bool complete = core.configured && core.staging->planes[0] && core.inputTexture &&
-                          core.scratchTexture && core.outputTexture && core.framebuffer;
-    return complete && core.width == width && core.height == height && core.pixelFormat == pixelFormat;
+void StagingDeleter::operator()(ZecImage* staging) const {
+    freeStagingBuffer(*staging);
+    delete staging;
 }
 
-bool rebuildFrameResources(ZecRenderCore& core, int width, int height) {
-    freeStagingBuffer(core);
-    discardTexture(core.inputTexture);
-    discardTexture(core.scratchTexture);
-    discardTexture(core.outputTexture);
+bool isConfiguredFor(const ZecRenderCore& core, const FrameDescription& frame) {
+    const bool isComplete = core.configured && core.staging->planes[0] && core.inputTexture &&
+                            core.scratchTexture && core.outputTexture;
+    return isComplete && core.frame.size == frame.size && core.frame.pixelFormat == frame.pixelFormat;
+}
 
-    if (!allocateStagingBuffer(core, width, height))
+bool rebuildFrameResources(ZecRenderCore& core, FrameSize size) {
+    freeStagingBuffer(*core.staging);
+    discardFrameTextures(core);
+
+    if (!allocateStagingBuffer(*core.staging, size))
         return false;
     if (core.framebuffer == 0)
         core.framebuffer = createFramebuffer();
-    return createFrameTexture(core.inputTexture, width, height) &&
-           createFrameTexture(core.scratchTexture, width, height) &&
-           createFrameTexture(core.outputTexture, width, height);
+    return createFrameTexture(core.inputTexture, size) && createFrameTexture(core.scratchTexture, size) &&
+           createFrameTexture(core.outputTexture, size);
+}
+
+void keepSnapshot(ZecRenderCore& core, OwnedContext snapshot) {
+    core.keptSnapshot.reset(snapshot.release());
 }
 
 bool releaseRenderCore(ZecRenderCore& core) {
-    EglContextRecord* callerContext = snapshotCurrentContext();
+    OwnedContext callerContext = snapshotCurrentContext(std::move(core.keptSnapshot));
     if (!core.context || !makeContextCurrent(*core.context)) {
         ZeLogError() << "There is no opengl context";
-        delete callerContext;
+        keepSnapshot(core, std::move(callerContext));
         return false;
     }
 
-    if (core.converter) {
-        releaseColorConverter(*core.converter);
-        delete core.converter;
-        core.converter = nullptr;
-    }
+    core.converter.reset();
     deleteFramebuffer(&core.framebuffer);
-    if (core.staging)
-        freeStagingBuffer(core);
-    discardTexture(core.inputTexture);
-    discardTexture(core.scratchTexture);
-    discardTexture(core.outputTexture);
-    delete core.staging;
-    core.staging = nullptr;
-    releaseContext(*core.context);
-    delete core.context;
-    core.context = nullptr;
+    core.staging.reset();
+    discardFrameTextures(core);
+    core.context.reset();
 
-    if (callerContext) {
-        makeContextCurrent(*callerContext);
-        releaseContext(*callerContext);
-        delete callerContext;
-    }
+    if (callerContext)
+        makeContextCurrent(*callerContext); // and released at the end of this function
     return true;
 }
 

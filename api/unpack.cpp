@@ -34,9 +34,9 @@ void unpackRows(const ZecImage& staging, const ZecImage& output, size_t width, p
 
 } // namespace
 
-void unpackFrame(const ZecImage& staging, const ZecImage& output, bool nv21, int width, int height) {
-    const auto unpack = nv21 ? unpackRows<Chroma::Vu> : unpackRows<Chroma::Uv>;
-    unpack(staging, output, static_cast<size_t>(width), height);
+void unpackFrame(const ZecImage& staging, const ZecImage& output, bool isNV21, FrameSize size) {
+    const auto unpack = isNV21 ? unpackRows<Chroma::Vu> : unpackRows<Chroma::Uv>;
+    unpack(staging, output, static_cast<size_t>(size.width), size.height);
 }
 
 } // namespace ze

@@ -9,8 +9,8 @@
 //
 // Names are unmangled, but two functions take objects of the C++ standard library: host and library must be
 // built against the same one. No function throws; memory that cannot be had ends the program. Failures are
-// told by `false` and named in the log (log/log_settings.h). Nothing is locked: use a render core and its
-// effects on one thread, the one on which the library's own OpenGL ES context is to live.
+// told by `false`, and most of them are explained in the log (log/log_settings.h). Nothing is locked: use a
+// render core and its effects on one thread, the one on which the library's own OpenGL ES context is to live.
 
 #pragma once
 
@@ -81,17 +81,22 @@ ZE_EXPORT bool ZecSetLutParams(ZecEffect* handle, const std::string& lutPath, fl
 /// `extra` is recorded and has no effect.
 ///
 /// Pitches are at least a row's bytes. The output and the plain copy honor any; with an active effect the
-/// input's pitch is honored when it is the row size rounded up to 1, 2, 4 or 8 bytes, and more padding
+/// input's pitch is honored when it is the row size rounded up to a multiple of 1, 2, 4 or 8 bytes; any other
 /// shears the picture. `input` and `output` may share memory when their pitches are the same. When some
 /// entries of `effects` are inactive and others active, `output` receives what the last complete chain left
 /// behind, or undefined content after a change of size or format: hand over active effects only.
 ///
-/// False on an empty `effects` ("effect array is empty."), on refused arguments, and when the context, the
-/// staging buffer, a texture or the first conversion's program cannot be made, with the reason in the log. GL
-/// errors after that are logged and the result is true. The library's context stays current on this thread
-/// afterwards unless another context was current before; that one is made current again, and is destroyed
-/// once it stops being current. After a failure the library's context stays current in any case. `core`, and
-/// with active effects `input` and `output`, must not be null.
+/// False on an empty `effects` ("effect array is empty."), on refused arguments, on a size above what the GPU
+/// takes, and when the context, the staging buffer, a texture or the first conversion's program cannot be
+/// made. The log has the reason except for a size below 1, a context that exists but cannot be made current,
+/// every frame after the one whose context could not be made, and GL objects that the driver refuses without
+/// an error. GL errors after the first conversion are logged and the result is true.
+///
+/// Afterwards the library's context is current on this thread, unless another one was current before: that
+/// one is made current again, and is destroyed once it stops being current. When the result is false it is
+/// not made current again, nor destroyed; arguments that are refused, and a context of the library's that
+/// cannot be made or made current, leave it as it was. `core`, and with active effects `input` and `output`,
+/// must not be null.
 ZE_EXPORT bool ZecRender(ZecRenderCore* core, const std::vector<ZecEffect*>& effects, const ZecImage* input,
                          ZecImage* output, int pixelFormat, int colorStandard, int colorRange, int width,
                          int height, int extra) noexcept;

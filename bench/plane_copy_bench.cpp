@@ -21,7 +21,7 @@ struct Frame {
 };
 
 void copy(const Frame& frame) {
-    ze::copyFrame(frame.input, frame.output, 0, frame.width, frame.height);
+    ze::copyFrame(frame.input, frame.output, 0, {frame.width, frame.height});
 }
 
 void copyWithMemcpy(const Frame& frame) {

@@ -43,7 +43,7 @@ void unpackWithLibyuv(const Frame& frame) {
 }
 
 void unpack(const Frame& frame) {
-    ze::unpackFrame(frame.staging, frame.output, frame.nv21, frame.width, frame.height);
+    ze::unpackFrame(frame.staging, frame.output, frame.nv21, {frame.width, frame.height});
 }
 
 /// Whether the library and libyuv make the same frame.

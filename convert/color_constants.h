@@ -7,26 +7,17 @@
 
 #pragma once
 
+#include "convert/color_description.h"
+
 #include <array>
-#include <cstdint>
 
 namespace ze {
 
 inline constexpr float kVideoLumaOffset = 16.0f / 255.0f;
 inline constexpr float kChromaOffset = 128.0f / 255.0f;
 
-/// 0 is BT.601, any other value BT.709.
-constexpr bool isBt601(int32_t colorStandard) {
-    return colorStandard == 0;
-}
-
-/// 1 is full range, any other value video range.
-constexpr bool isFullRange(int32_t colorRange) {
-    return colorRange == 1;
-}
-
-constexpr float lumaOffset(int32_t colorRange) {
-    return isFullRange(colorRange) ? 0.0f : kVideoLumaOffset;
+constexpr float lumaOffset(ColorDescription color) {
+    return color.isFullRange() ? 0.0f : kVideoLumaOffset;
 }
 
 /// R = lumaScale·(Y − Y0) + vToR·V', G = lumaScale·(Y − Y0) − uToG·U' − vToG·V',
@@ -56,16 +47,16 @@ inline constexpr RgbToYuvFactors kRgbToBt709Full  = {0.2126f,  0.7152f,  0.0722f
 inline constexpr RgbToYuvFactors kRgbToBt709Video = {0.18259f, 0.61423f, 0.06201f, 0.10064f, 0.33857f, 0.39894f, 0.04027f, kVideoChromaMax};
 // clang-format on
 
-constexpr const YuvToRgbFactors& yuvToRgbFactors(int32_t colorStandard, int32_t colorRange) {
-    if (isBt601(colorStandard))
-        return isFullRange(colorRange) ? kBt601FullToRgb : kBt601VideoToRgb;
-    return isFullRange(colorRange) ? kBt709FullToRgb : kBt709VideoToRgb;
+constexpr const YuvToRgbFactors& yuvToRgbFactors(ColorDescription color) {
+    if (color.isBt601())
+        return color.isFullRange() ? kBt601FullToRgb : kBt601VideoToRgb;
+    return color.isFullRange() ? kBt709FullToRgb : kBt709VideoToRgb;
 }
 
-constexpr const RgbToYuvFactors& rgbToYuvFactors(int32_t colorStandard, int32_t colorRange) {
-    if (isBt601(colorStandard))
-        return isFullRange(colorRange) ? kRgbToBt601Full : kRgbToBt601Video;
-    return isFullRange(colorRange) ? kRgbToBt709Full : kRgbToBt709Video;
+constexpr const RgbToYuvFactors& rgbToYuvFactors(ColorDescription color) {
+    if (color.isBt601())
+        return color.isFullRange() ? kRgbToBt601Full : kRgbToBt601Video;
+    return color.isFullRange() ? kRgbToBt709Full : kRgbToBt709Video;
 }
 
 /// The conversion matrix in the column order of GLSL: column 0 multiplies luma, columns 1 and 2 the first and

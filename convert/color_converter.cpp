@@ -2,46 +2,43 @@
 
 #include "gl/texture.h"
 
-#include <initializer_list>
-
 namespace ze {
 namespace {
 
 void deletePlaneTextures(ColorConverter& converter) {
-    for (GLuint* texture : {&converter.lumaTexture, &converter.chromaTexture, &converter.packedTexture})
-        discardTexture(*texture);
+    discardTexture(converter.lumaTexture);
+    discardTexture(converter.chromaTexture);
+    discardTexture(converter.packedTexture);
+}
+
+bool createPlaneTexture(GLuint& texture, FrameSize size, GLenum format) {
+    texture = createTexture(size, format);
+    return texture != 0;
 }
 
 } // namespace
 
-bool ensurePlaneTextures(ColorConverter& converter, uint32_t width, uint32_t height) {
-    const bool complete = converter.lumaTexture && converter.chromaTexture && converter.packedTexture;
-    if (complete && converter.planeWidth == width && converter.planeHeight == height)
+ColorConverter::~ColorConverter() {
+    if (yuvToRgb.name != 0)
+        glDeleteProgram(yuvToRgb.name);
+    deletePlaneTextures(*this);
+    // rgbToYuv.name is left to go with the GL context.
+}
+
+bool ensurePlaneTextures(ColorConverter& converter, FrameSize size) {
+    const bool isComplete = converter.lumaTexture && converter.chromaTexture && converter.packedTexture;
+    if (isComplete && converter.planeSize == size)
         return true;
 
     deletePlaneTextures(converter);
-    const auto fullWidth = GLsizei(width);
-    const auto fullHeight = GLsizei(height);
-    const auto halfWidth = GLsizei(halfUp(width));
-    const auto halfHeight = GLsizei(halfUp(height));
-    if ((converter.lumaTexture = createTexture(fullWidth, fullHeight, GL_LUMINANCE)) == 0)
+    const FrameSize chromaSize = {halfUp(size.width), halfUp(size.height)};
+    const FrameSize packedSize = {halfUp(size.width), size.height};
+    if (!createPlaneTexture(converter.lumaTexture, size, GL_LUMINANCE) ||
+        !createPlaneTexture(converter.chromaTexture, chromaSize, GL_LUMINANCE_ALPHA) ||
+        !createPlaneTexture(converter.packedTexture, packedSize, GL_RGBA))
         return false;
-    if ((converter.chromaTexture = createTexture(halfWidth, halfHeight, GL_LUMINANCE_ALPHA)) == 0)
-        return false;
-    if ((converter.packedTexture = createTexture(halfWidth, fullHeight, GL_RGBA)) == 0)
-        return false;
-    converter.planeWidth = width;
-    converter.planeHeight = height;
+    converter.planeSize = size;
     return true;
-}
-
-void releaseColorConverter(ColorConverter& converter) {
-    if (converter.yuvToRgb.name != 0) {
-        glDeleteProgram(converter.yuvToRgb.name);
-        converter.yuvToRgb.name = 0;
-    }
-    deletePlaneTextures(converter);
-    // rgbToYuv.name is left to go with the GL context.
 }
 
 } // namespace ze

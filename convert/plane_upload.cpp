@@ -21,28 +21,26 @@ int componentCount(GLenum format) {
     }
 }
 
-} // namespace
-
-int64_t roundedRowSize(GLenum format, int32_t width) {
-    return (int64_t(componentCount(format)) * width + 3) & ~int64_t(3);
-}
-
+/// The largest row alignment of GL, 8, 4, 2 or 1 bytes, that divides `pitch`.
 GLint rowAlignment(int32_t pitch) {
     if (pitch % 8 == 0)
         return 8;
     if (pitch % 4 == 0)
         return 4;
-    return pitch % 2 != 0 ? 1 : 2;
+    return pitch % 2 == 0 ? 2 : 1;
 }
 
-void uploadPlane(const uint8_t* data, int32_t pitch, GLenum format, int32_t width, int32_t height,
-                 GLuint texture) {
-    if (componentCount(format) == 0) {
+} // namespace
+
+void uploadPlane(const uint8_t* data, int32_t pitch, GLenum format, FrameSize size, GLuint texture) {
+    const int components = componentCount(format);
+    if (components == 0) {
         ZeLogError() << "Invalid GL image format!";
         return;
     }
 
-    const bool changesAlignment = roundedRowSize(format, width) != pitch;
+    const int32_t rowBytes = components * size.width;
+    const bool changesAlignment = (rowBytes + 3) / 4 * 4 != pitch;
     if (changesAlignment) {
         glPixelStorei(GL_UNPACK_ALIGNMENT, rowAlignment(pitch));
         checkGlError();
@@ -53,12 +51,12 @@ void uploadPlane(const uint8_t* data, int32_t pitch, GLenum format, int32_t widt
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     checkGlError();
 
-    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, width, height, format, GL_UNSIGNED_BYTE, data);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, size.width, size.height, format, GL_UNSIGNED_BYTE, data);
     const GLenum error = glGetError();
     if (error != GL_NO_ERROR) {
-        // The word "errno" names the GL error.
+        // The word "errno" stands for the GL error here.
         ZeLogError() << "glTexSubImage2D() failed! errno=" << error << ", format=" << format
-                     << ", width=" << width << ", height=" << height;
+                     << ", width=" << size.width << ", height=" << size.height;
     }
 
     if (changesAlignment) {

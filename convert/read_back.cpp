@@ -7,22 +7,25 @@
 #include "log/log_stream.h"
 
 namespace ze {
+namespace {
 
 GLint packAlignment(int32_t pitch) {
-    if (pitch % 4 == 0) // multiples of 8 included: the default of 4 serves them
-        return 0;
-    return pitch % 2 != 0 ? 1 : 2;
+    if (pitch % 4 == 0) // multiples of 8 too: rows of whole texels need no more
+        return kDefaultRowAlignment;
+    return pitch % 2 == 0 ? 2 : 1;
 }
 
-bool readBack(ColorConverter& c, GLuint sourceTexture, ZecImage& staging, int32_t colorStandard,
-              int32_t colorRange, uint32_t width, uint32_t height) {
-    if (!ensurePlaneTextures(c, width, height))
+} // namespace
+
+bool convertAndReadBack(ColorConverter& c, GLuint sourceTexture, ZecImage& staging, ColorDescription color,
+                        FrameSize size) {
+    if (!ensurePlaneTextures(c, size))
         return false;
-    if (!rgbToYuv(c, sourceTexture, colorStandard, colorRange))
+    if (!rgbToYuv(c, sourceTexture, color))
         return false;
 
     const GLint alignment = packAlignment(staging.pitches[0]);
-    if (alignment != 0) {
+    if (alignment != kDefaultRowAlignment) {
         glPixelStorei(GL_PACK_ALIGNMENT, alignment);
         checkGlError();
     }
@@ -33,14 +36,14 @@ bool readBack(ColorConverter& c, GLuint sourceTexture, ZecImage& staging, int32_
     clampBoundTexture();
     attachTarget(c.packedTexture);
 
-    glReadPixels(0, 0, GLsizei(halfUp(width)), GLsizei(height), GL_RGBA, GL_UNSIGNED_BYTE, staging.planes[0]);
+    glReadPixels(0, 0, halfUp(size.width), size.height, GL_RGBA, GL_UNSIGNED_BYTE, staging.planes[0]);
     if (glGetError() != GL_NO_ERROR) {
         ZeLogError() << "glReadPixels() failed!";
         return false; // the target stays attached and the alignment as it is
     }
 
     detachTarget();
-    if (alignment != 0) {
+    if (alignment != kDefaultRowAlignment) {
         glPixelStorei(GL_PACK_ALIGNMENT, kDefaultRowAlignment);
         checkGlError();
     }

@@ -4,6 +4,7 @@
 #include "gl/error.h"
 #include "gl/plain_vertex_shader.h"
 #include "gl/program.h"
+#include "gl/quad.h"
 #include "gl/target.h"
 
 namespace ze {
@@ -56,36 +57,37 @@ bool buildProgram(RgbToYuvProgram& program) {
     return true;
 }
 
-void loadCoefficients(ColorConverter& c, int32_t colorStandard, int32_t colorRange) {
-    const RgbToYuvFactors& f = rgbToYuvFactors(colorStandard, colorRange);
-    const GLfloat y[] = {f.yR, f.yG, f.yB, lumaOffset(colorRange)};
+void loadCoefficients(RgbToYuvProgram& program, ColorDescription color) {
+    const RgbToYuvFactors& f = rgbToYuvFactors(color);
+    const GLfloat y[] = {f.yR, f.yG, f.yB, lumaOffset(color)};
     const GLfloat u[] = {-f.uR, -f.uG, f.chromaMax, kChromaOffset};
     const GLfloat v[] = {f.chromaMax, -f.vG, -f.vB, kChromaOffset};
-    glUniform4fv(c.rgbToYuv.coefY, 1, y);
-    glUniform4fv(c.rgbToYuv.coefU, 1, u);
-    glUniform4fv(c.rgbToYuv.coefV, 1, v);
-    c.rgbToYuvStandard = colorStandard;
-    c.rgbToYuvRange = colorRange;
+    glUniform4fv(program.coefY, 1, y);
+    glUniform4fv(program.coefU, 1, u);
+    glUniform4fv(program.coefV, 1, v);
+    program.loadedColor = color;
+}
+
+/// Where the source's texture coordinates end for a frame of `width` pixels, chosen so that the center of
+/// packed texel k lies on the border between pixels 2k and 2k + 1. Beyond 1 for odd widths.
+GLfloat packedEnd(int32_t width) {
+    if (width % 2 == 0)
+        return 1.0f;
+    if (width == 1)
+        return 2.0f;
+    const auto pixels = static_cast<uint32_t>(width);
+    const auto texels = static_cast<uint32_t>(halfUp(width));
+    return static_cast<GLfloat>((pixels - 1) * texels) / static_cast<GLfloat>(pixels * (texels - 1));
 }
 
 } // namespace
 
-TextureSpan packedSpan(uint32_t width) {
-    if (width % 2 == 0)
-        return {};
-    if (width == 1)
-        return {.uMax = 2.0f};
-    const uint32_t half = halfUp(width);
-    return {.uMax = GLfloat((width - 1) * half) / GLfloat(width * (half - 1))};
-}
-
-bool rgbToYuv(ColorConverter& c, GLuint sourceTexture, int32_t colorStandard, int32_t colorRange) {
+bool rgbToYuv(ColorConverter& c, GLuint sourceTexture, ColorDescription color) {
     RgbToYuvProgram& program = c.rgbToYuv;
-    const bool isFirstUse = program.name == 0;
-    if (isFirstUse && !buildProgram(program))
+    if (program.name == 0 && !buildProgram(program))
         return false;
 
-    glViewport(0, 0, GLsizei(halfUp(c.planeWidth)), GLsizei(c.planeHeight));
+    glViewport(0, 0, halfUp(c.planeSize.width), c.planeSize.height);
     checkGlError();
     glActiveTexture(GL_TEXTURE0);
     checkGlError();
@@ -93,13 +95,13 @@ bool rgbToYuv(ColorConverter& c, GLuint sourceTexture, int32_t colorStandard, in
     bindWithFilter(sourceTexture, GL_NEAREST); // exact pixels
 
     glUseProgram(program.name);
-    glUniform1f(program.sPerHalfTexel, GLfloat(0.5 / double(c.planeWidth)));
+    glUniform1f(program.sPerHalfTexel, static_cast<GLfloat>(0.5 / c.planeSize.width));
     checkGlError();
-    if (isFirstUse || c.rgbToYuvStandard != colorStandard || c.rgbToYuvRange != colorRange)
-        loadCoefficients(c, colorStandard, colorRange);
+    if (program.loadedColor != color)
+        loadCoefficients(program, color);
     glDisable(GL_BLEND);
 
-    const auto corners = quadCorners(packedSpan(c.planeWidth));
+    const auto corners = quadCorners(packedEnd(c.planeSize.width));
     const QuadAttribute attributes[] = {{program.posAttr, 0}, {program.texCoordAttr, 2}};
     pointAttributes(attributes, corners);
     checkGlError();

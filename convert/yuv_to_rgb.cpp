@@ -4,6 +4,7 @@
 #include "convert/plane_upload.h"
 #include "gl/error.h"
 #include "gl/program.h"
+#include "gl/quad.h"
 #include "gl/target.h"
 
 namespace ze {
@@ -61,59 +62,58 @@ bool buildProgram(YuvToRgbProgram& program) {
     return true;
 }
 
-void loadColors(ColorConverter& c, int32_t colorStandard, int32_t colorRange, bool isNV21) {
-    const GLfloat offset[] = {lumaOffset(colorRange), kChromaOffset, kChromaOffset};
-    const auto matrix = yuvToRgbMatrix(yuvToRgbFactors(colorStandard, colorRange), isNV21);
-    glUniform3fv(c.yuvToRgb.yuvOffset, 1, offset);
-    glUniformMatrix3fv(c.yuvToRgb.matYuvToRgb, 1, GL_FALSE, matrix.data());
-    c.yuvToRgbStandard = colorStandard;
-    c.yuvToRgbRange = colorRange;
+void loadColor(YuvToRgbProgram& program, ColorDescription color, bool isNV21) {
+    const GLfloat offset[] = {lumaOffset(color), kChromaOffset, kChromaOffset};
+    const auto matrix = yuvToRgbMatrix(yuvToRgbFactors(color), isNV21);
+    glUniform3fv(program.yuvOffset, 1, offset);
+    glUniformMatrix3fv(program.matYuvToRgb, 1, GL_FALSE, matrix.data());
+    program.loadedColor = color;
 }
 
 /// How much of ⌈n/2⌉ texels a quad over n pixels shows: texel k belongs to pixels 2k and 2k + 1, and the quad
 /// ends half a texel early when the last one has no second pixel.
-GLfloat shownPart(uint32_t n) {
+GLfloat shownPart(int32_t n) {
     if (n % 2 == 0 || n == 1)
         return 1.0f;
-    const uint32_t half = halfUp(n);
-    return GLfloat((half - 1) * n) / GLfloat(half * (n - 1));
+    const auto pixels = static_cast<uint32_t>(n);
+    const auto texels = static_cast<uint32_t>(halfUp(n));
+    return static_cast<GLfloat>((texels - 1) * pixels) / static_cast<GLfloat>(texels * (pixels - 1));
+}
+
+/// The quad of the frame. It shows the chroma of an odd size from the left end and from the last row on.
+TwoTextureQuadCorners frameCorners(FrameSize size) {
+    return twoTextureQuadCorners(shownPart(size.width), 1.0f - shownPart(size.height));
 }
 
 } // namespace
 
-TextureSpan chromaSpan(uint32_t width, uint32_t height) {
-    return {shownPart(width), 1.0f - shownPart(height)};
-}
-
-bool yuvToRgb(ColorConverter& c, const ZecImage& input, int32_t colorStandard, int32_t colorRange,
-              GLuint targetTexture, uint32_t width, uint32_t height, bool isNV21) {
-    if (!ensurePlaneTextures(c, width, height))
+bool yuvToRgb(ColorConverter& c, const ZecImage& input, ColorDescription color, GLuint targetTexture,
+              FrameSize size, bool isNV21) {
+    if (!ensurePlaneTextures(c, size))
         return false;
     YuvToRgbProgram& program = c.yuvToRgb;
-    const bool isFirstUse = program.name == 0;
-    if (isFirstUse && !buildProgram(program))
+    if (program.name == 0 && !buildProgram(program))
         return false;
 
     attachAndClear(targetTexture);
-    glViewport(0, 0, GLsizei(width), GLsizei(height));
+    glViewport(0, 0, size.width, size.height);
     checkGlError();
 
     glActiveTexture(GL_TEXTURE1);
-    uploadPlane(input.planes[1], input.pitches[1], GL_LUMINANCE_ALPHA, int32_t(halfUp(width)),
-                int32_t(halfUp(height)), c.chromaTexture);
+    uploadPlane(input.planes[1], input.pitches[1], GL_LUMINANCE_ALPHA,
+                {halfUp(size.width), halfUp(size.height)}, c.chromaTexture);
     glActiveTexture(GL_TEXTURE0);
-    uploadPlane(input.planes[0], input.pitches[0], GL_LUMINANCE, int32_t(width), int32_t(height),
-                c.lumaTexture);
+    uploadPlane(input.planes[0], input.pitches[0], GL_LUMINANCE, size, c.lumaTexture);
 
     glUseProgram(program.name);
-    // Keyed on standard and range alone: a new pixel format keeps the matrix that is loaded.
-    if (isFirstUse || c.yuvToRgbStandard != colorStandard || c.yuvToRgbRange != colorRange)
-        loadColors(c, colorStandard, colorRange, isNV21);
+    // Keyed on the color description alone: a new pixel format keeps the matrix that is loaded.
+    if (program.loadedColor != color)
+        loadColor(program, color, isNV21);
     glDisable(GL_BLEND);
     glDisable(GL_DEPTH_TEST);
     glDisable(GL_CULL_FACE);
 
-    const auto corners = twoTextureQuadCorners(chromaSpan(width, height));
+    const auto corners = frameCorners(size);
     const QuadAttribute attributes[] = {
         {program.posAttr, 0}, {program.texCoordYAttr, 2}, {program.texCoordUVAttr, 4}};
     pointAttributes(attributes, corners);

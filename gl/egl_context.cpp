@@ -30,7 +30,7 @@ constexpr EGLint kSurfaceAttributes[] = {
 EGLDisplay defaultDisplay() {
     EGLDisplay display = eglGetDisplay(EGL_DEFAULT_DISPLAY);
     if (display == EGL_NO_DISPLAY)
-        ZeLogErrorf({}, "eglGetDisplay() failed, errno=0x%x", unsigned(eglGetError()));
+        ZeLogErrorf({}, "eglGetDisplay() failed, errno=0x%x", static_cast<unsigned>(eglGetError()));
     return display;
 }
 
@@ -48,13 +48,13 @@ bool createContext(EglContextRecord& record) {
     EGLint minor = 0;
     record.initialized = eglInitialize(record.display, &major, &minor) == EGL_TRUE;
     if (!record.initialized) {
-        ZeLogErrorf({}, "eglInitialize failed: %x", unsigned(eglGetError()));
+        ZeLogErrorf({}, "eglInitialize failed: %x", static_cast<unsigned>(eglGetError()));
         return false;
     }
 
     EGLint configCount = 0;
     if (eglChooseConfig(record.display, kConfigAttributes, &record.config, 1, &configCount) != EGL_TRUE) {
-        ZeLogErrorf({}, "eglChooseConfig() failed, errno=0x%x", unsigned(eglGetError()));
+        ZeLogErrorf({}, "eglChooseConfig() failed, errno=0x%x", static_cast<unsigned>(eglGetError()));
         return false;
     }
     if (configCount == 0) {
@@ -65,13 +65,13 @@ bool createContext(EglContextRecord& record) {
     eglBindAPI(EGL_OPENGL_ES_API);
     record.context = eglCreateContext(record.display, record.config, EGL_NO_CONTEXT, kContextAttributes);
     if (record.context == EGL_NO_CONTEXT) {
-        ZeLogErrorf({}, "eglCreateContext() failed, errno=0x%x", unsigned(eglGetError()));
+        ZeLogErrorf({}, "eglCreateContext() failed, errno=0x%x", static_cast<unsigned>(eglGetError()));
         return false;
     }
 
     record.surface = eglCreatePbufferSurface(record.display, record.config, kSurfaceAttributes);
     if (record.surface == EGL_NO_SURFACE) {
-        ZeLogErrorf({}, "eglCreatePbufferSurface() failed, errno=0x%x", unsigned(eglGetError()));
+        ZeLogErrorf({}, "eglCreatePbufferSurface() failed, errno=0x%x", static_cast<unsigned>(eglGetError()));
         eglDestroyContext(record.display, record.context);
         record.context = EGL_NO_CONTEXT;
         return false;
@@ -86,21 +86,21 @@ bool makeContextCurrent(const EglContextRecord& record) {
     const bool isCurrent =
         eglGetCurrentContext() == record.context && eglGetCurrentDisplay() == record.display &&
         eglGetCurrentSurface(EGL_DRAW) == record.surface && eglGetCurrentSurface(EGL_READ) == record.surface;
-    return isCurrent ||
-           eglMakeCurrent(record.display, record.surface, record.surface, record.context) == EGL_TRUE;
+    if (isCurrent)
+        return true;
+    return eglMakeCurrent(record.display, record.surface, record.surface, record.context) == EGL_TRUE;
 }
 
-EglContextRecord* snapshotCurrentContext() {
-    auto* record = new EglContextRecord;
-    record->display = defaultDisplay();
-    if (record->display != EGL_NO_DISPLAY)
-        record->context = eglGetCurrentContext();
-    if (record->context == EGL_NO_CONTEXT) {
-        delete record;
+OwnedContext snapshotCurrentContext(std::unique_ptr<EglContextRecord> spare) {
+    EGLDisplay display = defaultDisplay();
+    if (display == EGL_NO_DISPLAY)
         return nullptr;
-    }
-    record->surface = eglGetCurrentSurface(EGL_DRAW);
-    return record;
+    EGLContext context = eglGetCurrentContext();
+    if (context == EGL_NO_CONTEXT)
+        return nullptr;
+    OwnedContext snapshot(spare ? spare.release() : new EglContextRecord);
+    *snapshot = {.context = context, .display = display, .surface = eglGetCurrentSurface(EGL_DRAW)};
+    return snapshot;
 }
 
 void releaseContext(EglContextRecord& record) {
@@ -112,6 +112,11 @@ void releaseContext(EglContextRecord& record) {
         eglDestroySurface(record.display, record.surface);
         record.surface = EGL_NO_SURFACE;
     }
+}
+
+void ContextDeleter::operator()(EglContextRecord* record) const {
+    releaseContext(*record);
+    delete record;
 }
 
 } // namespace ze

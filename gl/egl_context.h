@@ -5,6 +5,8 @@
 
 #include <EGL/egl.h>
 
+#include <memory>
+
 namespace ze {
 
 /// An OpenGL ES 2.0 context on a 1 × 1 pbuffer of its own, or a snapshot of a thread's current context.
@@ -25,14 +27,21 @@ bool createContext(EglContextRecord& record);
 /// False without a message when there is no context or EGL refuses.
 bool makeContextCurrent(const EglContextRecord& record);
 
-/// Records the calling thread's current context and draw surface on the default display in a new record that
-/// the caller owns. Null when no context is current, and, with a message, when there is no display.
-/// The read surface is not recorded: making the snapshot current binds its draw surface for both.
-EglContextRecord* snapshotCurrentContext();
-
 /// Destroys the record's context and then its surface; EGL defers that for what is current on a thread until
 /// it stops being current. The display is never terminated. Snapshots are treated alike: releasing one
 /// destroys the context and surface of whoever had them current. Hosts are told so.
 void releaseContext(EglContextRecord& record);
+
+/// Releases a record and frees it.
+struct ContextDeleter {
+    void operator()(EglContextRecord* record) const;
+};
+using OwnedContext = std::unique_ptr<EglContextRecord, ContextDeleter>;
+
+/// Records the calling thread's current context and draw surface on the default display, in `spare` where
+/// there is one and otherwise in a new record. Null when no context is current, and, with a message, when
+/// there is no display. The read surface is not recorded: making the snapshot current binds its draw surface
+/// for both. To end a snapshot without destroying what it names, take its record out with `release()`.
+OwnedContext snapshotCurrentContext(std::unique_ptr<EglContextRecord> spare = nullptr);
 
 } // namespace ze

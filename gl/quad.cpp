@@ -3,15 +3,15 @@
 namespace ze {
 
 void pointAttributes(std::span<const QuadAttribute> attributes, std::span<const GLfloat> corners) {
-    const auto stride = GLsizei(corners.size_bytes() / kQuadCorners);
+    const auto stride = static_cast<GLsizei>(corners.size_bytes() / kQuadCorners);
     for (const QuadAttribute& attribute : attributes)
-        glVertexAttribPointer(GLuint(attribute.location), 2, GL_FLOAT, GL_FALSE, stride,
+        glVertexAttribPointer(static_cast<GLuint>(attribute.location), 2, GL_FLOAT, GL_FALSE, stride,
                               corners.data() + attribute.firstFloat);
 }
 
 void enableAttributes(std::span<const QuadAttribute> attributes) {
     for (const QuadAttribute& attribute : attributes)
-        glEnableVertexAttribArray(GLuint(attribute.location));
+        glEnableVertexAttribArray(static_cast<GLuint>(attribute.location));
 }
 
 void drawStrip() {
@@ -20,7 +20,7 @@ void drawStrip() {
 
 void disableAttributes(std::span<const QuadAttribute> attributes) {
     for (const QuadAttribute& attribute : attributes)
-        glDisableVertexAttribArray(GLuint(attribute.location));
+        glDisableVertexAttribArray(static_cast<GLuint>(attribute.location));
 }
 
 } // namespace ze

@@ -26,26 +26,21 @@ using QuadCorners = std::array<GLfloat, kQuadCorners * 4>;
 /// Four corners of x, y, u, v and a second coordinate pair.
 using TwoTextureQuadCorners = std::array<GLfloat, kQuadCorners * 6>;
 
-/// The part of a texture that a quad shows: u from 0 to `uMax`, v from `vLow` to 1.
-struct TextureSpan {
-    GLfloat uMax = 1.0f;
-    GLfloat vLow = 0.0f;
-};
-
 // clang-format off
-constexpr QuadCorners quadCorners(const TextureSpan& span) {
-    return {-1,  1, 0,         1,
-            -1, -1, 0,         span.vLow,
-             1,  1, span.uMax, 1,
-             1, -1, span.uMax, span.vLow};
+/// Shows the texture from u = 0 to `uMax`.
+constexpr QuadCorners quadCorners(GLfloat uMax = 1) {
+    return {-1,  1, 0,    1,
+            -1, -1, 0,    0,
+             1,  1, uMax, 1,
+             1, -1, uMax, 0};
 }
 
-/// The first coordinate pair covers its whole texture, the second one covers `second`.
-constexpr TwoTextureQuadCorners twoTextureQuadCorners(const TextureSpan& second) {
-    return {-1,  1, 0, 1, 0,           1,
-            -1, -1, 0, 0, 0,           second.vLow,
-             1,  1, 1, 1, second.uMax, 1,
-             1, -1, 1, 0, second.uMax, second.vLow};
+/// Shows the whole first texture, and the second one from u = 0 to `uMax` and from v = `vLow` to 1.
+constexpr TwoTextureQuadCorners twoTextureQuadCorners(GLfloat uMax = 1, GLfloat vLow = 0) {
+    return {-1,  1, 0, 1, 0,    1,
+            -1, -1, 0, 0, 0,    vLow,
+             1,  1, 1, 1, uMax, 1,
+             1, -1, 1, 0, uMax, vLow};
 }
 // clang-format on
 

@@ -4,7 +4,7 @@
 
 namespace ze {
 
-GLuint createTexture(GLsizei width, GLsizei height, GLenum format) {
+GLuint createTexture(FrameSize size, GLenum format) {
     GLuint texture = 0;
     glGenTextures(1, &texture);
     if (texture == 0) {
@@ -13,7 +13,8 @@ GLuint createTexture(GLsizei width, GLsizei height, GLenum format) {
     }
     glBindTexture(GL_TEXTURE_2D, texture);
     checkGlError();
-    glTexImage2D(GL_TEXTURE_2D, 0, GLint(format), width, height, 0, format, GL_UNSIGNED_BYTE, nullptr);
+    glTexImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(format), size.width, size.height, 0, format,
+                 GL_UNSIGNED_BYTE, nullptr);
     checkGlError();
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);

@@ -1,5 +1,6 @@
 #include "effects/beauty/beauty_effect.h"
 
+#include "effects/active_threshold.h"
 #include "effects/beauty/beauty_shaders.h"
 #include "gl/error.h"
 #include "gl/program.h"
@@ -10,14 +11,13 @@
 namespace ze {
 namespace {
 
-constexpr double kActiveThreshold = 0.001;
 constexpr GLfloat kDistanceNormalization = 4.0f;
 
 } // namespace
 
 // A single step serves both axes: a vertical tap lies step × height texels away, which grows with the width.
-GLfloat blurSampleStep(uint32_t width, uint32_t height) {
-    return GLfloat((double(width) * (1.0 / 45.0)) / 3.0 * (1.0 / double(height)));
+GLfloat blurSampleStep(FrameSize size) {
+    return static_cast<GLfloat>((size.width * (1.0 / 45.0)) / 3.0 * (1.0 / size.height));
 }
 
 BeautyEffect::~BeautyEffect() {
@@ -37,23 +37,23 @@ void BeautyEffect::setParams(float mixFactor, float whitenFactor) {
     m_whitenFactor = whitenFactor;
 }
 
-bool BeautyEffect::isInactive() const {
-    // One test admits equality and the other does not.
-    return double(m_mixFactor) <= kActiveThreshold && double(m_whitenFactor) < kActiveThreshold;
+bool BeautyEffect::isActive() const {
+    // Smoothing has to exceed the threshold and whitening to reach it. Negated, so that NaN is active.
+    return !(m_mixFactor <= kActiveThreshold) || !(m_whitenFactor < kActiveThreshold);
 }
 
-bool BeautyEffect::render(GLuint sourceTexture, uint32_t width, uint32_t height, GLuint targetTexture) {
+bool BeautyEffect::render(GLuint sourceTexture, FrameSize size, GLuint targetTexture) {
     if (m_blur.name == 0 && !buildBlurProgram())
         return false;
     if (m_mix.name == 0 && !buildMixProgram())
         return false;
-    if (!ensureIntermediateTexture(width, height))
+    if (!ensureIntermediateTexture(size))
         return false;
 
-    glViewport(0, 0, GLsizei(width), GLsizei(height));
+    glViewport(0, 0, size.width, size.height);
     checkGlError();
     glDisable(GL_BLEND);
-    const GLfloat sampleStep = blurSampleStep(width, height);
+    const GLfloat sampleStep = blurSampleStep(size);
     drawBlur(sourceTexture, sampleStep);
     drawMix(sourceTexture, sampleStep, targetTexture);
     return true;
@@ -70,8 +70,8 @@ bool BeautyEffect::buildBlurProgram() {
 
     glUseProgram(m_blur.name);
     glUniform1i(glGetUniformLocation(m_blur.name, "sampler"), 0);
-    glUniform1fv(glGetUniformLocation(m_blur.name, "gaussianWeight"), GLsizei(m_gaussianWeights.size()),
-                 m_gaussianWeights.data());
+    glUniform1fv(glGetUniformLocation(m_blur.name, "gaussianWeight"),
+                 static_cast<GLsizei>(m_gaussianWeights.size()), m_gaussianWeights.data());
     checkGlError();
     glUseProgram(0);
     return true;
@@ -92,26 +92,24 @@ bool BeautyEffect::buildMixProgram() {
     glUseProgram(m_mix.name);
     glUniform1i(glGetUniformLocation(m_mix.name, "originalSampler"), 0);
     glUniform1i(glGetUniformLocation(m_mix.name, "blurSampler"), 1);
-    glUniform1fv(glGetUniformLocation(m_mix.name, "gaussianWeight"), GLsizei(m_gaussianWeights.size()),
-                 m_gaussianWeights.data());
+    glUniform1fv(glGetUniformLocation(m_mix.name, "gaussianWeight"),
+                 static_cast<GLsizei>(m_gaussianWeights.size()), m_gaussianWeights.data());
     checkGlError();
     glUseProgram(0);
     return true;
 }
 
-bool BeautyEffect::ensureIntermediateTexture(uint32_t width, uint32_t height) {
-    const bool sizeDiffers = width != m_intermediateWidth || height != m_intermediateHeight;
-    if (sizeDiffers && m_intermediateTexture != 0) {
+bool BeautyEffect::ensureIntermediateTexture(FrameSize size) {
+    if (size != m_intermediateSize && m_intermediateTexture != 0) {
         deleteTexture(&m_intermediateTexture);
-        m_intermediateTexture = createTexture(GLsizei(width), GLsizei(height), GL_RGBA);
+        m_intermediateTexture = createTexture(size, GL_RGBA);
     }
     // The first frame, or a second try after a failed re-creation.
     if (m_intermediateTexture == 0)
-        m_intermediateTexture = createTexture(GLsizei(width), GLsizei(height), GL_RGBA);
+        m_intermediateTexture = createTexture(size, GL_RGBA);
     if (m_intermediateTexture == 0)
         return false;
-    m_intermediateWidth = width;
-    m_intermediateHeight = height;
+    m_intermediateSize = size;
     return true;
 }
 
@@ -128,7 +126,7 @@ void BeautyEffect::drawBlur(GLuint sourceTexture, GLfloat sampleStep) const {
     glUniform1f(m_blur.distanceNormalizationFactor, kDistanceNormalization);
     checkGlError();
 
-    const auto corners = quadCorners({});
+    const auto corners = quadCorners();
     const QuadAttribute attributes[] = {{m_blur.posAttr, 0}, {m_blur.texCoordAttr, 2}};
     pointAttributes(attributes, corners);
     enableAttributes(attributes);
@@ -158,7 +156,7 @@ void BeautyEffect::drawMix(GLuint sourceTexture, GLfloat sampleStep, GLuint targ
     glUniform1f(m_mix.whitenFactor, m_whitenFactor);
     checkGlError();
 
-    const auto corners = twoTextureQuadCorners({});
+    const auto corners = twoTextureQuadCorners();
     const QuadAttribute attributes[] = {
         {m_mix.posAttr, 0}, {m_mix.texCoordAttr, 2}, {m_mix.blurTexCoordAttr, 4}};
     pointAttributes(attributes, corners);

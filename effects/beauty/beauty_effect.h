@@ -2,10 +2,11 @@
 
 #pragma once
 
+#include "gl/frame_size.h"
+
 #include <GLES2/gl2.h>
 
 #include <array>
-#include <cstdint>
 
 namespace ze {
 
@@ -25,14 +26,14 @@ public:
     /// clamped, NaN included.
     void setParams(float mixFactor, float whitenFactor);
 
-    /// True when `mixFactor` <= 0.001 and `whitenFactor` < 0.001, both compared as doubles. NaN is active.
-    bool isInactive() const;
+    /// False when `mixFactor` <= 0.001 and `whitenFactor` < 0.001, both compared as doubles. NaN is active.
+    bool isActive() const;
 
-    /// Draws `sourceTexture` with the effect into `targetTexture`; two different RGBA textures of `width` ×
-    /// `height`. Needs the core's frame buffer bound; leaves it without a color target, unit 0 active and
-    /// the intermediate texture bound to unit 1. False when a program or the intermediate texture cannot be
-    /// made; nothing is drawn then and the next call tries again. GL errors are logged and do not stop it.
-    bool render(GLuint sourceTexture, uint32_t width, uint32_t height, GLuint targetTexture);
+    /// Draws `sourceTexture` with the effect into `targetTexture`; two different RGBA textures of `size`.
+    /// Needs the core's frame buffer bound; leaves it without a color target, unit 0 active and the
+    /// intermediate texture bound to unit 1. False when a program or the intermediate texture cannot be made;
+    /// nothing is drawn then and the next call tries again. GL errors are logged and do not stop it.
+    bool render(GLuint sourceTexture, FrameSize size, GLuint targetTexture);
 
 private:
     struct BlurProgram {
@@ -56,15 +57,14 @@ private:
 
     bool buildBlurProgram();
     bool buildMixProgram();
-    bool ensureIntermediateTexture(uint32_t width, uint32_t height);
+    bool ensureIntermediateTexture(FrameSize size);
     void drawBlur(GLuint sourceTexture, GLfloat sampleStep) const;
     void drawMix(GLuint sourceTexture, GLfloat sampleStep, GLuint targetTexture) const;
 
     BlurProgram m_blur;
     MixProgram m_mix;
     GLuint m_intermediateTexture = 0; ///< RGBA, receives the horizontal pass.
-    uint32_t m_intermediateWidth = 0;
-    uint32_t m_intermediateHeight = 0;
+    FrameSize m_intermediateSize;
     float m_mixFactor = 0.0f;
     float m_whitenFactor = 0.0f;
     /// A normalized Gaussian of sigma 1.5 over the taps -3 to +3.
@@ -73,7 +73,7 @@ private:
         0.21674533188343048f, 0.11128076165914536f, 0.03663284704089165f};
 };
 
-/// The distance between two taps, in texture coordinates of either axis, for a frame of `width` × `height`.
-GLfloat blurSampleStep(uint32_t width, uint32_t height);
+/// The distance between two taps, in texture coordinates of either axis, for frames of `size`.
+GLfloat blurSampleStep(FrameSize size);
 
 } // namespace ze

@@ -1,5 +1,6 @@
 #include "effects/lut/lut_effect.h"
 
+#include "effects/active_threshold.h"
 #include "effects/lut/lut_file_reader.h"
 #include "effects/lut/lut_shaders.h"
 #include "gl/error.h"
@@ -13,8 +14,6 @@
 namespace ze {
 namespace {
 
-constexpr double kActiveThreshold = 0.001;
-
 /// The source comes from unit 0, the table from unit 1.
 void pointSamplers(GLuint program) {
     glUseProgram(program);
@@ -26,11 +25,8 @@ void pointSamplers(GLuint program) {
 
 } // namespace
 
-CLutEffect::CLutEffect() : m_tables(std::make_unique<LutTables>()) {}
-
 CLutEffect::~CLutEffect() {
     deleteTexture(&m_lutTexture);
-    m_tables.reset();
     if (m_ratio.name != 0)
         glDeleteProgram(m_ratio.name);
     if (m_mapped.name != 0)
@@ -46,15 +42,16 @@ void CLutEffect::setParams(const CZeString& path, float intensity) {
     m_path = path;
 }
 
-bool CLutEffect::isBypass() const {
-    return !m_tables || !(double(m_intensity) >= kActiveThreshold);
+bool CLutEffect::isActive() const {
+    return m_intensity >= kActiveThreshold;
 }
 
-bool CLutEffect::draw(GLuint sourceTexture, uint32_t width, uint32_t height, GLuint targetTexture) {
+bool CLutEffect::render(GLuint sourceTexture, FrameSize size, GLuint targetTexture) {
     if (m_lutTexture == 0 && !loadTable())
         return false;
-    const bool isUniform = m_tables->uniformLevels;
-    if (!(isUniform ? prepareRatioProgram() : prepareMappedProgram())) {
+    const bool isUniform = m_tables.uniformLevels;
+    const bool isPrepared = isUniform ? prepareRatioProgram() : prepareMappedProgram();
+    if (!isPrepared) {
         ZeLogError() << "Failed to prepare 3d lut program";
         return false;
     }
@@ -64,14 +61,14 @@ bool CLutEffect::draw(GLuint sourceTexture, uint32_t width, uint32_t height, GLu
         useMappedProgram();
 
     attachAndClear(targetTexture);
-    glViewport(0, 0, GLsizei(width), GLsizei(height));
+    glViewport(0, 0, size.width, size.height);
     checkGlError();
     glActiveTexture(GL_TEXTURE1);
     bindWithFilter(m_lutTexture, GL_LINEAR);
     glActiveTexture(GL_TEXTURE0);
     bindWithFilter(sourceTexture, GL_NEAREST);
 
-    const auto corners = quadCorners({});
+    const auto corners = quadCorners();
     const QuadAttribute attributes[] = {{isUniform ? m_ratio.posAttr : m_mapped.posAttr, 0},
                                         {isUniform ? m_ratio.texCoordAttr : m_mapped.texCoordAttr, 2}};
     pointAttributes(attributes, corners);
@@ -99,10 +96,10 @@ bool CLutEffect::loadTable() {
     }
 
     const uint32_t levelCount = file.levelCount();
-    const uint32_t width = levelCount * levelCount;
-    const uint32_t height = levelCount;
+    const auto height = static_cast<int32_t>(levelCount);
+    const FrameSize size = {height * height, height};
     discardTexture(m_lutTexture);
-    m_lutTexture = createTexture(GLsizei(width), GLsizei(height), GL_RGB);
+    m_lutTexture = createTexture(size, GL_RGB);
     if (m_lutTexture == 0) {
         ZeLogError() << "failed to allocate texture";
         return false;
@@ -110,16 +107,15 @@ bool CLutEffect::loadTable() {
     const std::vector<uint8_t> texels = lutTexels(file.colorData(), levelCount);
     glBindTexture(GL_TEXTURE_2D, m_lutTexture);
     clampBoundTexture();
-    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, GLsizei(width), GLsizei(height), GL_RGB, GL_UNSIGNED_BYTE,
-                    texels.data());
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, size.width, size.height, GL_RGB, GL_UNSIGNED_BYTE, texels.data());
     glBindTexture(GL_TEXTURE_2D, 0);
 
     const std::span<const float> levels(file.levelValues(), levelCount);
-    fillCoordinateMap(levels, m_tables->coordinateMap);
-    m_tables->uniformLevels = hasUniformLevels(levels);
-    m_tables->levelCount = levelCount;
-    m_tables->textureWidth = width;
-    m_tables->textureHeight = height;
+    fillCoordinateMap(levels, m_tables.coordinateMap);
+    m_tables.uniformLevels = hasUniformLevels(levels);
+    m_tables.levelCount = levelCount;
+    m_tables.textureWidth = levelCount * levelCount;
+    m_tables.textureHeight = levelCount;
     return true;
 }
 
@@ -154,7 +150,7 @@ bool CLutEffect::prepareMappedProgram() {
 }
 
 void CLutEffect::useRatioProgram() const {
-    const auto levelCount = GLfloat(m_tables->levelCount);
+    const auto levelCount = static_cast<GLfloat>(m_tables.levelCount);
     glUseProgram(m_ratio.name);
     checkGlError();
     glUniform1f(m_ratio.texelSize1D, 1.0f / levelCount);
@@ -163,12 +159,12 @@ void CLutEffect::useRatioProgram() const {
 }
 
 void CLutEffect::useMappedProgram() const {
-    const auto levelCount = GLfloat(m_tables->levelCount);
+    const auto levelCount = static_cast<GLfloat>(m_tables.levelCount);
     glUseProgram(m_mapped.name);
     checkGlError();
     glUniform1f(m_mapped.texelSize1D, 1.0f / levelCount);
-    glUniform1fv(m_mapped.texCoordLut1D, GLsizei(m_tables->coordinateMap.size()),
-                 m_tables->coordinateMap.data());
+    glUniform1fv(m_mapped.texCoordLut1D, static_cast<GLsizei>(m_tables.coordinateMap.size()),
+                 m_tables.coordinateMap.data());
     glUniform1f(m_mapped.intensity, m_intensity);
 }
 

@@ -4,11 +4,9 @@
 
 #include "core/tools/ze_string.h"
 #include "effects/lut/lut_tables.h"
+#include "gl/frame_size.h"
 
 #include <GLES2/gl2.h>
-
-#include <cstdint>
-#include <memory>
 
 namespace ze {
 
@@ -17,7 +15,7 @@ namespace ze {
 /// on the thread that has the core's context current.
 class CLutEffect {
 public:
-    CLutEffect();
+    CLutEffect() = default;
     CLutEffect(const CLutEffect&) = delete;
     CLutEffect& operator=(const CLutEffect&) = delete;
 
@@ -29,17 +27,17 @@ public:
     /// "Lut path is already setted.", also when both are the same.
     void setParams(const CZeString& path, float intensity);
 
-    /// True when the effect would change nothing: an intensity that is not >= 0.001, compared as doubles. NaN
-    /// is bypassed. Does not ask whether the file can be loaded.
-    bool isBypass() const;
+    /// Whether the intensity is >= 0.001, compared as doubles. Negative ones and NaN are not. Says nothing of
+    /// the file: an effect whose table cannot be loaded, or changes no color, is active all the same.
+    bool isActive() const;
 
-    /// Draws `sourceTexture` through the table into `targetTexture`; two different RGBA textures of `width` ×
-    /// `height`. Alpha is kept, and scales the intensity. Needs the core's frame buffer bound and unit 0
-    /// active; leaves it without a color target and the table's texture bound to unit 1.
+    /// Draws `sourceTexture` through the table into `targetTexture`; two different RGBA textures of `size`.
+    /// Alpha is kept, and scales the intensity. Needs the core's frame buffer bound and unit 0 active; leaves
+    /// it without a color target and the table's texture bound to unit 1.
     ///
     /// False, with the reason in the log, when the table cannot be loaded or the program not be built;
     /// nothing is drawn then and the next call tries again. GL errors are logged and do not stop it.
-    bool draw(GLuint sourceTexture, uint32_t width, uint32_t height, GLuint targetTexture);
+    bool render(GLuint sourceTexture, FrameSize size, GLuint targetTexture);
 
 private:
     /// For uniform levels.
@@ -73,7 +71,7 @@ private:
     GLuint m_lutTexture = 0; ///< RGB, N² × N; 0 until the file is loaded.
     CZeString m_path;
     float m_intensity = 0.0f;
-    std::unique_ptr<LutTables> m_tables;
+    LutTables m_tables;
 };
 
 } // namespace ze

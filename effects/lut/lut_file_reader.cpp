@@ -21,14 +21,15 @@ constexpr size_t kHeaderSize = 48;
 constexpr size_t kColorAlignment = 64;
 
 bool readWhole(CZeFile& file, unsigned char* bytes, size_t size) {
-    return file.read(reinterpret_cast<char*>(bytes), int64_t(size)) == int64_t(size);
+    const auto count = static_cast<int64_t>(size);
+    return file.read(reinterpret_cast<char*>(bytes), count) == count;
 }
 
 template <class Unsigned>
 Unsigned littleEndian(const unsigned char* bytes) {
     Unsigned value = 0;
     for (size_t i = 0; i < sizeof(Unsigned); ++i)
-        value |= Unsigned(bytes[i]) << (8 * i);
+        value |= static_cast<Unsigned>(bytes[i]) << (8 * i);
     return value;
 }
 
@@ -94,14 +95,14 @@ bool CLutFileReader::readHeader(CZeFile& file, Header& header) {
     header = {littleEndian<uint32_t>(bytes + 8), littleEndian<uint32_t>(bytes + 12),
               littleEndian<uint32_t>(bytes + 16), littleEndian<uint32_t>(bytes + 20),
               littleEndian<uint64_t>(bytes + 32)};
-    return header.reserved == 0 && header.levelCount - 1 < kMaxLevelCount; // 0 wraps around
+    return header.reserved == 0 && header.levelCount >= 1 && header.levelCount <= kMaxLevelCount;
 }
 
 bool CLutFileReader::readLevels(CZeFile& file, const Header& header, std::vector<float>& levels) {
     // No file has a position above this; asking for it would be logged.
-    if (header.levelsOffset > uint64_t(std::numeric_limits<int64_t>::max()))
+    if (header.levelsOffset > static_cast<uint64_t>(std::numeric_limits<int64_t>::max()))
         return false;
-    if (!file.seek(int64_t(header.levelsOffset)))
+    if (!file.seek(static_cast<int64_t>(header.levelsOffset)))
         return false;
     unsigned char bytes[4 * kMaxLevelCount];
     if (!readWhole(file, bytes, 4 * header.levelCount)) {

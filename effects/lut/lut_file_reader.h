@@ -29,7 +29,7 @@ public:
     CZeString path() const { return m_path; }
     uint32_t version() const { return m_version; } ///< 0 when nothing was read
     bool isThreeDimensional() const { return m_isThreeDimensional; }
-    uint32_t levelCount() const { return uint32_t(m_levelValues.size()); }
+    uint32_t levelCount() const { return static_cast<uint32_t>(m_levelValues.size()); }
     /// `levelCount` values; null when there are none. They live as long as the reader, as do the colors.
     const float* levelValues() const { return m_levelValues.empty() ? nullptr : m_levelValues.data(); }
     /// The colors as the file has them, on a multiple of 64 bytes; null when there are none.

@@ -10,7 +10,7 @@ namespace {
 constexpr float kUniformTolerance = 1.0f / 512.0f;
 
 float texelCenter(size_t index, size_t count) {
-    return (float(index) + 0.5f) / float(count);
+    return (static_cast<float>(index) + 0.5f) / static_cast<float>(count);
 }
 
 } // namespace
@@ -36,11 +36,12 @@ void fillCoordinateMap(std::span<const float> levels, LutCoordinateMap& map) {
     const size_t count = levels.size();
     size_t j = 0; // the first level that is not below x; it only moves forward
     for (size_t k = 0; k < map.size(); ++k) {
-        const float x = float(k) / 255.0f;
+        const float x = static_cast<float>(k) / 255.0f;
         while (x > levels[j]) {
             if (j + 1 == count) {
                 // Behind the last level. Entry 255 is left out, and keeps what it holds.
-                std::fill(map.begin() + ptrdiff_t(k), map.end() - 1, texelCenter(count - 1, count));
+                std::fill(map.begin() + static_cast<ptrdiff_t>(k), map.end() - 1,
+                          texelCenter(count - 1, count));
                 return;
             }
             ++j;
@@ -56,8 +57,8 @@ void fillCoordinateMap(std::span<const float> levels, LutCoordinateMap& map) {
 }
 
 std::vector<uint8_t> lutTexels(const uint8_t* colorData, uint32_t levelCount) {
-    const size_t rowSize = size_t{levelCount} * levelCount * 3;
-    const size_t stride = (rowSize + 3) & ~size_t{3};
+    const size_t rowSize = static_cast<size_t>(levelCount) * levelCount * 3;
+    const size_t stride = (rowSize + 3) / 4 * 4;
     std::vector<uint8_t> texels(stride * levelCount);
     for (size_t row = 0; row < levelCount; ++row)
         std::memcpy(texels.data() + row * stride, colorData + row * rowSize, rowSize);

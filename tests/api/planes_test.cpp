@@ -22,8 +22,8 @@ TEST(PlaneCopy, CopiesThePictureAndLeavesThePaddingWhateverThePitches) {
                         expected(width, height, to);
                     fillPicture(input.image, width, height, pattern);
                     fillPicture(expected.image, width, height, pattern);
-                    copyFrame(input.image, output.image, format, width, height);
-                    copyFrame(output.image, output.image, format, width, height); // onto itself
+                    copyFrame(input.image, output.image, format, {width, height});
+                    copyFrame(output.image, output.image, format, {width, height}); // onto itself
                     EXPECT_TRUE(output == expected)
                         << width << " x " << height << ", padding " << from.padding << " to " << to.padding;
                 }
@@ -50,7 +50,7 @@ TEST(Unpack, FollowsTheByteRuleAtEveryWidthAndPitch) {
                     const int place = plane == 0 ? (isFirst ? 0 : 2) : (isFirst != nv21 ? 1 : 3);
                     return byteAt(staging, 0, x / 2 * 4 + place, plane == 0 ? y : 2 * y);
                 });
-                unpackFrame(staging, output.image, nv21, width, height);
+                unpackFrame(staging, output.image, nv21, {width, height});
                 EXPECT_TRUE(output == expected) << width << " x " << height << (nv21 ? ", NV21" : ", NV12")
                                                 << ", padding " << stagingPadding << " to " << layout.padding;
             }

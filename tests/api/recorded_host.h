@@ -5,10 +5,8 @@
 #include "api/effect_handle.h"
 #include "api/render_core.h"
 #include "api/ze_beauty_effect.h"
-#include "convert/color_converter.h"
 #include "effects/beauty/beauty_effect.h"
 #include "effects/lut/lut_effect.h"
-#include "gl/egl_context.h"
 #include "tests/api/test_frame.h"
 #include "tests/support/gl_recorder.h"
 #include "tests/support/log_capture.h"
@@ -38,8 +36,7 @@ struct RecordedHost {
                 ZecDestoryEffect(effect);
         if (!core || ZecDestroyRenderCore(core))
             return;
-        delete core->context; // it never had one: the host's will do
-        gl.makeHostContextCurrent();
+        gl.makeHostContextCurrent(); // it never had a context: the host's will do
         core->context = ze::snapshotCurrentContext();
         ZecDestroyRenderCore(core);
     }

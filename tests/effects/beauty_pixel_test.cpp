@@ -35,10 +35,9 @@ Picture noiseAroundSkin(uint32_t spread, int width, int height) {
 class BeautyPixel : public GlTest {
 protected:
     std::vector<uint8_t> beautified(const Picture& picture, BeautyParams params) {
-        const auto width = uint32_t(picture.width), height = uint32_t(picture.height);
         const GLuint target = targetTexture(picture.width, picture.height);
         m_effect.setParams(float(params.mixFactor), float(params.whitenFactor));
-        EXPECT_TRUE(m_effect.render(textureOf(picture), width, height, target));
+        EXPECT_TRUE(m_effect.render(textureOf(picture), {picture.width, picture.height}, target));
         return contentOf(target, picture.width, picture.height);
     }
 

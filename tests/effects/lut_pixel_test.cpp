@@ -92,7 +92,7 @@ TEST_F(LutPixel, AgreesWithTrilinearInterpolationAndAnIdentityKeepsColorsWithinO
                                                     << (isIdentity ? " identity " : " noise ") << intensity);
                     effect.setParams(CZeString::fromUtf8(path.c_str()), intensity);
                     const GLuint target = targetTexture(64, 48);
-                    EXPECT_TRUE(effect.draw(texture, 64, 48, target));
+                    EXPECT_TRUE(effect.render(texture, {64, 48}, target));
                     const auto result = contentOf(target, 64, 48);
                     // A place among the 4225 texels of a row is known to 0.0005, by half floats to 0.03.
                     EXPECT_TRUE(agree(result, graded(source, lut, double(intensity)),

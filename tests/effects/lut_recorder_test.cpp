@@ -15,7 +15,6 @@
 
 using testing::Each;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::Field;
 using testing::IsEmpty;
 
@@ -28,24 +27,22 @@ protected:
         gl.makeHostContextCurrent();
         createFramebuffer();
         gl.labelTextures({"source", "target"});
-        source = createTexture(5, 4, GL_RGBA);
-        target = createTexture(5, 4, GL_RGBA);
+        source = createTexture({5, 4}, GL_RGBA);
+        target = createTexture({5, 4}, GL_RGBA);
         start({});
     }
     ~Lut() override { EXPECT_THAT(log.entries(), Each(Field(&LogCapture::Entry::priority, 6))); }
 
-    /// A new effect with a file of these levels, the bytes of which it returns.
-    std::string start(const std::vector<float>& levels) {
+    /// A new effect with a file of these levels.
+    void start(const std::vector<float>& levels) {
         effect.emplace();
-        const std::string bytes = LutFile{levels}.fillWithNoise().bytes();
-        writeFile(path, bytes);
+        writeFile(path, LutFile{levels}.fillWithNoise().bytes());
         effect->setParams(CZeString::fromUtf8(levels.empty() ? "" : path.c_str()), 0.75f);
         gl.labelTextures({"lut"});
         gl.clear();
         log.clear();
-        return bytes;
     }
-    bool draw() { return effect->draw(source, 5, 4, target); }
+    bool render() { return effect->render(source, {5, 4}, target); }
 
     GlRecorder gl;
     LogCapture log;
@@ -55,32 +52,35 @@ protected:
     std::optional<CLutEffect> effect;
 };
 
-const std::vector<float> kLevels = {0, 0.25f, 0.5f, 0.75f, 1};
-
 TEST_F(Lut, LoadsItsTableBuildsOneProgramAndKeepsThem) {
-    start(kLevels);
-    const std::string drawing = R"(
+    start({0, 0.25f, 0.5f, 0.75f, 1});
+    ASSERT_TRUE(render());
+    EXPECT_EQ(gl.calls({"glTexImage2D", "glTexSubImage2D", "glUniform1i"}), recipe(R"(
+        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 25, 5, 0, GL_RGB, GL_UNSIGNED_BYTE, null)
+        glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 25, 5, GL_RGB, GL_UNSIGNED_BYTE)
+        glUniform1i(sampler, 0); glUniform1i(lutSampler, 1))"));
+    gl.clear();
+    std::filesystem::remove(path);
+    ASSERT_TRUE(render());
+    EXPECT_EQ(gl.calls(), recipe(R"(
         glUseProgram(lutRatio); check; glUniform1f(texelSize1D, 0.2)
         glUniform1f(rgbToTexCoordRatio, 0.8); glUniform1f(intensity, 0.75)
         bind target; check; nearest; attach target; check; clear; glViewport(0, 0, 5, 4); check
         unit 1; bind lut; check; linear; unit 0; bind source; check; nearest
         point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr; draw; check
-        disable posAttr; disable texCoordAttr; attach 0)";
-    ASSERT_TRUE(draw());
-    EXPECT_THAT(gl.calls(), testing::StartsWith(recipe(R"(
-        glGenTextures(1); bind lut; check
-        glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB, 25, 5, 0, GL_RGB, GL_UNSIGNED_BYTE, null); check; clamp
-        bind lut; clamp; glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 25, 5, GL_RGB, GL_UNSIGNED_BYTE); bind 0
-        glCreateShader(GL_VERTEX_SHADER))")));
-    EXPECT_THAT(gl.calls(), EndsWith(recipe("glUniform1i(lutSampler, 1); check; glUseProgram(0)" + drawing)));
-    gl.clear();
-    std::filesystem::remove(path);
-    ASSERT_TRUE(draw());
-    EXPECT_EQ(gl.calls(), recipe(drawing));
+        disable posAttr; disable texCoordAttr; attach 0)"));
     EXPECT_THAT(gl.drawTexts(), ElementsAre("lutRatio(source, lut) -> target"));
-    gl.clear();
-    effect.reset();
-    EXPECT_EQ(gl.calls(), recipe("glDeleteTextures(1, lut); glDeleteProgram(lutRatio)"));
+}
+
+TEST_F(Lut, DeletesItsTextureAndTheProgramThatItsLevelsAskFor) {
+    for (const bool isUniform : {true, false}) {
+        start({0, isUniform ? 0.5f : 0.25f, 1});
+        ASSERT_TRUE(render());
+        gl.clear();
+        effect.reset();
+        EXPECT_EQ(gl.calls(), recipe(std::string("glDeleteTextures(1, lut); glDeleteProgram(") +
+                                     (isUniform ? "lutRatio)" : "lutMapped)")));
+    }
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
@@ -88,11 +88,11 @@ TEST_F(Lut, TheFirstPathStaysAndTheLastIntensityCounts) {
     start({0, 1});
     effect->setParams(CZeString(), -2.5f); // as it is
     EXPECT_THAT(log.texts(), ElementsAre("Lut path is already setted."));
-    EXPECT_TRUE(draw());
+    EXPECT_TRUE(render());
     EXPECT_THAT(gl.uniform("lutRatio", "intensity"), ElementsAre(-2.5f));
-    EXPECT_TRUE(effect->isBypass());
+    EXPECT_FALSE(effect->isActive());
     effect->setParams(CZeString(), std::nanf(""));
-    EXPECT_TRUE(effect->isBypass());
+    EXPECT_FALSE(effect->isActive());
 }
 
 TEST_F(Lut, TriesAFailedTableOrProgramAgainInEveryFrame) {
@@ -114,44 +114,16 @@ TEST_F(Lut, TriesAFailedTableOrProgramAgainInEveryFrame) {
         writeFile(path, frame.file);
         log.clear();
         gl.refuse(frame.refused, 1, frame.refused == "glGenTextures" ? GL_OUT_OF_MEMORY : GL_NO_ERROR);
-        EXPECT_FALSE(draw());
+        EXPECT_FALSE(render());
         EXPECT_EQ(log.texts(), frame.messages);
     }
     gl.clear();
-    EXPECT_TRUE(draw());
+    EXPECT_TRUE(render());
     EXPECT_EQ(gl.calls({"glTexSubImage2D"}), ""); // the table is there
 
     start({});
-    EXPECT_FALSE(draw());
+    EXPECT_FALSE(render());
     EXPECT_THAT(log.texts(), ElementsAre("lut path is empty"));
-}
-
-TEST_F(Lut, ReportsAnErrorOfAnyCallOnceAndStopsOnlyWithoutAProgram) {
-    start(kLevels);
-    EXPECT_TRUE(draw());
-    const std::vector<std::string> calls = gl.driver.calls;
-    const size_t lateCalls = 3; // behind the last check
-    for (size_t i = 0, nth = 0; i < calls.size(); ++i) {
-        if (calls[i] == "glGetError()")
-            continue;
-        SCOPED_TRACE(calls[i]);
-        start(kLevels);
-        gl.raise("", int(++nth), GL_INVALID_OPERATION);
-        const bool isLate = i >= calls.size() - lateCalls;
-        if (calls[i].starts_with("glCompileShader") || calls[i].starts_with("glLinkProgram")) {
-            EXPECT_FALSE(draw());
-            EXPECT_THAT(gl.draws(), IsEmpty());
-            EXPECT_THAT(log.texts(),
-                        ElementsAre(EndsWith(":\n why it failed"), "Failed to prepare 3d lut program"));
-        } else {
-            EXPECT_TRUE(draw());
-            EXPECT_EQ(gl.driver.calls, calls);
-            EXPECT_EQ(log.texts(), std::vector<std::string>(!isLate, "GL error: 0x1282"));
-        }
-        log.clear();
-        EXPECT_TRUE(draw());
-        EXPECT_EQ(log.texts(), std::vector<std::string>(isLate, "GL error: 0x1282"));
-    }
 }
 
 } // namespace

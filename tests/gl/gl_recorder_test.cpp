@@ -26,7 +26,8 @@ protected:
 };
 
 TEST_F(EglContextTest, IsMadeOnceLeftCurrentAndReleasedOnce) {
-    EXPECT_TRUE(createContext(record) && createContext(record));
+    EXPECT_TRUE(createContext(record));
+    EXPECT_TRUE(createContext(record));
     releaseContext(record);
     releaseContext(record);
     EXPECT_TRUE(record.initialized);
@@ -68,6 +69,7 @@ TEST_F(EglContextTest, NamesTheStepThatFailsAndIsNotTriedAgain) {
         EXPECT_FALSE(createContext(failed));
         EXPECT_EQ(log.texts(), std::vector<std::string>(*c.message ? 1 : 0, c.message));
         EXPECT_EQ(egl.liveObjects(), c.hasContext ? "coreContext, coreSurface" : "");
+        EXPECT_EQ(failed.context != EGL_NO_CONTEXT, c.hasContext);
 
         // A record that got as far as the display is taken for complete.
         egl.clear();
@@ -104,8 +106,9 @@ TEST_F(EglContextTest, SnapshotsKeepTheDrawSurfaceForBoth) {
     EXPECT_THAT(log.texts(), ElementsAre("eglGetDisplay() failed, errno=0x3003"));
 
     egl.makeHostContextCurrent();
-    const std::unique_ptr<EglContextRecord> snapshot(snapshotCurrentContext());
-    ASSERT_TRUE(snapshot && !snapshot->initialized && createContext(record));
+    const std::unique_ptr<EglContextRecord> snapshot(snapshotCurrentContext().release());
+    ASSERT_TRUE(snapshot);
+    EXPECT_TRUE(createContext(record));
     EXPECT_TRUE(makeContextCurrent(*snapshot));
     EXPECT_EQ(egl.currentContext(), "hostContext hostDraw hostDraw");
 }
@@ -119,7 +122,7 @@ protected:
 };
 
 TEST_F(GlResources, AreMadeAndLeftBoundAndDeletedByName) {
-    GLuint texture = createTexture(5, 3, GL_LUMINANCE_ALPHA), framebuffer = createFramebuffer(), none = 0;
+    GLuint texture = createTexture({5, 3}, GL_LUMINANCE_ALPHA), framebuffer = createFramebuffer(), none = 0;
     deleteTexture(&none);
     deleteFramebuffer(&none);
     deleteTexture(&texture);
@@ -134,10 +137,13 @@ TEST_F(GlResources, AreMadeAndLeftBoundAndDeletedByName) {
 }
 
 TEST_F(GlResources, WithoutANameThereIsNothingToMake) {
-    EXPECT_EQ((gl.refuse("glGenTextures", 1), createTexture(5, 3, GL_RGBA)), 0u);
+    gl.refuse("glGenTextures", 1);
+    EXPECT_EQ(createTexture({5, 3}, GL_RGBA), 0u);
     EXPECT_THAT(log.texts(), IsEmpty());
-    EXPECT_EQ((gl.refuse("glGenTextures", 1, GL_OUT_OF_MEMORY), createTexture(5, 3, GL_RGBA)), 0u);
-    EXPECT_EQ((gl.refuse("glGenFramebuffers", 1), createFramebuffer()), 0u);
+    gl.refuse("glGenTextures", 1, GL_OUT_OF_MEMORY);
+    EXPECT_EQ(createTexture({5, 3}, GL_RGBA), 0u);
+    gl.refuse("glGenFramebuffers", 1);
+    EXPECT_EQ(createFramebuffer(), 0u);
     EXPECT_THAT(log.entries(),
                 ElementsAre(LogCapture::Entry{6, "glowfx", "GL error: 0x1285"}, // in decimal digits
                             LogCapture::Entry{6, "glowfx", "Failed to create fbo!"}));

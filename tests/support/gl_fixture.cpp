@@ -28,7 +28,7 @@ GLuint GlTest::textureOf(const Picture& picture) {
     for (const reference::Color& pixel : picture.stored().pixels)
         for (double channel : pixel)
             bytes.push_back(uint8_t(std::lround(channel * 255)));
-    const GLuint texture = ze::createTexture(picture.width, picture.height, GL_RGBA);
+    const GLuint texture = ze::createTexture({picture.width, picture.height}, GL_RGBA);
     glBindTexture(GL_TEXTURE_2D, texture);
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, picture.width, picture.height, GL_RGBA, GL_UNSIGNED_BYTE,
                     bytes.data());

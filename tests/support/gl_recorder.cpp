@@ -39,10 +39,10 @@ int GlRecorder::glCallCount() const {
     return int(std::ranges::count_if(driver.calls, isCounted));
 }
 
-std::vector<std::string> GlRecorder::drawTexts(std::string (Draw::*form)() const) const {
+std::vector<std::string> GlRecorder::drawTexts(std::string Draw::*form) const {
     std::vector<std::string> texts;
     for (const Draw& draw : driver.draws)
-        texts.push_back((draw.*form)());
+        texts.push_back(draw.*form);
     return texts;
 }
 

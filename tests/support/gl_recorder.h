@@ -32,9 +32,8 @@ public:
 
     /// The textures that a program read, in the order of units, and the one that it drew into.
     struct Draw {
-        std::string labels, dimensions;
-        std::string text() const { return labels; }      ///< "mix(input, intermediate) -> output"
-        std::string sizes() const { return dimensions; } ///< "mix(5x3, 5x3) -> 5x3"
+        std::string text;  ///< "mix(input, intermediate) -> output"
+        std::string sizes; ///< "mix(5x3, 5x3) -> 5x3"
     };
 
     GlRecorder() { current = this; }
@@ -67,7 +66,7 @@ public:
     std::string calls(std::initializer_list<std::string_view> functions = {}) const;
     int glCallCount() const; ///< calls that `raise` counts for ""
     const std::vector<Draw>& draws() const { return driver.draws; }
-    std::vector<std::string> drawTexts(std::string (Draw::*form)() const = &Draw::text) const;
+    std::vector<std::string> drawTexts(std::string Draw::*form = &Draw::text) const;
     /// Forgets calls, draws and what was to fail. The state stays.
     void clear();
 
