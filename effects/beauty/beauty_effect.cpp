@@ -13,12 +13,13 @@ namespace {
 
 constexpr GLfloat kDistanceNormalization = 4.0f;
 
-} // namespace
-
-// A single step serves both axes: a vertical tap lies step × height texels away, which grows with the width.
+/// The distance between two taps in texture coordinates. A single step serves both axes: a vertical tap lies
+/// step × height texels away, which grows with the width.
 GLfloat blurSampleStep(FrameSize size) {
     return static_cast<GLfloat>((size.width * (1.0 / 45.0)) / 3.0 * (1.0 / size.height));
 }
+
+} // namespace
 
 BeautyEffect::~BeautyEffect() {
     // Only the first program goes by name; a mix program built after it goes with the GL context.

@@ -73,7 +73,4 @@ private:
         0.21674533188343048f, 0.11128076165914536f, 0.03663284704089165f};
 };
 
-/// The distance between two taps, in texture coordinates of either axis, for frames of `size`.
-GLfloat blurSampleStep(FrameSize size);
-
 } // namespace ze

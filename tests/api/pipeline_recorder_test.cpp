@@ -171,10 +171,10 @@ TEST_F(Pipeline, HandsBackTheFrameBufferThatWasBoundAndThenTheContext) {
     ASSERT_TRUE(render());
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     ASSERT_TRUE(render());
-    EXPECT_EQ(gl.driver.framebuffer, core->framebuffer);
+    EXPECT_EQ(gl.framebuffer, core->framebuffer);
     GLuint other = 0;
     glGenFramebuffers(1, &other);
-    gl.driver.objects[other].label = "other";
+    gl.objects[other].label = "other";
     // The own context on a surface of somebody else's counts as another one.
     for (const std::string context : {"", "hostContext", "coreContext"}) {
         if (!context.empty())
@@ -237,7 +237,7 @@ TEST(Failure, OfARebuildIsMadeUpForWhateverSizeComesNext) {
                 g_staging.isRefused = false;
                 EXPECT_THAT(host.log.texts(),
                             ElementsAre(missing == 0 ? "buffer is null" : "GL error: 0x1285"));
-                EXPECT_THAT(host.gl.draws(), IsEmpty());
+                EXPECT_THAT(host.gl.draws, IsEmpty());
                 EXPECT_TRUE(host.render(width, height));
                 EXPECT_EQ(host.gl.drawTexts(&GlRecorder::Draw::sizes), drawSizes(width, height));
             }
@@ -261,7 +261,7 @@ TEST(Failure, OfAnyCallIsReportedOnceAndTheFrameGoesOn) {
             host.gl.clear();
             EXPECT_TRUE(host.render());
             EXPECT_EQ(host.gl.drawTexts(&GlRecorder::Draw::sizes), drawSizes(5, 3));
-            EXPECT_EQ(host.gl.driver.target().label, "-");
+            EXPECT_EQ(host.gl.target().label, "-");
         }
 }
 

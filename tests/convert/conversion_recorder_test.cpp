@@ -32,13 +32,14 @@ protected:
         gl.clear();
     }
 
-    /// Runs the pass on planes whose pitches need no alignment.
-    bool toRgb(int standard, int range, bool isNV21 = false) {
+    /// Runs both passes, on planes whose pitches need no alignment.
+    void convert(ColorDescription color, bool isNV21 = false) {
         const ZecImage input = {{}, {8, 8, 0}};
-        return yuvToRgb(converter, input, {standard, range}, frame, {5, 3}, isNV21);
+        EXPECT_TRUE(yuvToRgb(converter, input, color, frame, {5, 3}, isNV21));
+        EXPECT_TRUE(read(color));
     }
-    bool read(int standard = 0, int range = 1) {
-        return convertAndReadBack(converter, frame, staging, {standard, range}, {5, 3});
+    bool read(ColorDescription color = {0, 1}) {
+        return convertAndReadBack(converter, frame, staging, color, {5, 3});
     }
 
     GlRecorder gl;
@@ -51,14 +52,13 @@ protected:
 
 TEST_F(Conversion, MakesItsTexturesOnceAndLeavesNothingBoundOrEnabled) {
     ASSERT_TRUE(read()); // whichever comes first makes all textures
-    ASSERT_TRUE(toRgb(0, 1));
+    convert({0, 1});
     EXPECT_EQ(gl.calls({"glTexImage2D"}), recipe(R"(
         glTexImage2D(GL_TEXTURE_2D, 0, GL_LUMINANCE, 5, 3, 0, GL_LUMINANCE, GL_UNSIGNED_BYTE, null)
         glTexImage2D(GL_TEXTURE_2D, 0, GL_LUMINANCE_ALPHA, 3, 2, 0, GL_LUMINANCE_ALPHA, GL_UNSIGNED_BYTE, null)
         glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 3, 3, 0, GL_RGBA, GL_UNSIGNED_BYTE, null))"));
     gl.clear();
-    ASSERT_TRUE(toRgb(0, 1));
-    ASSERT_TRUE(read());
+    convert({0, 1});
     EXPECT_EQ(gl.calls(), recipe(R"(
         bind frame; check; nearest; attach frame; check; clear; glViewport(0, 0, 5, 3); check
         unit 1; bind chroma; smooth; check
@@ -86,41 +86,39 @@ TEST_F(Conversion, AFailedReadLeavesTheTargetAndTheAlignmentAsTheyAre) {
     staging.pitches[0] = 14;
     gl.raise("glReadPixels", 1, GL_OUT_OF_MEMORY);
     EXPECT_FALSE(read());
-    EXPECT_EQ(gl.driver.target().label, "packed");
+    EXPECT_EQ(gl.target().label, "packed");
     EXPECT_EQ(gl.calls({"glPixelStorei"}), "glPixelStorei(GL_PACK_ALIGNMENT, 2)\n");
     EXPECT_THAT(log.texts(), ElementsAre("glReadPixels() failed!"));
 }
 
 /// The float nearest to `value` at five decimals.
 float rounded(double value) {
-    return float(std::round(value * 1e5) / 1e5);
+    return static_cast<float>(std::round(value * 1e5) / 1e5);
 }
 
 TEST_F(Conversion, LoadsColorsOnlyWhenStandardOrRangeChange) {
     // A new pixel format alone keeps the matrix of the earlier one.
     const struct {
-        int standard, range;
+        ColorDescription color;
         bool isNV21, isLoaded, hasNV21Matrix;
-    } frames[] = {{-1, -1, false, true, false}, {-1, -1, true, false, false}, {0, -1, true, true, true},
-                  {0, -1, false, false, true},  {0, 1, false, true, false},   {1, 1, true, true, true},
-                  {7, 1, true, true, true}};
-    for (const auto& f : frames) {
-        SCOPED_TRACE(testing::Message() << f.standard << ' ' << f.range << (f.isNV21 ? " NV21" : " NV12"));
+    } frames[] = {{{-1, -1}, false, true, false}, {{-1, -1}, true, false, false}, {{0, -1}, true, true, true},
+                  {{0, -1}, false, false, true},  {{0, 1}, false, true, false},   {{1, 1}, true, true, true},
+                  {{7, 1}, true, true, true}};
+    for (const auto& [color, isNV21, isLoaded, hasNV21Matrix] : frames) {
+        SCOPED_TRACE(testing::Message() << color.colorStandard << ' ' << color.colorRange << ' ' << isNV21);
         gl.clear();
-        ASSERT_TRUE(toRgb(f.standard, f.range, f.isNV21));
-        ASSERT_TRUE(read(f.standard, f.range));
-        EXPECT_EQ(gl.calls({"glUniform3fv", "glUniformMatrix3fv", "glUniform4fv"}).empty(), !f.isLoaded);
+        convert(color, isNV21);
+        EXPECT_EQ(gl.calls({"glUniform3fv", "glUniformMatrix3fv", "glUniform4fv"}).empty(), !isLoaded);
 
         // A standard's weights in luma. Luma spans 255 or 219 codes, chroma 254 or 224.
-        const bool isFull = f.range == 1;
-        const double r = f.standard == 0 ? 0.299 : 0.2126, b = f.standard == 0 ? 0.114 : 0.0722,
-                     g = 1 - r - b, luma = (isFull ? 255 : 219) / 255.0,
-                     chroma = (isFull ? 254 : 224) / 255.0, u = 2 * (1 - b) / chroma,
-                     v = 2 * (1 - r) / chroma;
+        const bool isFull = color.colorRange == 1, is601 = color.colorStandard == 0;
+        const double r = is601 ? 0.299 : 0.2126, b = is601 ? 0.114 : 0.0722, g = 1 - r - b,
+                     luma = (isFull ? 255 : 219) / 255.0, chroma = (isFull ? 254 : 224) / 255.0,
+                     u = 2 * (1 - b) / chroma, v = 2 * (1 - r) / chroma;
         const float y = rounded(1 / luma), y0 = isFull ? 0.0f : 16.0f / 255.0f, middle = 128.0f / 255.0f,
                     peak = rounded(chroma / 2);
         Floats matrix = {y, y, y, 0, rounded(-u * b / g), rounded(u), rounded(v), rounded(-v * r / g), 0};
-        if (f.hasNV21Matrix) // V comes first
+        if (hasNV21Matrix) // V comes first
             std::swap_ranges(matrix.begin() + 3, matrix.begin() + 6, matrix.begin() + 6);
         EXPECT_EQ(gl.uniform("yuvToRgb", "yuvOffset"), (Floats{y0, middle, middle}));
         EXPECT_EQ(gl.uniform("yuvToRgb", "matYuvToRgb"), matrix);
@@ -132,11 +130,9 @@ TEST_F(Conversion, LoadsColorsOnlyWhenStandardOrRangeChange) {
 }
 
 TEST_F(Conversion, SetTheAlignmentThatThePitchNeedsAndRestoreIt) {
-    const auto expectAlignment = [&](const std::string& pack, int alignment) {
+    const auto alignments = [](const std::string& pack, int alignment) {
         const std::string call = "glPixelStorei(GL_" + pack + "_ALIGNMENT, ";
-        EXPECT_EQ(gl.calls({"glPixelStorei"}),
-                  alignment ? call + std::to_string(alignment) + ")\n" + call + "4)\n" : "");
-        gl.clear();
+        return recipe(alignment ? call + std::to_string(alignment) + ");" + call + "4)" : "");
     };
     const struct {
         GLenum format;
@@ -149,16 +145,18 @@ TEST_F(Conversion, SetTheAlignmentThatThePitchNeedsAndRestoreIt) {
                  {GL_RGB, 5, 15, 1},
                  {GL_RGBA, 3, 12, 0}};
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.width << " wide, pitch " << c.pitch);
+        gl.clear();
         uploadPlane(nullptr, c.pitch, c.format, {c.width, 2}, frame);
-        expectAlignment("UNPACK", c.alignment);
+        EXPECT_EQ(gl.calls({"glPixelStorei"}), alignments("UNPACK", c.alignment)) << c.width;
     }
     for (const auto& [pitch, alignment] : {std::pair{12, 0}, {16, 0}, {13, 1}, {14, 2}}) {
         staging.pitches[0] = pitch;
+        gl.clear();
         ASSERT_TRUE(read());
-        expectAlignment("PACK", alignment);
+        EXPECT_EQ(gl.calls({"glPixelStorei"}), alignments("PACK", alignment)) << pitch;
     }
     EXPECT_THAT(log.texts(), IsEmpty());
+    gl.clear();
     uploadPlane(nullptr, 7, GL_ALPHA, {7, 2}, frame);
     EXPECT_EQ(gl.calls(), "");
     EXPECT_THAT(log.texts(), ElementsAre("Invalid GL image format!"));

@@ -29,9 +29,9 @@ protected:
         gl.clear();
         effect.emplace();
     }
+    ~Beauty() override { EXPECT_THAT(log.texts(), IsEmpty()); }
 
-    bool render() { return effect->render(source, {720, 1280}, target); }
-    bool renderSmall() { return effect->render(source, {5, 3}, target); }
+    bool render(FrameSize size = {720, 1280}) { return effect->render(source, size, target); }
 
     GlRecorder gl;
     LogCapture log;
@@ -54,23 +54,6 @@ TEST_F(Beauty, IsActiveAboveOneThresholdAndFromTheOtherOn) {
     }
 }
 
-const char kDraws[] = R"(
-    glViewport(0, 0, 720, 1280); check; glDisable(GL_BLEND)
-    unit 0; bind intermediate; check; nearest; attach intermediate; check; clear
-    bind source; check; linear; clamp; glUseProgram(blur); check
-    glUniform2fv(blurTexelSampleStep, 1); glUniform1f(distanceNormalizationFactor, 4); check
-    point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr; draw; check
-    disable posAttr; disable texCoordAttr; attach 0
-
-    bind target; check; nearest; attach target; check; clear
-    unit 1; bind intermediate; check; linear; clamp; check; unit 0; bind source; check; linear; clamp; check
-    glUseProgram(mix); check; glUniform2fv(blurTexelSampleStep, 1)
-    glUniform1f(distanceNormalizationFactor, 4)
-    glUniform1f(mixFactor, 0.75); glUniform1f(whitenFactor, -2); check
-    point posAttr 24; point texCoordAttr 24; point blurTexCoordAttr 24; check
-    enable posAttr; enable texCoordAttr; enable blurTexCoordAttr; check; draw; check
-    disable posAttr; disable texCoordAttr; disable blurTexCoordAttr; attach 0)";
-
 TEST_F(Beauty, BuildsBothProgramsAndItsTextureOnceAndBlursTwice) {
     ASSERT_TRUE(render());
     EXPECT_EQ(gl.calls({"glUniform1i", "glUniform1fv", "glUseProgram", "glTexImage2D"}), recipe(R"(
@@ -83,58 +66,68 @@ TEST_F(Beauty, BuildsBothProgramsAndItsTextureOnceAndBlursTwice) {
     gl.clear();
     effect->setParams(0.75f, -2); // as they are
     ASSERT_TRUE(render());
-    EXPECT_EQ(gl.calls(), recipe(kDraws));
+    EXPECT_EQ(gl.calls(), recipe(R"(
+        glViewport(0, 0, 720, 1280); check; glDisable(GL_BLEND)
+        unit 0; bind intermediate; check; nearest; attach intermediate; check; clear
+        bind source; check; linear; clamp; glUseProgram(blur); check
+        glUniform2fv(blurTexelSampleStep, 1); glUniform1f(distanceNormalizationFactor, 4); check
+        point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr; draw; check
+        disable posAttr; disable texCoordAttr; attach 0
+
+        bind target; check; nearest; attach target; check; clear
+        unit 1; bind intermediate; check; linear; clamp; check; unit 0; bind source; check; linear; clamp; check
+        glUseProgram(mix); check; glUniform2fv(blurTexelSampleStep, 1)
+        glUniform1f(distanceNormalizationFactor, 4)
+        glUniform1f(mixFactor, 0.75); glUniform1f(whitenFactor, -2); check
+        point posAttr 24; point texCoordAttr 24; point blurTexCoordAttr 24; check
+        enable posAttr; enable texCoordAttr; enable blurTexCoordAttr; check; draw; check
+        disable posAttr; disable texCoordAttr; disable blurTexCoordAttr; attach 0)"));
     EXPECT_THAT(gl.drawTexts(),
                 ElementsAre("blur(source) -> intermediate", "mix(source, intermediate) -> target"));
-    EXPECT_FLOAT_EQ(blurSampleStep({5, 3}), 5.0f / 45 / 3 / 3);
-    EXPECT_FLOAT_EQ(blurSampleStep({1, 16384}), 1.0f / 135 / 16384);
-    EXPECT_THAT(log.texts(), IsEmpty());
+    EXPECT_THAT(gl.uniform("blur", "blurTexelSampleStep"), ElementsAre(1.0f / 240, 0));
+    EXPECT_THAT(gl.uniform("mix", "blurTexelSampleStep"), ElementsAre(0, 1.0f / 240));
 }
 
 TEST_F(Beauty, ReplacesItsTextureForANewSizeTryingTwiceAndAgainInTheNextFrame) {
-    const char* const first = "glGenTextures(1)";
-    const char* const again = "glDeleteTextures(1, intermediate); glGenTextures(1); glGenTextures(1)";
-    const struct {
-        bool isFirst;
-        int refusals;
-        bool isRendered;
-        const char* calls;
-    } cases[] = {{true, 1, false, first}, {false, 1, true, again}, {false, 2, false, again}};
-    for (const auto& c : cases)
-        for (bool returnsToOldSize : {false, true}) {
+    for (const int refusals : {1, 2})
+        for (const FrameSize next : {FrameSize{720, 1280}, {5, 3}}) {
             effect.emplace();
             gl.labelTextures({"intermediate"});
-            EXPECT_TRUE(c.isFirst || render());
+            ASSERT_TRUE(render());
             gl.clear();
-            for (int nth = 1; nth <= c.refusals; ++nth)
+            for (int nth = 1; nth <= refusals; ++nth)
                 gl.refuse("glGenTextures", nth);
-            EXPECT_EQ(renderSmall(), c.isRendered) << c.refusals;
-            EXPECT_EQ(gl.calls({"glDeleteTextures", "glGenTextures"}), recipe(c.calls));
-            EXPECT_EQ(gl.draws().size(), c.isRendered ? 2u : 0u);
+            EXPECT_EQ(render({5, 3}), refusals == 1);
+            EXPECT_EQ(gl.calls({"glDeleteTextures", "glGenTextures"}),
+                      recipe("glDeleteTextures(1, intermediate); glGenTextures(1); glGenTextures(1)"));
+            EXPECT_EQ(gl.draws.size(), refusals == 1 ? 2u : 0u);
             gl.clear();
-            ASSERT_TRUE(returnsToOldSize ? render() : renderSmall());
-            EXPECT_THAT(gl.draws()[0].sizes, testing::EndsWith(returnsToOldSize ? "-> 720x1280" : "-> 5x3"));
+            ASSERT_TRUE(render(next));
+            EXPECT_THAT(gl.draws[0].sizes, testing::EndsWith(next.width == 5 ? "-> 5x3" : "-> 720x1280"));
         }
-    EXPECT_THAT(log.texts(), IsEmpty());
+    effect.emplace();
+    gl.clear();
+    gl.refuse("glGenTextures", 1);
+    EXPECT_FALSE(render()); // the first texture gets no second try
+    EXPECT_TRUE(render());
 }
 
 TEST_F(Beauty, DrawsNothingWithoutBothProgramsAndDeletesOneOfThemByName) {
-    const struct {
-        int refused;
-        const char* deletions;
-    } cases[] = {{1, ""},
-                 {2, "glDeleteProgram(blur)"},
-                 {0, "glDeleteProgram(blur); glDeleteTextures(1, intermediate)"}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.refused);
+    const std::pair<int, const char*> cases[] = {
+        // the program that is refused and what is deleted
+        {1, ""},
+        {2, "glDeleteProgram(blur)"},
+        {0, "glDeleteProgram(blur); glDeleteTextures(1, intermediate)"}};
+    for (const auto& [refused, deletions] : cases) {
+        SCOPED_TRACE(refused);
         effect.emplace();
         gl.clear();
-        gl.refuse("glCreateProgram", c.refused);
-        EXPECT_EQ(render(), c.refused == 0);
-        EXPECT_EQ(gl.draws().empty(), c.refused != 0);
+        gl.refuse("glCreateProgram", refused);
+        EXPECT_EQ(render(), refused == 0);
+        EXPECT_EQ(gl.draws.empty(), refused != 0);
         gl.clear();
         effect.reset(); // the mix program goes with the context
-        EXPECT_EQ(gl.calls(), recipe(c.deletions));
+        EXPECT_EQ(gl.calls(), recipe(deletions));
     }
     effect.emplace();
     gl.refuse("glCreateProgram", 2);

@@ -12,10 +12,7 @@
 
 namespace {
 
-struct {
-    size_t alignment, size;
-    bool isRefused;
-} g_allocation;
+bool g_isMemoryRefused = false;
 
 } // namespace
 
@@ -24,9 +21,7 @@ extern "C" {
 int __real_posix_memalign(void** block, size_t alignment, size_t size);
 
 int __wrap_posix_memalign(void** block, size_t alignment, size_t size) {
-    g_allocation.alignment = alignment;
-    g_allocation.size = size;
-    return g_allocation.isRefused ? ENOMEM : __real_posix_memalign(block, alignment, size);
+    return g_isMemoryRefused ? ENOMEM : __real_posix_memalign(block, alignment, size);
 }
 }
 
@@ -34,10 +29,6 @@ namespace ze {
 namespace {
 
 using Texts = std::vector<std::string>;
-
-const Texts kSilence,
-    kWrongSignature = {"Invalid lut file signature!"}, kNoHeader = {"Failed to read lut file header!"},
-    kNoLevels = {"Failed to read lut level values!"}, kNoColors = {"Failed to read lut data!"};
 
 std::ptrdiff_t openFiles() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
@@ -47,34 +38,33 @@ class LutReader : public testing::Test {
 protected:
     ~LutReader() override { EXPECT_EQ(openFiles(), m_openFiles); }
 
-    CLutFileReader read(const std::string& file) {
+    CLutFileReader read(const std::string& bytes) {
         log.clear();
-        return CLutFileReader(CZeString::fromUtf8(file.c_str()));
+        writeFile(path, bytes);
+        return CLutFileReader(CZeString::fromUtf8(path.c_str()));
     }
 
-    /// Messages are errors, and nothing of a refused file remains.
+    /// Nothing of a refused file remains.
     void expectRefusal(const std::string& bytes, const Texts& messages) {
-        writeFile(path, bytes);
-        const CLutFileReader reader = read(path);
-        std::vector<LogCapture::Entry> entries;
-        for (const std::string& message : messages)
-            entries.push_back({6, "glowfx", message});
-        EXPECT_EQ(log.entries(), entries);
-        EXPECT_FALSE(reader.isValid() || reader.version() || !reader.isThreeDimensional() ||
-                     reader.levelCount() || reader.levelValues() || reader.colorData());
+        const CLutFileReader reader = read(bytes);
+        EXPECT_EQ(log.texts(), messages);
+        EXPECT_FALSE(reader.isValid());
+        EXPECT_EQ(reader.version(), 0u);
+        EXPECT_TRUE(reader.isThreeDimensional());
+        EXPECT_EQ(reader.levelCount(), 0u);
+        EXPECT_EQ(reader.levelValues(), nullptr);
+        EXPECT_EQ(reader.colorData(), nullptr);
     }
 
     void expectContents(const std::string& bytes, const LutFile& file) {
-        writeFile(path, bytes);
-        const CLutFileReader reader = read(path);
-        EXPECT_EQ(log.texts(), kSilence);
+        const CLutFileReader reader = read(bytes);
+        EXPECT_EQ(log.texts(), Texts{});
         EXPECT_EQ(reader.version(), 1u);
         EXPECT_EQ(reader.isThreeDimensional(), file.isThreeDimensional);
         ASSERT_EQ(reader.levelCount(), file.levels.size());
         EXPECT_EQ(std::memcmp(reader.levelValues(), file.levels.data(), 4 * file.levels.size()), 0);
         EXPECT_EQ(std::memcmp(reader.colorData(), file.colors.data(), file.colors.size()), 0);
-        EXPECT_EQ(std::pair(g_allocation.size, g_allocation.alignment),
-                  std::pair(file.colors.size(), size_t{64}));
+        EXPECT_EQ(std::bit_cast<uintptr_t>(reader.colorData()) % 64, 0u);
     }
 
     LogCapture log;
@@ -103,10 +93,10 @@ TEST_F(LutReader, TellsWhereAFileEndsEarly) {
     const std::string bytes = file.fillWithNoise().bytes();
     for (size_t size = 0; size < bytes.size(); ++size) {
         SCOPED_TRACE(size);
-        expectRefusal(bytes.substr(0, size), size < 12           ? kSilence
-                                             : size < 48         ? kNoHeader
-                                             : size < 48 + 5 + 8 ? kNoLevels
-                                                                 : kNoColors);
+        const char* const message = size < 48           ? "Failed to read lut file header!"
+                                    : size < 48 + 5 + 8 ? "Failed to read lut level values!"
+                                                        : "Failed to read lut data!";
+        expectRefusal(bytes.substr(0, size), Texts(size < 12 ? 0 : 1, message));
     }
     expectContents(bytes, file);
 }
@@ -115,21 +105,21 @@ TEST_F(LutReader, ChecksWhatTheHeaderSays) {
     LutFile file{kOddLevels};
     const std::string bytes = file.fillWithNoise().bytes();
     const uint64_t end = bytes.size(), top = uint64_t{1} << 63, all = ~uint64_t{0};
-    const Texts kNothingWrong = {""};
+    const Texts kNothingWrong = {""}, kSilence;
     const struct {
         Texts messages;
         size_t offset, size;
         std::vector<uint64_t> values;
     } cases[] = {{kNothingWrong, 20, 4, {256, 0x80000000}},
                  {kNothingWrong, 24, 8, {all}},
-                 {kWrongSignature, 7, 1, {0}},
+                 {{"Invalid lut file signature!"}, 7, 1, {0}},
                  {kSilence, 8, 4, {0, 2, 65537}},
                  {kSilence, 12, 4, {0, 66, 0xFFFFFFFF}},
                  {kSilence, 16, 4, {0x80000000}},
                  {kSilence, 32, 8, {top, all}},
-                 {kNoLevels, 12, 4, {65}},
-                 {kNoLevels, 32, 8, {end - 7, end + 1, uint64_t{1} << 32}},
-                 {kNoColors, 32, 8, {49, end - 8}}};
+                 {{"Failed to read lut level values!"}, 12, 4, {65}},
+                 {{"Failed to read lut level values!"}, 32, 8, {end - 7, end + 1, uint64_t{1} << 32}},
+                 {{"Failed to read lut data!"}, 32, 8, {49, end - 8}}};
     for (const auto& [messages, offset, size, values] : cases)
         for (uint64_t value : values) {
             SCOPED_TRACE(testing::Message() << value << " at " << offset);
@@ -139,17 +129,16 @@ TEST_F(LutReader, ChecksWhatTheHeaderSays) {
         }
 }
 
-TEST_F(LutReader, TellsWhichFileCannotBeOpened) {
+TEST_F(LutReader, TellsWhichFileCannotBeOpenedAndLacksMemoryInSilence) {
     for (const std::string& missing : {directory / "n\u00f6", directory.path()}) {
-        EXPECT_FALSE(read(missing).isValid());
-        EXPECT_EQ(log.texts(), Texts{"Failed to open lut file " + missing});
+        log.clear();
+        EXPECT_FALSE(CLutFileReader(CZeString::fromUtf8(missing.c_str())).isValid());
+        EXPECT_EQ(log.entries(),
+                  (std::vector{LogCapture::Entry{6, "glowfx", "Failed to open lut file " + missing}}));
     }
-}
-
-TEST_F(LutReader, LacksMemoryInSilence) {
-    g_allocation.isRefused = true;
-    expectRefusal(LutFile{evenLevels(33)}.fillWithNoise().bytes(), kSilence);
-    g_allocation.isRefused = false;
+    g_isMemoryRefused = true;
+    expectRefusal(LutFile{evenLevels(33)}.fillWithNoise().bytes(), {});
+    g_isMemoryRefused = false;
 }
 
 } // namespace

@@ -16,12 +16,13 @@ using reference::Picture;
 
 /// Where `value` lies among rising levels: a level's index, or between two of them.
 double gridPlace(const std::vector<float>& levels, double value) {
-    for (size_t j = 0; j < levels.size(); ++j)
-        if (value <= double(levels[j])) {
-            const double before = j == 0 ? 0 : double(levels[j - 1]);
-            return j == 0 ? 0 : double(j) - (double(levels[j]) - value) / (double(levels[j]) - before);
-        }
-    return double(levels.size() - 1);
+    size_t j = 0;
+    while (j + 1 < levels.size() && value > levels[j])
+        ++j;
+    const double place = static_cast<double>(j);
+    if (j == 0 || value >= levels[j])
+        return place;
+    return place - (levels[j] - value) / (levels[j] - levels[j - 1]);
 }
 
 /// Trilinear interpolation between the eight entries around the color.
@@ -32,10 +33,10 @@ Color lookedUp(const LutFile& lut, const Color& color) {
         double weight = 1;
         size_t entry = 0;
         for (size_t i = 0; i < 3; ++i) { // red is the slowest index
-            const double place = gridPlace(lut.levels, color[i]);
-            const auto first = size_t(place);
+            const double place = gridPlace(lut.levels, color[i]), fraction = place - std::floor(place);
+            const auto first = static_cast<size_t>(place);
             const bool isSecond = corner >> i & 1;
-            weight *= isSecond ? place - double(first) : 1 - (place - double(first));
+            weight *= isSecond ? fraction : 1 - fraction;
             entry = entry * n + std::min(first + isSecond, n - 1);
         }
         for (size_t i = 0; i < 3; ++i)
@@ -61,7 +62,7 @@ Picture colors(uint32_t top) {
     for (size_t i = 0; i < picture.pixels.size(); ++i)
         for (size_t c = 0; c < 4; ++c) {
             const auto level = i < 256 ? i : i < 512 ? 255 * (i >> c & 1) : random() >> 24;
-            picture.pixels[i][c] = double(std::min(level, size_t{top})) / 255;
+            picture.pixels[i][c] = static_cast<double>(std::min<size_t>(level, top)) / 255;
         }
     return picture;
 }
@@ -95,7 +96,7 @@ TEST_F(LutPixel, AgreesWithTrilinearInterpolationAndAnIdentityKeepsColorsWithinO
                     EXPECT_TRUE(effect.render(texture, {64, 48}, target));
                     const auto result = contentOf(target, 64, 48);
                     // A place among the 4225 texels of a row is known to 0.0005, by half floats to 0.03.
-                    EXPECT_TRUE(agree(result, graded(source, lut, double(intensity)),
+                    EXPECT_TRUE(agree(result, graded(source, lut, intensity),
                                       tolerance({0.6}, {isIdentity ? 2.0 : 8.0, 0.01})));
                     if (isIdentity && lut.levels.back() == 1 && intensity <= 1) {
                         EXPECT_TRUE(agree(result, source, {1}));

@@ -8,8 +8,6 @@
 #include "tests/support/gl_recorder.h"
 #include "tests/support/log_capture.h"
 
-#include <memory>
-
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
@@ -18,14 +16,14 @@ using testing::IsEmpty;
 namespace ze {
 namespace {
 
-class EglContextTest : public testing::Test {
+class EglContext : public testing::Test {
 protected:
     GlRecorder egl;
     LogCapture log;
     EglContextRecord record;
 };
 
-TEST_F(EglContextTest, IsMadeOnceLeftCurrentAndReleasedOnce) {
+TEST_F(EglContext, IsMadeOnceLeftCurrentAndReleasedOnce) {
     EXPECT_TRUE(createContext(record));
     EXPECT_TRUE(createContext(record));
     releaseContext(record);
@@ -43,43 +41,40 @@ TEST_F(EglContextTest, IsMadeOnceLeftCurrentAndReleasedOnce) {
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
-TEST_F(EglContextTest, NamesTheStepThatFailsAndIsNotTriedAgain) {
+TEST(EglContextFailure, NamesTheStepAndTheRecordIsTakenForCompleteFromTheDisplayOn) {
     const struct {
-        const char* function; ///< empty: there is no configuration
+        std::string function; ///< empty: there is no configuration
         EGLint error;
-        const char* message;
-        bool isInitialized, hasContext;
+        std::vector<std::string> messages;
     } cases[] = {
-        {"eglGetDisplay", EGL_BAD_ALLOC, "eglGetDisplay() failed, errno=0x3003", false, false},
-        {"eglInitialize", EGL_NOT_INITIALIZED, "eglInitialize failed: 3001", false, false},
-        {"eglChooseConfig", EGL_BAD_ATTRIBUTE, "eglChooseConfig() failed, errno=0x3004", true, false},
-        {"", 0, "EGL configuration is not available!", true, false},
-        {"eglCreateContext", EGL_BAD_CONFIG, "eglCreateContext() failed, errno=0x3005", true, false},
-        {"eglCreatePbufferSurface", EGL_BAD_MATCH, "eglCreatePbufferSurface() failed, errno=0x3009", true,
-         false},
-        {"eglMakeCurrent", EGL_BAD_ACCESS, "", true, true},
+        {"eglGetDisplay", EGL_BAD_ALLOC, {"eglGetDisplay() failed, errno=0x3003"}},
+        {"eglInitialize", EGL_NOT_INITIALIZED, {"eglInitialize failed: 3001"}},
+        {"eglChooseConfig", EGL_BAD_ATTRIBUTE, {"eglChooseConfig() failed, errno=0x3004"}},
+        {"", 0, {"EGL configuration is not available!"}},
+        {"eglCreateContext", EGL_BAD_CONFIG, {"eglCreateContext() failed, errno=0x3005"}},
+        {"eglCreatePbufferSurface", EGL_BAD_MATCH, {"eglCreatePbufferSurface() failed, errno=0x3009"}},
+        {"eglMakeCurrent", EGL_BAD_ACCESS, {}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.function);
-        egl.driver = {};
-        egl.configCount = *c.function ? 1 : 0;
+        GlRecorder egl;
+        const LogCapture log;
+        egl.configCount = c.function.empty() ? 0 : 1;
         egl.refuse(c.function, 1, c.error);
-        log.clear();
         EglContextRecord failed;
         EXPECT_FALSE(createContext(failed));
-        EXPECT_EQ(log.texts(), std::vector<std::string>(*c.message ? 1 : 0, c.message));
-        EXPECT_EQ(egl.liveObjects(), c.hasContext ? "coreContext, coreSurface" : "");
-        EXPECT_EQ(failed.context != EGL_NO_CONTEXT, c.hasContext);
+        EXPECT_EQ(log.texts(), c.messages);
+        const bool hasContext = c.function == "eglMakeCurrent";
+        EXPECT_EQ(egl.liveObjects(), hasContext ? "coreContext, coreSurface" : "");
+        EXPECT_EQ(failed.context != EGL_NO_CONTEXT, hasContext);
 
-        // A record that got as far as the display is taken for complete.
         egl.clear();
         EXPECT_TRUE(createContext(failed));
-        EXPECT_EQ(egl.calls().empty(), c.isInitialized);
-        EXPECT_EQ(makeContextCurrent(failed), c.hasContext || !c.isInitialized);
+        EXPECT_EQ(egl.calls().empty(), c.function != "eglGetDisplay" && c.function != "eglInitialize");
     }
 }
 
-TEST_F(EglContextTest, IsMadeCurrentOnlyWhereItIsNot) {
+TEST_F(EglContext, IsMadeCurrentOnlyWhereItIsNot) {
     ASSERT_TRUE(createContext(record));
     const EGLint none = EGL_NONE;
     const EGLSurface own = record.surface;
@@ -98,7 +93,7 @@ TEST_F(EglContextTest, IsMadeCurrentOnlyWhereItIsNot) {
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
-TEST_F(EglContextTest, SnapshotsKeepTheDrawSurfaceForBoth) {
+TEST_F(EglContext, SnapshotsKeepTheDrawSurfaceForBothAndNothingOfTheRecordTheyAreMadeIn) {
     EXPECT_EQ(snapshotCurrentContext(), nullptr);
     EXPECT_THAT(log.texts(), IsEmpty());
     egl.refuse("eglGetDisplay", 1, EGL_BAD_ALLOC);
@@ -106,8 +101,11 @@ TEST_F(EglContextTest, SnapshotsKeepTheDrawSurfaceForBoth) {
     EXPECT_THAT(log.texts(), ElementsAre("eglGetDisplay() failed, errno=0x3003"));
 
     egl.makeHostContextCurrent();
-    const std::unique_ptr<EglContextRecord> snapshot(snapshotCurrentContext().release());
-    ASSERT_TRUE(snapshot);
+    auto spare = std::make_unique<EglContextRecord>();
+    ASSERT_TRUE(createContext(*spare));
+    egl.makeHostContextCurrent();
+    const OwnedContext snapshot = snapshotCurrentContext(std::move(spare));
+    EXPECT_FALSE(snapshot->initialized);
     EXPECT_TRUE(createContext(record));
     EXPECT_TRUE(makeContextCurrent(*snapshot));
     EXPECT_EQ(egl.currentContext(), "hostContext hostDraw hostDraw");
@@ -137,11 +135,10 @@ TEST_F(GlResources, AreMadeAndLeftBoundAndDeletedByName) {
 }
 
 TEST_F(GlResources, WithoutANameThereIsNothingToMake) {
-    gl.refuse("glGenTextures", 1);
-    EXPECT_EQ(createTexture({5, 3}, GL_RGBA), 0u);
-    EXPECT_THAT(log.texts(), IsEmpty());
-    gl.refuse("glGenTextures", 1, GL_OUT_OF_MEMORY);
-    EXPECT_EQ(createTexture({5, 3}, GL_RGBA), 0u);
+    for (const GLint error : {GL_NO_ERROR, GL_OUT_OF_MEMORY}) {
+        gl.refuse("glGenTextures", 1, error);
+        EXPECT_EQ(createTexture({5, 3}, GL_RGBA), 0u);
+    }
     gl.refuse("glGenFramebuffers", 1);
     EXPECT_EQ(createFramebuffer(), 0u);
     EXPECT_THAT(log.entries(),
@@ -166,13 +163,13 @@ TEST_F(GlResources, LeavesNothingBehindButTheProgramThatCouldBeBuilt) {
     for (const auto& [function, nth, message] : cases) {
         SCOPED_TRACE(testing::Message() << function << ' ' << nth);
         const bool isError = !message.empty();
+        gl.clear();
         log.clear();
         isError ? gl.raise(function, nth, GL_OUT_OF_MEMORY) : gl.refuse(function, nth);
         EXPECT_EQ(createProgram("uniform lowp float mixFactor;", "") != 0, function == "none");
         EXPECT_EQ(log.texts(), std::vector<std::string>(isError, message + std::string(4095, 'x')));
         EXPECT_EQ(gl.liveObjects(),
                   std::string(function == "none" ? "program mix, " : "") + "hostContext, hostDraw, hostRead");
-        gl.clear();
     }
 }
 

@@ -1,7 +1,5 @@
 #include "tests/support/gl_recorder.h"
 
-#include "tests/support/gl_recorder_call.h"
-
 #include <algorithm>
 #include <sstream>
 
@@ -10,65 +8,63 @@
 namespace {
 
 bool isCounted(const std::string& call) {
-    return call.starts_with("gl") && !call.starts_with("glGetError");
+    return call.starts_with("gl") && call != "glGetError()";
 }
 
 } // namespace
 
 void GlRecorder::makeHostContextCurrent() {
-    driver.context = &driver.eglObjects.emplace_back(EglObject{"hostContext"});
-    driver.drawSurface = &driver.eglObjects.emplace_back(EglObject{"hostDraw"});
-    driver.readSurface = &driver.eglObjects.emplace_back(EglObject{"hostRead"});
+    context = &eglObjects.emplace_back(EglObject{"hostContext"});
+    drawSurface = &eglObjects.emplace_back(EglObject{"hostDraw"});
+    readSurface = &eglObjects.emplace_back(EglObject{"hostRead"});
 }
 
 void GlRecorder::clear() {
-    driver.failures.clear();
-    driver.calls.clear();
-    driver.draws.clear();
+    failures.clear();
+    lines.clear();
+    draws.clear();
 }
 
 std::string GlRecorder::calls(std::initializer_list<std::string_view> functions) const {
-    std::string lines;
-    for (const std::string& call : driver.calls)
-        if (functions.size() == 0 || std::ranges::count(functions, call.substr(0, call.find('('))))
-            lines += call + '\n';
-    return lines;
+    std::string text;
+    for (const std::string& line : lines)
+        if (functions.size() == 0 || std::ranges::count(functions, line.substr(0, line.find('('))))
+            text += line + '\n';
+    return text;
 }
 
 int GlRecorder::glCallCount() const {
-    return int(std::ranges::count_if(driver.calls, isCounted));
+    return static_cast<int>(std::ranges::count_if(lines, isCounted));
 }
 
 std::vector<std::string> GlRecorder::drawTexts(std::string Draw::*form) const {
     std::vector<std::string> texts;
-    for (const Draw& draw : driver.draws)
+    for (const Draw& draw : draws)
         texts.push_back(draw.*form);
     return texts;
 }
 
 std::string GlRecorder::currentContext() const {
-    if (!driver.context)
-        return "none";
-    return driver.context->label + ' ' + driver.drawSurface->label + ' ' + driver.readSurface->label;
+    return context->label + ' ' + drawSurface->label + ' ' + readSurface->label;
 }
 
 std::string GlRecorder::liveObjects() const {
     std::string list;
-    for (const auto& [name, object] : driver.objects)
+    for (const auto& [name, object] : objects)
         list += object.kind + ' ' + object.label + ", ";
-    for (const EglObject& object : driver.eglObjects)
+    for (const EglObject& object : eglObjects)
         list += object.isDestroyed ? "" : object.label + ", ";
     return list.substr(0, list.rfind(','));
 }
 
-std::vector<GLfloat> GlRecorder::uniform(const std::string& program, const std::string& name) const {
-    for (const auto& [_, object] : driver.objects)
-        if (object.label == program && object.uniforms.contains(name))
+std::vector<GLfloat> GlRecorder::uniform(const std::string& label, const std::string& name) const {
+    for (const auto& [_, object] : objects)
+        if (object.label == label && object.uniforms.contains(name))
             return object.uniforms.at(name);
     return {};
 }
 
-const GlRecorder::Object& GlRecorder::Driver::find(GLuint name) const {
+const GlRecorder::Object& GlRecorder::find(GLuint name) const {
     static const Object kNone;
     const auto found = objects.find(name);
     return found == objects.end() ? kNone : found->second;
@@ -111,66 +107,69 @@ std::string recipe(std::string_view text) {
 }
 
 void RecordedCall::record(const std::string& function, const std::string& arguments) {
-    const std::string& call = driver.calls.emplace_back(function + '(' + arguments + ')');
+    const std::string& call = gl.lines.emplace_back(function + '(' + arguments + ')');
     const bool isGl = call.starts_with("gl");
-    if (isGl && !driver.context)
+    if (isGl && !gl.context)
         ADD_FAILURE() << call << ": without a current context";
-    for (GlRecorder::Failure& failure : driver.failures) {
+    for (GlRecorder::Failure& failure : gl.failures) {
         const bool isMeant = failure.function.empty() ? isCounted(call) : failure.function == function;
         if (!isMeant || --failure.countdown != 0)
             continue;
         isRefused = failure.refuses;
-        (isGl ? driver.glError : driver.eglError) = failure.error;
+        (isGl ? gl.glError : gl.eglError) = failure.error;
     }
 }
 
 GLuint RecordedCall::create(const std::string& kind, const std::string& label) const {
     if (isRefused)
         return 0;
-    GlRecorder::Object& object = driver.objects[++driver.lastName];
+    GlRecorder::Object& object = gl.objects[++gl.lastName];
     object.kind = kind;
     object.label = label;
-    return driver.lastName;
+    return gl.lastName;
 }
 
 void RecordedCall::destroy(GLuint name) const {
-    driver.objects.erase(name);
-    std::ranges::replace(driver.units, name, 0u);
+    gl.objects.erase(name);
+    std::ranges::replace(gl.units, name, 0u);
 }
 
 void RecordedCall::setUniform(GLint location, const GLfloat* values, int count) const {
-    const auto& [program, name] = driver.locations.at(size_t(location));
-    driver.objects[program].uniforms[name].assign(values, values + count);
+    const auto& [program, name] = gl.locations.at(static_cast<size_t>(location));
+    gl.objects[program].uniforms[name].assign(values, values + count);
 }
 
 void RecordedCall::expectTarget() const {
-    if (driver.target().kind.empty())
-        ADD_FAILURE() << driver.calls.back() << ": without a target";
+    EXPECT_NE(gl.target().kind, "") << gl.lines.back() << ": without a target";
 }
 
-std::string RecordedCall::show(const EGLint* attributes) {
+std::string RecordedCall::show(GLfloat value) const {
+    return testing::PrintToString(value);
+}
+
+std::string RecordedCall::show(const EGLint* attributes) const {
     std::string text;
     for (; *attributes != EGL_NONE; attributes += 2)
-        text += (text.empty() ? "" : " ") + show(Enum{GLenum(attributes[0])}) + '=' + show(attributes[1]);
+        text += (text.empty() ? "" : " ") + show(Enum{attributes[0]}) + '=' + show(attributes[1]);
     return text;
 }
 
-std::string RecordedCall::show(void* handle) {
+std::string RecordedCall::show(void* handle) const {
     return handle ? static_cast<GlRecorder::EglObject*>(handle)->label : "none";
 }
 
 std::string RecordedCall::show(Name name) const {
-    EXPECT_TRUE(name.value == 0 || driver.objects.contains(name.value)) << "unknown or deleted name";
-    return name.value ? driver.find(name.value).label : "0";
+    EXPECT_TRUE(name.value == 0 || gl.objects.contains(name.value)) << "unknown or deleted name";
+    return name.value ? gl.find(name.value).label : "0";
 }
 
 /// Those of programs that are not in use are shown with them.
 std::string RecordedCall::show(Variable variable) const {
-    const auto& [program, name] = driver.locations.at(size_t(variable.location));
-    return program == driver.program ? name : driver.find(program).label + '.' + name;
+    const auto& [program, name] = gl.locations.at(static_cast<size_t>(variable.location));
+    return program == gl.program ? name : gl.find(program).label + '.' + name;
 }
 
-std::string RecordedCall::show(Enum value) {
+std::string RecordedCall::show(Enum value) const {
     switch (value.value) {
 #define NAME(constant)                                                                                       \
     case constant:                                                                                           \

@@ -1,6 +1,6 @@
 // The doubles of EGL.
 
-#include "tests/support/gl_recorder_call.h"
+#include "tests/support/gl_recorder.h"
 
 #include <utility>
 
@@ -17,7 +17,7 @@ EGLBoolean destroy(EGLContext handle) {
 }
 
 EglObject* create(const RecordedCall& call, const char* label) {
-    return call.isRefused ? nullptr : &call.driver.eglObjects.emplace_back(EglObject{label});
+    return call.isRefused ? nullptr : &call.gl.eglObjects.emplace_back(EglObject{label});
 }
 
 } // namespace
@@ -30,7 +30,7 @@ EGLBoolean eglChooseConfig(EGLDisplay display, const EGLint* attributes, EGLConf
                            EGLint* count) {
     const RecordedCall call(__func__, display, attributes, size);
     configs[0] = &g_config;
-    *count = call.recorder.configCount;
+    *count = call.gl.configCount;
     return !call.isRefused;
 }
 EGLContext eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext share,
@@ -48,17 +48,17 @@ EGLBoolean eglDestroySurface(EGLDisplay display, EGLSurface surface) {
     const RecordedCall call(__func__, display, surface);
     return destroy(surface);
 }
-EGLContext eglGetCurrentContext() { return RecordedCall(__func__).driver.context; }
-EGLDisplay eglGetCurrentDisplay() { return RecordedCall(__func__).driver.context ? &g_display : nullptr; }
+EGLContext eglGetCurrentContext() { return RecordedCall(__func__).gl.context; }
+EGLDisplay eglGetCurrentDisplay() { return RecordedCall(__func__).gl.context ? &g_display : nullptr; }
 EGLSurface eglGetCurrentSurface(EGLint which) {
-    const RecordedCall call(__func__, Enum{GLenum(which)});
-    return which == EGL_DRAW ? call.driver.drawSurface : call.driver.readSurface;
+    const RecordedCall call(__func__, Enum{which});
+    return which == EGL_DRAW ? call.gl.drawSurface : call.gl.readSurface;
 }
 EGLDisplay eglGetDisplay(EGLNativeDisplayType native) {
     const RecordedCall call(__func__, native == EGL_DEFAULT_DISPLAY ? "EGL_DEFAULT_DISPLAY" : "other");
     return call.isRefused ? EGL_NO_DISPLAY : &g_display;
 }
-EGLint eglGetError() { return std::exchange(RecordedCall(__func__).driver.eglError, EGL_SUCCESS); }
+EGLint eglGetError() { return std::exchange(RecordedCall(__func__).gl.eglError, EGL_SUCCESS); }
 EGLBoolean eglInitialize(EGLDisplay display, EGLint*, EGLint*) {
     return !RecordedCall(__func__, display).isRefused;
 }
@@ -67,8 +67,8 @@ EGLBoolean eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read, 
     for (void* handle : {draw, read, context})
         if (call.isRefused || !handle || static_cast<EglObject*>(handle)->isDestroyed)
             return EGL_FALSE;
-    call.driver.context = static_cast<EglObject*>(context);
-    call.driver.drawSurface = static_cast<EglObject*>(draw);
-    call.driver.readSurface = static_cast<EglObject*>(read);
+    call.gl.context = static_cast<EglObject*>(context);
+    call.gl.drawSurface = static_cast<EglObject*>(draw);
+    call.gl.readSurface = static_cast<EglObject*>(read);
     return EGL_TRUE;
 }

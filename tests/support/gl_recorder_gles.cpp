@@ -1,6 +1,6 @@
 // The doubles of OpenGL ES 2.0, one line each where it fits.
 
-#include "tests/support/gl_recorder_call.h"
+#include "tests/support/gl_recorder.h"
 
 #include <cstdio>
 #include <cstring>
@@ -22,9 +22,9 @@ std::string programLabel(const std::string& source) {
 }
 
 GLint locate(const char* function, GLuint program, const char* name) {
-    auto& locations = Call(function, Name{program}, name).driver.locations;
+    auto& locations = Call(function, Name{program}, name).gl.locations;
     locations.push_back({program, name});
-    return GLint(locations.size()) - 1;
+    return static_cast<GLint>(locations.size()) - 1;
 }
 
 void setUniform(const char* function, GLint location, int count, const GLfloat* values, int size) {
@@ -32,7 +32,7 @@ void setUniform(const char* function, GLint location, int count, const GLfloat* 
 }
 
 void copyLog(const char* function, GLuint name, GLsizei size, char* text) {
-    std::snprintf(text, size_t(size), "%s", Call(function, Name{name}, size).recorder.infoLog.c_str());
+    std::snprintf(text, static_cast<size_t>(size), "%s", Call(function, Name{name}, size).gl.infoLog.c_str());
 }
 
 } // namespace
@@ -40,34 +40,34 @@ void copyLog(const char* function, GLuint name, GLsizei size, char* text) {
 void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
     const Call call(__func__, Enum{mode}, first, count);
     call.expectTarget();
-    const GlRecorder::Driver& driver = call.driver;
-    const GlRecorder::Object& program = driver.find(driver.program);
+    GlRecorder& gl = call.gl;
+    const GlRecorder::Object& program = gl.find(gl.program);
     const auto show = [&](std::string GlRecorder::Object::*property) {
         std::string text;
         for (const GLint unit : program.samplers)
-            text += (text.empty() ? "" : ", ") + driver.find(driver.units.at(size_t(unit))).*property;
-        return program.label + '(' + text + ") -> " + driver.target().*property;
+            text += (text.empty() ? "" : ", ") + gl.find(gl.units.at(static_cast<size_t>(unit))).*property;
+        return program.label + '(' + text + ") -> " + gl.target().*property;
     };
-    call.driver.draws.push_back({show(&GlRecorder::Object::label), show(&GlRecorder::Object::size)});
+    gl.draws.push_back({show(&GlRecorder::Object::label), show(&GlRecorder::Object::size)});
 }
 
 void glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels) {
     const Call call(__func__, x, y, width, height, Enum{format}, Enum{type});
     call.expectTarget();
-    std::memset(pixels, 0, size_t(width) * size_t(height) * 4);
+    std::memset(pixels, 0, static_cast<size_t>(width * height * 4));
 }
 
 void glTexImage2D(GLenum target, GLint level, GLint internalFormat, GLsizei width, GLsizei height,
                   GLint border, GLenum format, GLenum type, const void* pixels) {
-    const Call call(__func__, Enum{target}, level, Enum{GLenum(internalFormat)}, width, height, border,
-                    Enum{format}, Enum{type}, pixels ? "pixels" : "null");
-    call.driver.objects[call.driver.units[call.driver.activeUnit]].size =
+    const Call call(__func__, Enum{target}, level, Enum{internalFormat}, width, height, border, Enum{format},
+                    Enum{type}, pixels ? "pixels" : "null");
+    call.gl.objects[call.gl.units[call.gl.activeUnit]].size =
         std::to_string(width) + 'x' + std::to_string(height);
 }
 
 void glGenTextures(GLsizei count, GLuint* names) {
     const Call call(__func__, count);
-    auto& labels = call.driver.labels;
+    auto& labels = call.gl.textureLabels;
     names[0] = call.create("texture", labels.empty() ? "texture" : labels.front());
     if (names[0] && !labels.empty())
         labels.pop_front();
@@ -75,20 +75,20 @@ void glGenTextures(GLsizei count, GLuint* names) {
 
 void glAttachShader(GLuint program, GLuint shader) {
     const Call call(__func__, Name{program}, Name{shader});
-    auto& object = call.driver.objects[program];
-    object.source += call.driver.objects[shader].source;
+    auto& object = call.gl.objects[program];
+    object.source += call.gl.objects[shader].source;
     object.label = programLabel(object.source);
 }
 
 // clang-format off
 
-void glActiveTexture(GLenum unit) { Call(__func__, Enum{unit}).driver.activeUnit = unit - GL_TEXTURE0; }
+void glActiveTexture(GLenum unit) { Call(__func__, Enum{unit}).gl.activeUnit = unit - GL_TEXTURE0; }
 void glBindFramebuffer(GLenum target, GLuint name) {
-    Call(__func__, Enum{target}, Name{name}).driver.framebuffer = name;
+    Call(__func__, Enum{target}, Name{name}).gl.framebuffer = name;
 }
 void glBindTexture(GLenum target, GLuint name) {
     const Call call(__func__, Enum{target}, Name{name});
-    call.driver.units.at(call.driver.activeUnit) = name;
+    call.gl.units.at(call.gl.activeUnit) = name;
 }
 void glClear(GLbitfield mask) { Call(__func__, Enum{mask}).expectTarget(); }
 void glCompileShader(GLuint name) { Call(__func__, Name{name}); }
@@ -109,16 +109,16 @@ void glEnableVertexAttribArray(GLuint at) { Call(__func__, Variable{at}); }
 void glFramebufferTexture2D(GLenum target, GLenum attachment, GLenum textureTarget, GLuint texture,
                             GLint level) {
     const Call call(__func__, Enum{target}, Enum{attachment}, Enum{textureTarget}, Name{texture}, level);
-    call.driver.objects[call.driver.framebuffer].target = texture;
+    call.gl.objects[call.gl.framebuffer].target = texture;
 }
 void glGenFramebuffers(GLsizei n, GLuint* names) {
     names[0] = Call(__func__, n).create("framebuffer", "framebuffer");
 }
 GLint glGetAttribLocation(GLuint program, const GLchar* name) { return locate(__func__, program, name); }
-GLenum glGetError() { return GLenum(std::exchange(Call(__func__).driver.glError, GL_NO_ERROR)); }
+GLenum glGetError() { return static_cast<GLenum>(std::exchange(Call(__func__).gl.glError, GL_NO_ERROR)); }
 void glGetIntegerv(GLenum name, GLint* value) {
     const Call call(__func__, Enum{name});
-    *value = name == GL_MAX_TEXTURE_SIZE ? call.recorder.maxTextureSize : GLint(call.driver.framebuffer);
+    *value = name == GL_MAX_TEXTURE_SIZE ? call.gl.maxTextureSize : static_cast<GLint>(call.gl.framebuffer);
 }
 void glGetProgramInfoLog(GLuint name, GLsizei n, GLsizei*, GLchar* text) { copyLog(__func__, name, n, text); }
 void glGetShaderInfoLog(GLuint name, GLsizei n, GLsizei*, GLchar* text) { copyLog(__func__, name, n, text); }
@@ -126,10 +126,10 @@ GLint glGetUniformLocation(GLuint program, const GLchar* name) { return locate(_
 void glLinkProgram(GLuint name) { Call(__func__, Name{name}); }
 void glPixelStorei(GLenum name, GLint value) { Call(__func__, Enum{name}, value); }
 void glShaderSource(GLuint name, GLsizei count, const GLchar* const* sources, const GLint* lengths) {
-    Call(__func__, Name{name}, count, lengths ? "lengths" : "null").driver.objects[name].source = sources[0];
+    Call(__func__, Name{name}, count, lengths ? "lengths" : "null").gl.objects[name].source = sources[0];
 }
 void glTexParameteri(GLenum target, GLenum name, GLint value) {
-    Call(__func__, Enum{target}, Enum{name}, Enum{GLenum(value)});
+    Call(__func__, Enum{target}, Enum{name}, Enum{value});
 }
 void glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width, GLsizei height,
                      GLenum format, GLenum type, const void*) {
@@ -139,7 +139,7 @@ void glUniform1f(GLint at, GLfloat value) { Call(__func__, Variable{at}, value).
 void glUniform1fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 1); }
 void glUniform1i(GLint at, GLint value) {
     const Call call(__func__, Variable{at}, value);
-    call.driver.objects[call.driver.program].samplers.insert(value);
+    call.gl.objects[call.gl.program].samplers.insert(value);
 }
 void glUniform2fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 2); }
 void glUniform3fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 3); }
@@ -147,7 +147,7 @@ void glUniform4fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, 
 void glUniformMatrix3fv(GLint at, GLsizei count, GLboolean transpose, const GLfloat* values) {
     Call(__func__, Variable{at}, count, Enum{transpose}).setUniform(at, values, 9 * count);
 }
-void glUseProgram(GLuint name) { Call(__func__, Name{name}).driver.program = name; }
+void glUseProgram(GLuint name) { Call(__func__, Name{name}).gl.program = name; }
 void glVertexAttribPointer(GLuint at, GLint size, GLenum type, GLboolean normalized, GLsizei stride,
                            const void*) {
     Call(__func__, Variable{at}, size, Enum{type}, Enum{normalized}, stride);
