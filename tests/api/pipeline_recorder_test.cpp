@@ -110,7 +110,6 @@ TEST_F(Pipeline, ANewSizeOrFormatRebuildsTheFrameTexturesAndOnlyThose) {
 TEST(EffectChain, TheLastPlaceIsCountedAmongAllEntriesActiveOrNot) {
     const std::pair<const char*, const char*> cases[] = {
         {"BB", "input>scratch scratch>output "},
-        {"BBB", "input>scratch scratch>input input>output "},
         {"BBBB", "input>scratch scratch>input input>scratch scratch>output "},
         {"-B", "input>scratch "},
         {"B0B", "input>scratch scratch>input "},

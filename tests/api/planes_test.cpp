@@ -39,9 +39,9 @@ TEST(Unpack, FollowsTheByteRuleAtEveryWidthAndPitch) {
         for (bool nv21 : {false, true})
             for (const auto& [height, stagingPadding, layout] : kinds) {
                 const int pitch = (width + 1) / 2 * 4 + stagingPadding;
-                std::vector<uint8_t> bytes(size_t(height * pitch - stagingPadding));
+                std::vector<uint8_t> bytes(static_cast<size_t>(height * pitch - stagingPadding));
                 for (size_t i = 0; i < bytes.size(); ++i)
-                    bytes[i] = uint8_t(i * 2654435761u >> 13); // no two equal neighbors
+                    bytes[i] = static_cast<uint8_t>(i * 2654435761u >> 13); // no two equal neighbors
                 const ZecImage staging = {{bytes.data(), nullptr, nullptr}, {pitch, 0, 0}};
 
                 TestFrame output(width, height, layout), expected(width, height, layout);

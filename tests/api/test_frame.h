@@ -17,7 +17,7 @@ inline int rowCount(int plane, int height) {
 
 /// Byte `x` of row `y` in a plane of `image`.
 inline uint8_t& byteAt(const ZecImage& image, int plane, int x, int y) {
-    return image.planes[plane][ptrdiff_t{y} * image.pitches[plane] + x];
+    return image.planes[plane][y * image.pitches[plane] + x];
 }
 
 /// Sets every byte of the picture to `value(plane, x, y)`, and none between the rows.
@@ -26,7 +26,7 @@ void fillPicture(const ZecImage& image, int width, int height, Value value) {
     for (int plane = 0; plane < 2; ++plane)
         for (int y = 0; y < rowCount(plane, height); ++y)
             for (int x = 0; x < rowBytes(plane, width); ++x)
-                byteAt(image, plane, x, y) = uint8_t(value(plane, x, y));
+                byteAt(image, plane, x, y) = static_cast<uint8_t>(value(plane, x, y));
 }
 
 /// How the rows of a frame lie in memory.
@@ -44,7 +44,7 @@ struct TestFrame {
             const int bytes = rowBytes(plane, width);
             const int pitch = (bytes + layout.roundTo - 1) / layout.roundTo * layout.roundTo + layout.padding;
             const int lastRow = (rowCount(plane, height) - 1) * pitch;
-            planes[plane].assign(size_t(lastRow + bytes), 0x66);
+            planes[plane].assign(static_cast<size_t>(lastRow + bytes), 0x66);
             image.planes[plane] = planes[plane].data() + (layout.bottomUp ? lastRow : 0);
             image.pitches[plane] = layout.bottomUp ? -pitch : pitch;
         }

@@ -13,9 +13,7 @@
 
 #include <gmock/gmock.h>
 
-using testing::Each;
 using testing::ElementsAre;
-using testing::Field;
 using testing::IsEmpty;
 
 namespace ze {
@@ -31,7 +29,6 @@ protected:
         target = createTexture({5, 4}, GL_RGBA);
         start({});
     }
-    ~Lut() override { EXPECT_THAT(log.entries(), Each(Field(&LogCapture::Entry::priority, 6))); }
 
     /// A new effect with a file of these levels.
     void start(const std::vector<float>& levels) {
@@ -73,13 +70,13 @@ TEST_F(Lut, LoadsItsTableBuildsOneProgramAndKeepsThem) {
 }
 
 TEST_F(Lut, DeletesItsTextureAndTheProgramThatItsLevelsAskFor) {
-    for (const bool isUniform : {true, false}) {
-        start({0, isUniform ? 0.5f : 0.25f, 1});
+    for (const auto& [middle, program] : {std::pair{0.5f, "lutRatio"}, {0.25f, "lutMapped"}}) {
+        start({0, middle, 1});
         ASSERT_TRUE(render());
         gl.clear();
         effect.reset();
-        EXPECT_EQ(gl.calls(), recipe(std::string("glDeleteTextures(1, lut); glDeleteProgram(") +
-                                     (isUniform ? "lutRatio)" : "lutMapped)")));
+        EXPECT_EQ(gl.calls(),
+                  recipe("glDeleteTextures(1, lut); glDeleteProgram(" + std::string(program) + ")"));
     }
     EXPECT_THAT(log.texts(), IsEmpty());
 }
@@ -96,34 +93,27 @@ TEST_F(Lut, TheFirstPathStaysAndTheLastIntensityCounts) {
 }
 
 TEST_F(Lut, TriesAFailedTableOrProgramAgainInEveryFrame) {
+    EXPECT_FALSE(render());
+    EXPECT_THAT(log.texts(), ElementsAre("lut path is empty"));
     start({0, 1});
     const std::string good = LutFile{{0, 1}}.fillWithNoise().bytes();
     std::string flat = good;
     putLittleEndian(flat, 20, 4, 0);
-    const struct {
-        std::string file, refused; ///< "none" is no function
-        std::vector<std::string> messages;
-    } frames[] = {
-        {good.substr(0, 8), "none", {"failed to read lut file"}},
-        {good.substr(0, 50), "none", {"Failed to read lut level values!", "failed to read lut file"}},
-        {flat, "none", {"we only support 3D lut now"}},
-        {good, "glGenTextures", {"GL error: 0x1285", "failed to allocate texture"}},
-        {good, "glCreateProgram", {"Failed to prepare 3d lut program"}},
-    };
-    for (const auto& frame : frames) {
-        writeFile(path, frame.file);
-        log.clear();
-        gl.refuse(frame.refused, 1, frame.refused == "glGenTextures" ? GL_OUT_OF_MEMORY : GL_NO_ERROR);
+    for (const std::string& file : {good.substr(0, 50), flat}) {
+        writeFile(path, file);
         EXPECT_FALSE(render());
-        EXPECT_EQ(log.texts(), frame.messages);
     }
+    writeFile(path, good);
+    gl.refuse("glGenTextures", 1, GL_OUT_OF_MEMORY);
+    EXPECT_FALSE(render());
+    gl.refuse("glCreateProgram", 1);
+    EXPECT_FALSE(render());
+    EXPECT_THAT(log.texts(), ElementsAre("Failed to read lut level values!", "failed to read lut file",
+                                         "we only support 3D lut now", "GL error: 0x1285",
+                                         "failed to allocate texture", "Failed to prepare 3d lut program"));
     gl.clear();
     EXPECT_TRUE(render());
     EXPECT_EQ(gl.calls({"glTexSubImage2D"}), ""); // the table is there
-
-    start({});
-    EXPECT_FALSE(render());
-    EXPECT_THAT(log.texts(), ElementsAre("lut path is empty"));
 }
 
 } // namespace

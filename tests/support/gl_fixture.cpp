@@ -27,7 +27,7 @@ GLuint GlTest::textureOf(const Picture& picture) {
     std::vector<uint8_t> bytes;
     for (const reference::Color& pixel : picture.stored().pixels)
         for (double channel : pixel)
-            bytes.push_back(uint8_t(std::lround(channel * 255)));
+            bytes.push_back(static_cast<uint8_t>(std::lround(channel * 255)));
     const GLuint texture = ze::createTexture({picture.width, picture.height}, GL_RGBA);
     glBindTexture(GL_TEXTURE_2D, texture);
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, picture.width, picture.height, GL_RGBA, GL_UNSIGNED_BYTE,
@@ -41,7 +41,7 @@ GLuint GlTest::targetTexture(int width, int height) {
 }
 
 std::vector<uint8_t> GlTest::contentOf(GLuint texture, int width, int height) {
-    std::vector<uint8_t> bytes(4 * size_t(width) * size_t(height));
+    std::vector<uint8_t> bytes(static_cast<size_t>(4 * width * height));
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
     glReadPixels(0, 0, width, height, GL_RGBA, GL_UNSIGNED_BYTE, bytes.data());
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, 0, 0);
@@ -49,22 +49,23 @@ std::vector<uint8_t> GlTest::contentOf(GLuint texture, int width, int height) {
 }
 
 testing::AssertionResult agree(const std::vector<uint8_t>& actual, const std::vector<double>& expected,
-                               int rowLength, Tolerance tolerance) {
+                               Tolerance tolerance) {
     if (actual.size() != expected.size())
         return testing::AssertionFailure() << actual.size() << " levels, expected " << expected.size();
-    size_t count = 0, worst = 0;
-    double largest = 0;
+    size_t last = 0;
+    double count = 0, largest = 0;
     for (size_t i = 0; i < actual.size(); ++i) {
         const double distance = std::abs(actual[i] - std::clamp(expected[i], 0.0, 255.0));
-        count += !(distance <= tolerance.levels);
-        worst = distance > largest ? i : worst;
         largest = std::max(largest, distance);
+        if (distance <= tolerance.levels)
+            continue;
+        ++count;
+        last = i;
     }
-    if (double(count) <= tolerance.share * double(actual.size()))
+    if (count <= tolerance.share * static_cast<double>(actual.size()))
         return testing::AssertionSuccess();
-    return testing::AssertionFailure()
-           << count << " of " << actual.size() << " levels are too far off, the worst by " << largest
-           << " in row " << worst / size_t(rowLength) << ", place " << worst % size_t(rowLength);
+    return testing::AssertionFailure() << count << " of " << actual.size() << " levels are off by up to "
+                                       << largest << ", the last at " << last;
 }
 
 testing::AssertionResult agree(const std::vector<uint8_t>& actual, const Picture& expected,
@@ -73,5 +74,5 @@ testing::AssertionResult agree(const std::vector<uint8_t>& actual, const Picture
     for (const reference::Color& pixel : expected.pixels)
         for (double channel : pixel)
             levels.push_back(255 * channel);
-    return agree(actual, levels, 4 * expected.width, tolerance);
+    return agree(actual, levels, tolerance);
 }

@@ -17,9 +17,6 @@ struct Tolerance {
     double share = 0; ///< of all levels may lie further off
 };
 
-/// Correct rounding to 8 bits, with a hundredth for the arithmetic before it.
-inline constexpr Tolerance kRounding = {0.51};
-
 /// Has an OpenGL ES 2.0 context and a frame buffer of its own current. Skips where no driver gives one. What
 /// a test makes in the context goes with it.
 class GlTest : public testing::Test {
@@ -48,8 +45,8 @@ private:
     bool m_isPrecise = false;
 };
 
-/// Whether all levels agree, `expected` clamped to 0 to 255; `rowLength` levels make a row.
+/// Whether all levels agree, `expected` clamped to 0 to 255.
 testing::AssertionResult agree(const std::vector<uint8_t>& actual, const std::vector<double>& expected,
-                               int rowLength, Tolerance tolerance);
+                               Tolerance tolerance);
 testing::AssertionResult agree(const std::vector<uint8_t>& actual, const reference::Picture& expected,
                                Tolerance tolerance);

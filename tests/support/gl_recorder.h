@@ -44,10 +44,6 @@ struct GlRecorder {
         EGLint error;
         bool refuses;
     };
-    struct Location {
-        GLuint program;
-        std::string name;
-    };
 
     GlRecorder() { current = this; }
     ~GlRecorder() { current = nullptr; }
@@ -101,8 +97,8 @@ struct GlRecorder {
     EglObject *context = nullptr, *drawSurface = nullptr, *readSurface = nullptr;
     EGLint eglError = EGL_SUCCESS, glError = GL_NO_ERROR;
     std::map<GLuint, Object> objects;
-    GLuint lastName = 0;                 ///< none is handed out twice
-    std::vector<Location> locations{{}}; ///< nor are these, 0 not at all: nobody may count them himself
+    GLuint lastName = 0;                                       ///< none is handed out twice
+    std::vector<std::pair<GLuint, std::string>> locations{{}}; ///< program and name; 0 is not handed out
     std::array<GLuint, 2> units{};
     size_t activeUnit = 0;
     GLuint framebuffer = 0, program = 0;

@@ -8,7 +8,7 @@
 std::vector<float> evenLevels(size_t count) {
     std::vector<float> levels;
     for (size_t i = 0; i < count; ++i)
-        levels.push_back(float(double(i) / std::max(1.0, double(count) - 1)));
+        levels.push_back(static_cast<float>(i) / static_cast<float>(std::max<size_t>(count - 1, 1)));
     return levels;
 }
 
@@ -17,7 +17,7 @@ LutFile& LutFile::fillWithNoise() {
     std::mt19937 random(static_cast<uint32_t>(n));
     colors.resize(3 * (isThreeDimensional ? n * n * n : n));
     for (uint8_t& level : colors)
-        level = uint8_t(random() >> 24);
+        level = static_cast<uint8_t>(random() >> 24);
     return *this;
 }
 
@@ -37,7 +37,7 @@ std::string LutFile::bytes() const {
 
 void putLittleEndian(std::string& bytes, size_t at, size_t size, uint64_t value) {
     for (size_t i = 0; i < size; ++i)
-        bytes.at(at + i) = char(value >> (8 * i) & 0xFF);
+        bytes.at(at + i) = static_cast<char>(value >> (8 * i) & 0xFF);
 }
 
 void writeFile(const std::string& path, const std::string& bytes) {

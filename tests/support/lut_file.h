@@ -29,7 +29,7 @@ struct LutFile {
             for (size_t g = 0; g < levels.size(); ++g)
                 for (size_t b = 0; b < levels.size(); ++b)
                     for (size_t index : {r, g, b})
-                        colors.push_back(uint8_t(std::lround(double(level(index)))));
+                        colors.push_back(static_cast<uint8_t>(std::lround(level(index))));
         return *this;
     }
 

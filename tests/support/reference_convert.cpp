@@ -34,7 +34,7 @@ Picture yuvToRgb(const ZecImage& frame, int width, int height, ColorDescription 
     Picture chroma(chromaWidth, chromaHeight);
     for (int y = 0; y < chromaHeight; ++y)
         for (int x = 0; x < chromaWidth; ++x) {
-            const uint8_t* pair = frame.planes[1] + ptrdiff_t{y} * frame.pitches[1] + 2 * x;
+            const uint8_t* pair = frame.planes[1] + y * frame.pitches[1] + 2 * x;
             chroma.at(x, y) = {pair[nv21 ? 1 : 0] / 255.0, pair[nv21 ? 0 : 1] / 255.0, 0, 0};
         }
 
@@ -46,7 +46,7 @@ Picture yuvToRgb(const ZecImage& frame, int width, int height, ColorDescription 
         for (int x = 0; x < width; ++x) {
             const double u = (x + 0.5) / width * uMax, v = 1 - vSpan + (y + 0.5) / height * vSpan;
             const Color pair = chroma.sample(u * chromaWidth - 0.5, v * chromaHeight - 0.5);
-            const double code = frame.planes[0][ptrdiff_t{y} * frame.pitches[0] + x] / 255.0;
+            const double code = frame.planes[0][y * frame.pitches[0] + x] / 255.0;
             const double luma = (code - k.black) / k.luma;
             const double red = luma + 2 * (1 - k.red) * (pair[1] - 128.0 / 255) / k.chroma;
             const double blue = luma + 2 * (1 - k.blue) * (pair[0] - 128.0 / 255) / k.chroma;

@@ -20,10 +20,10 @@ struct Picture {
 
     Picture(int pictureWidth, int pictureHeight, const Color& color = {0, 0, 0, 1})
         : width(pictureWidth), height(pictureHeight),
-          pixels(size_t(pictureWidth) * size_t(pictureHeight), color) {}
+          pixels(static_cast<size_t>(pictureWidth * pictureHeight), color) {}
 
-    Color& at(int x, int y) { return pixels[size_t(y) * size_t(width) + size_t(x)]; }
-    const Color& at(int x, int y) const { return pixels[size_t(y) * size_t(width) + size_t(x)]; }
+    Color& at(int x, int y) { return pixels[static_cast<size_t>(y * width + x)]; }
+    const Color& at(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
 
     /// The color between the four texels around a place in texel units, texel centers being whole numbers.
     /// Beyond the edge lies the edge's own color.
@@ -33,8 +33,8 @@ struct Picture {
         for (int corner = 0; corner < 4; ++corner) {
             const int dx = corner % 2, dy = corner / 2;
             const double weight = (dx ? x - left : 1 - (x - left)) * (dy ? y - top : 1 - (y - top));
-            const Color& texel =
-                at(std::clamp(int(left) + dx, 0, width - 1), std::clamp(int(top) + dy, 0, height - 1));
+            const Color& texel = at(std::clamp(static_cast<int>(left) + dx, 0, width - 1),
+                                    std::clamp(static_cast<int>(top) + dy, 0, height - 1));
             for (size_t i = 0; i < sum.size(); ++i)
                 sum[i] += weight * texel[i];
         }

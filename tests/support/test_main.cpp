@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
     std::vector<char*> arguments(argv, argv + argc + 1);
     if (char* const emulator = std::getenv("ZE_EMULATOR"))
         arguments.insert(arguments.begin(), emulator);
-    int count = int(arguments.size()) - 1;
+    int count = static_cast<int>(arguments.size()) - 1;
     testing::InitGoogleMock(&count, arguments.data());
     return RUN_ALL_TESTS();
 }
