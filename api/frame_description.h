@@ -9,6 +9,11 @@
 
 namespace ze {
 
+/// Whether `pixelFormat` is 0 (NV12) or 1 (NV21).
+constexpr bool isValidPixelFormat(int32_t pixelFormat) {
+    return pixelFormat == 0 || pixelFormat == 1;
+}
+
 /// The numbers of ZecRender, in the order of its arguments.
 struct FrameDescription {
     int32_t pixelFormat = -1;
@@ -16,7 +21,6 @@ struct FrameDescription {
     FrameSize size;
     int32_t extra = 0; ///< Recorded and not read.
 
-    bool hasValidFormat() const { return pixelFormat == 0 || pixelFormat == 1; }
     bool isNV21() const { return pixelFormat == 1; }
 };
 

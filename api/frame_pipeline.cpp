@@ -128,7 +128,7 @@ bool renderFrame(ZecRenderCore& core, const std::vector<ZecEffect*>& effects, co
             copyFrame(*input, *output, frame.pixelFormat, frame.size);
         return true;
     }
-    if (!frame.hasValidFormat()) {
+    if (!isValidPixelFormat(frame.pixelFormat)) {
         ZeLogError() << "We only support NV12 and NV21 pixel formats right now!";
         return false;
     }

@@ -1,5 +1,6 @@
 #include "api/plane_copy.h"
 
+#include "api/frame_description.h"
 #include "log/log_stream.h"
 
 #include <cstddef>
@@ -25,7 +26,7 @@ void copyPlane(const uint8_t* from, ptrdiff_t fromPitch, uint8_t* to, ptrdiff_t 
 } // namespace
 
 void copyFrame(const ZecImage& input, const ZecImage& output, int32_t pixelFormat, FrameSize size) {
-    if (pixelFormat != 0 && pixelFormat != 1) {
+    if (!isValidPixelFormat(pixelFormat)) {
         for (int plane = 0; plane < 2; ++plane) {
             ZeLogError() << "ZecGetLineInfoForImagePlane(): Invalid pixel format!";
             ZeLogError() << "ZecGetActualHeightForImagePlane(): Invalid pixel format!";

@@ -1,8 +1,8 @@
 #include "gl/error.h"
 
-#include <GLES2/gl2.h>
-
 #include "log/log_stream.h"
+
+#include <GLES2/gl2.h>
 
 namespace ze {
 
