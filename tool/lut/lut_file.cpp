@@ -1,10 +1,10 @@
 #include "tool/lut/lut_file.h"
 
 #include "effects/lut/lut_file_reader.h"
+#include "host/library_log.h"
 #include "tool/errors.h"
 #include "tool/files/file_name.h"
 #include "tool/files/input_file.h"
-#include "tool/render/library_log.h"
 
 #include <bit>
 
@@ -31,10 +31,11 @@ LutTable readLutFile(const std::string& path) {
     if (!isLutFile(path))
         throw Failure(ExitCode::badInput, path,
                       "is no LUT file: it lacks the signature (zebeauty lut bake makes one of other tables)");
-    startLibraryLog();
+    zebeauty::catchLibraryErrors(false);
+    zebeauty::takeLibraryError(); // An earlier one.
     const CLutFileReader reader(libraryFileName(path));
     if (!reader.isValid()) {
-        const std::string reason = libraryReason();
+        const std::string reason = zebeauty::takeLibraryError();
         throw Failure(ExitCode::badInput, path,
                       "is no valid LUT file: " +
                           (reason.empty() ? "wrong version, number of levels or reserved field in its header"

@@ -39,14 +39,18 @@ struct RenderOptions {
                 range == "video" ? ColorRange::video : ColorRange::full};
     }
 
-    // In the order of the command line. `table` is there when a LUT is named.
-    EffectChain effects(const std::optional<TemporaryLut>& table) const {
-        EffectChain chain;
-        if (beautify)
-            chain.push_back(Beauty{smooth, whiten});
+    // `table` is there when a LUT is named.
+    zebeauty::Settings settings(const std::optional<TemporaryLut>& table) const {
+        zebeauty::Settings settings;
+        if (beautify) {
+            settings.smoothing = smooth;
+            settings.whitening = whiten;
+        }
         if (table)
-            chain.insert(gradeFirst ? chain.begin() : chain.end(), Grading{table->path(), intensity});
-        return chain;
+            settings.table = table->path();
+        settings.intensity = intensity;
+        settings.tableFirst = gradeFirst;
+        return settings;
     }
 };
 
@@ -73,11 +77,11 @@ void checkSize(const Picture& picture, const std::optional<TemporaryLut>& lut) {
 
 Picture rendered(const RenderOptions& options, const std::optional<TemporaryLut>& lut,
                  const Picture& before) {
-    const EffectChain effects = options.effects(lut);
-    if (std::any_of(effects.begin(), effects.end(), isActive))
+    const zebeauty::Settings settings = options.settings(lut);
+    if (settings.isActive())
         checkSize(before, lut);
     YuvFrame frame = yuvFromPicture(before, options.description());
-    RenderSession(effects).render(frame);
+    RenderSession(settings).render(frame);
     Picture after = pictureFromYuv(frame);
     after.alpha = before.alpha;
     return after;
