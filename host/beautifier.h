@@ -47,7 +47,7 @@ struct Frame {
 struct Settings {
     float smoothing = 0;     ///< Of skin.
     float whitening = 0;     ///< Of the whole frame.
-    std::string table;       ///< Path of a LUT file in UTF-8, see docs/lut.md; empty for none.
+    std::string table = {};  ///< Path of a LUT file in UTF-8, see docs/lut.md; empty for none.
     float intensity = 1;     ///< How much of the table's colors is mixed in.
     bool tableFirst = false; ///< Grade with the table before smoothing and whitening, not after.
 

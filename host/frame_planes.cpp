@@ -7,13 +7,17 @@
 namespace zebeauty {
 namespace {
 
+ptrdiff_t evenUp(ptrdiff_t size) {
+    return (size + 1) / 2 * 2;
+}
+
 /// Plane 0 is luma, 1 chroma.
 struct Plane {
     Plane(const Frame& frame, const Planes& planes, int index)
         : bytes(index == 0 ? planes.luma : planes.chroma),
           pitch(index == 0 ? planes.lumaPitch : planes.chromaPitch),
-          rowBytes(index == 0 ? frame.width : (ptrdiff_t{frame.width} + 1) / 2 * 2),
-          rows(index == 0 ? frame.height : (ptrdiff_t{frame.height} + 1) / 2) {}
+          rowBytes(index == 0 ? frame.width : evenUp(frame.width)),
+          rows(index == 0 ? frame.height : evenUp(frame.height) / 2) {}
 
     uint8_t* row(ptrdiff_t index) const { return bytes + index * pitch; }
     uint8_t* end() const { return row(rows - 1) + rowBytes; }

@@ -14,15 +14,15 @@ namespace {
 
 constexpr size_t kMaxTables = 8;
 
-// The library's own limits, which decide what it draws: one of the three admits no equality.
+// As the library compares them, as doubles and once without equality.
 constexpr double kActiveThreshold = 0.001;
 
 bool isBeautyActive(const Settings& settings) {
-    return double{settings.smoothing} > kActiveThreshold || double{settings.whitening} >= kActiveThreshold;
+    return settings.smoothing > kActiveThreshold || settings.whitening >= kActiveThreshold;
 }
 
 bool isTableActive(const Settings& settings) {
-    return !settings.table.empty() && double{settings.intensity} >= kActiveThreshold;
+    return !settings.table.empty() && settings.intensity >= kActiveThreshold;
 }
 
 // The library does not free what has never met a context, or meets it no more. Such handles stay reachable.

@@ -72,3 +72,10 @@ EGLBoolean eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read, 
     call.gl.readSurface = static_cast<EglObject*>(read);
     return EGL_TRUE;
 }
+EGLBoolean eglReleaseThread() {
+    const RecordedCall call(__func__);
+    call.gl.context = nullptr;
+    call.gl.drawSurface = nullptr;
+    call.gl.readSurface = nullptr;
+    return EGL_TRUE;
+}

@@ -9,13 +9,14 @@
 struct CameraPlane {
     const uint8_t* bytes;
     ptrdiff_t size;
-    int rowStride;
-    int pixelStride;
+    ptrdiff_t rowStride;
+    ptrdiff_t pixelStride;
 };
 
 /// Bytes of an NV12 frame without padding.
 constexpr size_t nv12Size(int width, int height) {
-    return size_t(width) * size_t(height) + size_t((width + 1) / 2 * 2) * size_t((height + 1) / 2);
+    return static_cast<size_t>(width) * static_cast<size_t>(height) +
+           static_cast<size_t>((width + 1) / 2 * 2) * static_cast<size_t>((height + 1) / 2);
 }
 
 /// Writes Y, U and V as an NV12 frame of `nv12Size` bytes without padding. Chroma planes may stand apart
