@@ -80,7 +80,7 @@ std::optional<std::string> whatIsWrong(const Frame& frame, const Planes& output)
         const std::string name = i == 0 ? "luma" : "chroma";
         if (auto reason = whatIsWrong(Plane(frame, frame.planes, i), name))
             return reason;
-        if (auto reason = whatIsWrong(Plane(frame, output, i), "output's " + name))
+        if (auto reason = whatIsWrong(Plane(frame, output, i), "output " + name))
             return reason;
     }
     return std::nullopt;

@@ -59,6 +59,11 @@ std::string Renderer::takeError() const {
 
 std::optional<std::string> Renderer::render(const Settings& settings, const Frame& frame,
                                             const Planes& output) {
+    // A core keeps the color matrix of the format before, which takes U for V in the other one.
+    if (frame.format != m_format)
+        release();
+    m_format = frame.format;
+
     const Run run{activeEffects(settings), frame.width, frame.height};
     if (run == m_lastRun)
         return draw(run, frame, output);

@@ -53,7 +53,8 @@ private:
     ZecRenderCore* m_core = nullptr;
     ZecEffect* m_beauty = nullptr;
     std::vector<Table> m_tables;
-    Run m_lastRun;                   // The last one that went well.
+    PixelFormat m_format = PixelFormat::nv12; // Of all frames of the core.
+    Run m_lastRun;                            // The last one that went well.
     std::string m_lastError;         // Of the frame before: the library names some reasons only once.
     std::vector<uint8_t> m_repacked; // A frame whose rows lie as GL cannot read them.
 };
