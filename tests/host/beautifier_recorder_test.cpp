@@ -52,12 +52,12 @@ TEST_F(HostRecorderTest, AnErrorInTheLogIsAReasonAndKeepsTheFirstFrameOfAChain) 
     Beautifier deaf({0.5f, 0.5f});
     Beautifier beautifier({0.5f, 0.5f}, zebeauty::takeLibraryError);
     for (Beautifier* each : {&deaf, &beautifier}) {
+        fillPicture(m_memory.image, 5, 3, [](int, int, int) { return 0x66; });
         m_gl.clear();
         m_gl.refuse("glGenTextures", 7, GL_OUT_OF_MEMORY); // The effect's, which then draws nothing.
         const std::optional<std::string> reason = process(*each);
         EXPECT_EQ(reason.has_value(), each == &beautifier);
         EXPECT_EQ(m_memory == m_untouched, each == &beautifier);
-        fillPicture(m_memory.image, 5, 3, [](int, int, int) { return 0x66; });
         EXPECT_EQ(process(*each), std::nullopt);
     }
     m_gl.raise("glDrawArrays", 1, GL_OUT_OF_MEMORY);

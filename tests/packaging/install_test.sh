@@ -22,9 +22,12 @@ cp -r "$here/consumer" "$work"
 "$work/build/consumer"
 
 pc=$(find "$prefix" -name pkgconfig)
-flags=$(PKG_CONFIG_PATH=$pc pkg-config --cflags --libs ZeBeautyEffect)
+export PKG_CONFIG_PATH=$pc
+flags=$(pkg-config --cflags --libs ZeBeautyEffect)
+host=$(pkg-config --variable=hostdir ZeBeautyEffect)
 # shellcheck disable=SC2086
-$CXX -std=c++17 "$work/consumer/main.cpp" -o "$work/consumer/consumer" $flags
+$CXX -std=c++17 -pthread -I"$LIBLOG_INCLUDE" "$work/consumer/main.cpp" "$host"/*.cpp -o "$work/consumer/consumer" \
+    $flags -lEGL "$LIBLOG" -Wl,-rpath,"$(dirname "$LIBLOG")"
 LD_LIBRARY_PATH=$(dirname "$pc") "$work/consumer/consumer"
 
 if [ -x "$prefix/bin/zebeauty" ]; then

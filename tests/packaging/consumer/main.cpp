@@ -9,5 +9,13 @@ int main() {
     ZecImage output = {{copy, chroma, nullptr}, {2, 2, 0}};
     ZecRenderCore* core = ZecCreateRenderCore();
     const bool isCopied = ZecRender(core, {effect}, &input, &output, 0, 0, 1, 2, 2, 0) && copy[3] == 4;
-    return isSet && isCopied && CZeString::fromUtf8("text").toUpper().size() == 4 ? 0 : 1;
+    const bool isText = CZeString::fromUtf8("text").toUpper().size() == 4;
+
+    zebeauty::catchLibraryErrors();
+    zebeauty::Beautifier beautifier({0.5f, 0.5f}, zebeauty::takeLibraryError);
+    zebeauty::Frame frame;
+    frame.planes = {luma, chroma, 2, 2};
+    frame.width = frame.height = 2;
+    const bool isDoneOrExplained = beautifier.process(frame) != std::string() && luma[3] != 0;
+    return isSet && isCopied && isText && isDoneOrExplained ? 0 : 1;
 }
