@@ -2,57 +2,46 @@
 
 #include "examples/android/src/main/cpp/camera_frame.h"
 
-#include <gmock/gmock.h>
-
+#include <algorithm>
+#include <cstring>
+#include <string>
 #include <vector>
+
+#include <gmock/gmock.h>
 
 namespace {
 
-/// A plane in a block of exactly the bytes that the format promises: none after the last sample.
-struct Plane {
-    Plane(int width, int height, int pixelStride, int padding, int first) {
-        const int rowStride = (width - 1) * pixelStride + 1 + padding;
-        bytes.assign(size_t(rowStride * (height - 1) + (width - 1) * pixelStride + 1), 0xEE);
-        for (int i = 0; i < width * height; ++i)
-            bytes[size_t(i / width * rowStride + i % width * pixelStride)] = uint8_t(first + i);
-        plane = {bytes.data(), ptrdiff_t(bytes.size()), rowStride, pixelStride};
-    }
-    std::vector<uint8_t> bytes;
-    CameraPlane plane;
-};
+/// The plane whose samples lie from `first` to `last`. A block of the exact size shows reads beyond it.
+CameraPlane planeIn(const std::vector<uint8_t>& block, char first, char last, ptrdiff_t rowStride,
+                    ptrdiff_t pixelStride) {
+    const auto begin = std::find(block.begin(), block.end(), first);
+    const auto end = std::find(block.begin(), block.end(), last) + 1;
+    return {&*begin, end - begin, rowStride, pixelStride};
+}
 
 TEST(CameraFrame, EveryLayoutBecomesNv12) {
-    const std::vector<uint8_t> expected = {1,   2,   3,   4,   5,   6,   7,   8,   9,   10,  11,  12,
-                                           13,  14,  15, // 5 x 3
-                                           100, 200, 101, 201, 102, 202, 103, 203, 104, 204, 105, 205};
-    ASSERT_EQ(nv12Size(5, 3), expected.size());
-    const auto packed = [](const CameraPlane& y, const CameraPlane& u, const CameraPlane& v) {
-        std::vector<uint8_t> nv12(nv12Size(5, 3));
-        return packNv12(y, u, v, 5, 3, nv12.data()) ? nv12 : std::vector<uint8_t>();
+    // Luma is a to i, U is p to s, V is 1 to 4; other characters lie between.
+    const struct {
+        const char *luma, *chroma;
+        ptrdiff_t lumaStride, chromaStride, pixelStride;
+    } layouts[] = {
+        {"abcdefghi", "pqrs1234", 3, 2, 1},           // three planes
+        {"abc.def.ghi", "pq..rs12..34", 4, 4, 1},     // padded
+        {"abcdefghi", "p1q2r3s4", 3, 4, 2},           // pairs of U and V
+        {"abc-def-ghi", "1p2q.3r4s", 4, 5, 2},        // of V and U, padded
+        {"abc-def-ghi", "p.q.r.s..1.2.3.4", 4, 4, 2}, // apart, with gaps
     };
-    for (const int padding : {0, 3}) {
-        const Plane y(5, 3, 1, padding, 1), u(3, 2, 1, padding, 100), v(3, 2, 1, padding, 200);
-        EXPECT_EQ(packed(y.plane, u.plane, v.plane), expected);
-        const Plane apartU(3, 2, 2, padding, 100), apartV(3, 2, 2, padding, 200);
-        EXPECT_EQ(packed(y.plane, apartU.plane, apartV.plane), expected);
-
-        // Within each other: a block of pairs, of which one plane starts a byte later.
-        const int rowStride = 6 + padding;
-        for (const int uFirst : {1, 0}) {
-            std::vector<uint8_t> pairs(size_t(rowStride + 6), 0xEE);
-            for (int i = 0; i < 6; ++i) {
-                uint8_t* const pair = &pairs[size_t(i / 3 * rowStride + i % 3 * 2)];
-                pair[!uFirst] = uint8_t(100 + i);
-                pair[uFirst] = uint8_t(200 + i);
-            }
-            const CameraPlane first{pairs.data(), ptrdiff_t(pairs.size()) - 1, rowStride, 2};
-            const CameraPlane second{pairs.data() + 1, ptrdiff_t(pairs.size()) - 1, rowStride, 2};
-            EXPECT_EQ(packed(y.plane, uFirst ? first : second, uFirst ? second : first), expected);
-        }
-
-        CameraPlane shortened = v.plane;
-        --shortened.size;
-        EXPECT_THAT(packed(y.plane, u.plane, shortened), testing::IsEmpty());
+    for (const auto& l : layouts) {
+        const std::vector<uint8_t> luma(l.luma, l.luma + std::strlen(l.luma));
+        const std::vector<uint8_t> chroma(l.chroma, l.chroma + std::strlen(l.chroma));
+        const CameraPlane y = planeIn(luma, 'a', 'i', l.lumaStride, 1);
+        const CameraPlane u = planeIn(chroma, 'p', 's', l.chromaStride, l.pixelStride);
+        CameraPlane v = planeIn(chroma, '1', '4', l.chromaStride, l.pixelStride);
+        std::vector<uint8_t> nv12(nv12Size(3, 3));
+        EXPECT_TRUE(packNv12(y, u, v, 3, 3, nv12.data())) << l.chroma;
+        EXPECT_EQ(std::string(nv12.begin(), nv12.end()), "abcdefghip1q2r3s4") << l.chroma;
+        --v.size;
+        EXPECT_FALSE(packNv12(y, u, v, 3, 3, nv12.data())) << l.chroma;
     }
 }
 
