@@ -5,9 +5,14 @@
 #include "tests/api/test_frame.h"
 #include "tests/support/gl_recorder.h"
 
+#include <algorithm>
+#include <limits>
+#include <string>
+
 #include <gmock/gmock.h>
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Optional;
 using testing::StartsWith;
@@ -46,6 +51,25 @@ TEST_F(HostRecorderTest, AContextThatCannotBeMadeIsToldAgainAndTriedAgainAfterAR
         beautifier.set({0.5f, 0.5f});
         EXPECT_EQ(process(beautifier), std::nullopt);
     }
+}
+
+TEST_F(HostRecorderTest, TablesShareAContextUpToEightAndAmountsAreClamped) {
+    Beautifier beautifier({}, zebeauty::takeLibraryError);
+    const auto contextCount = [&] {
+        const std::string calls = m_gl.calls({"eglCreateContext"});
+        return std::count(calls.begin(), calls.end(), '\n');
+    };
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    for (int i = 0; i < 16; ++i) {
+        beautifier.set({nan, 2, "no such file " + std::to_string(i % 8)});
+        EXPECT_NE(process(beautifier), std::nullopt);
+    }
+    EXPECT_EQ(contextCount(), 1);
+    EXPECT_THAT(m_gl.uniform("mix", "mixFactor"), ElementsAre(0));
+    EXPECT_THAT(m_gl.uniform("mix", "whitenFactor"), ElementsAre(1));
+    beautifier.set({nan, 2, "a ninth"});
+    EXPECT_NE(process(beautifier), std::nullopt);
+    EXPECT_EQ(contextCount(), 2);
 }
 
 TEST_F(HostRecorderTest, AnErrorInTheLogIsAReasonAndKeepsTheFirstFrameOfAChain) {

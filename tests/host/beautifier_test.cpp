@@ -78,13 +78,13 @@ TEST_F(HostTest, RowsOfAnyLayoutGiveWhatTightOnesGiveTheLibrary) {
             const TestFrame expected(width, height);
             fillWithNoise(expected, width, height);
             renderDirectly(expected, width, height, nv21);
-            for (int padding : {0, 1, 3, 9, 64}) {
-                SCOPED_TRACE(testing::Message() << width << " x " << height << ", padding " << padding);
-                // `output` has the padding's 0x66 already: what is written there shows as a difference.
-                const TestFrame input(width, height, {.padding = padding});
-                const TestFrame output(width, height, {.padding = 64 - padding});
-                const TestFrame expectedOutput(width, height, {.padding = 64 - padding});
-                const TestFrame expectedInPlace(width, height, {.padding = padding});
+            for (const RowLayout& layout : {RowLayout{}, {3}, {64}, {.roundTo = 8}, {.roundTo = 16}}) {
+                SCOPED_TRACE(testing::Message() << width << " x " << height << ", " << layout.padding
+                                                << " bytes beyond " << layout.roundTo);
+                // Beside the pictures every byte is 0x66: what is written there shows as a difference.
+                const RowLayout other = {.padding = 64 - layout.padding};
+                const TestFrame input(width, height, layout), expectedInPlace(width, height, layout);
+                const TestFrame output(width, height, other), expectedOutput(width, height, other);
                 for (const TestFrame* frame : {&expectedOutput, &expectedInPlace})
                     fillPicture(frame->image, width, height,
                                 [&](int plane, int x, int y) { return byteAt(expected.image, plane, x, y); });
