@@ -21,26 +21,29 @@
 
 namespace zebeauty {
 
-enum class PixelFormat { nv12 = 0, nv21 = 1 };     ///< Chroma pairs are U, V in NV12 and V, U in NV21.
-enum class ColorStandard { bt601 = 0, bt709 = 1 }; ///< The color matrix.
-enum class ColorRange { video = 0, full = 1 };     ///< Luma of 16 to 235, or of 0 to 255.
+/// The order of the two bytes in a chroma pair: U, V in NV12 and V, U in NV21.
+enum class PixelFormat { nv12 = 0, nv21 = 1 };
+/// The color matrix.
+enum class ColorStandard { bt601 = 0, bt709 = 1 };
+/// What luma spans: 16 to 235, or 0 to 255.
+enum class ColorRange { video = 0, full = 1 };
 
-/// Where a frame lies in memory. Pitches are bytes from the start of one row to the start of the next.
+/// Where a frame lies in memory. The chroma plane has half of luma's rows, rounded up.
 struct Planes {
-    uint8_t* luma = nullptr;   ///< `height` rows of `width` bytes.
-    uint8_t* chroma = nullptr; ///< (`height` + 1) / 2 rows of `width`, rounded up to even, bytes.
-    int lumaPitch = 0;
-    int chromaPitch = 0;
+    uint8_t* luma = nullptr;   ///< Rows of as many bytes as the frame has columns.
+    uint8_t* chroma = nullptr; ///< Rows of as many bytes, rounded up to even: pairs.
+    int lumaPitch = 0;         ///< Bytes from the start of one row to the start of the next.
+    int chromaPitch = 0;       ///< The same for chroma.
 };
 
 /// A frame and what its bytes mean. The planes stay the caller's.
 struct Frame {
-    Planes planes;
-    int width = 0;  ///< In pixels, at least 1; odd ones are fine.
-    int height = 0; ///< The same.
-    PixelFormat format = PixelFormat::nv12;
-    ColorStandard standard = ColorStandard::bt601;
-    ColorRange range = ColorRange::full;
+    Planes planes;                                 ///< Where it lies.
+    int width = 0;                                 ///< In pixels, at least 1; odd ones are fine.
+    int height = 0;                                ///< The same.
+    PixelFormat format = PixelFormat::nv12;        ///< The order of its chroma.
+    ColorStandard standard = ColorStandard::bt601; ///< The matrix that made it.
+    ColorRange range = ColorRange::full;           ///< What its luma spans.
 };
 
 /// What is done to frames. Amounts run from 0 to 1: values beyond count as the nearest of the two, NaN as 0.
