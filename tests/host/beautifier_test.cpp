@@ -44,8 +44,8 @@ void renderDirectly(const TestFrame& frame, int width, int height, bool nv21) {
         ZecSetBeautyParams(effect, 0.5f, 0.25f);
         ZecRenderCore* core = ZecCreateRenderCore();
         EXPECT_TRUE(ZecRender(core, {effect}, &image, &image, nv21, 0, 1, width, height, 0));
-        EXPECT_TRUE(ZecDestoryEffect(effect));
         EXPECT_TRUE(ZecDestroyRenderCore(core));
+        EXPECT_TRUE(ZecDestoryEffect(effect));
         eglReleaseThread();
     }).join();
 }
