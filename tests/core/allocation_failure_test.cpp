@@ -57,8 +57,11 @@ void __wrap_free(void* block) {
 }
 }
 
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    return g_failsNew && failsNow() ? nullptr : __real_malloc(size);
+}
 void* operator new(size_t size) {
-    void* const block = g_failsNew && failsNow() ? nullptr : __real_malloc(size);
+    void* const block = operator new(size, std::nothrow);
     return block ? block : throw std::bad_alloc();
 }
 void operator delete(void* block) noexcept {
