@@ -45,7 +45,7 @@ public:
     bool isValid() const { return m_mib != NoCodec; }
     /// As `decode`; a null array gives the null string.
     CZeString toUnicode(const CZeByteArray& bytes, State* state = nullptr) const {
-        return bytes.isNull() ? CZeString() : decode(m_mib, bytes.constData(), bytes.size(), state);
+        return decode(m_mib, bytes.isNull() ? nullptr : bytes.constData(), bytes.size(), state);
     }
     /// As `encode`.
     CZeByteArray fromUnicode(const CZeString& text) const { return encode(m_mib, text); }

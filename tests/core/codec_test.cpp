@@ -37,7 +37,9 @@ TEST(TextCodec, ConvertsBothWaysOrWarns) {
     EXPECT_TRUE(log.texts().empty());
     EXPECT_TRUE(CZeTextCodec::decode(3, "x", 1).isNull());
     EXPECT_TRUE(CZeTextCodec("latin1").fromUnicode(e).isNull());
-    EXPECT_THAT(log.texts(), testing::ElementsAre("Unsupported mib!", "Unsupported mib!"));
+    EXPECT_TRUE(CZeTextCodec("latin1").toUnicode(CZeByteArray()).isNull());
+    EXPECT_THAT(log.texts(),
+                testing::ElementsAre("Unsupported mib!", "Unsupported mib!", "Unsupported mib!"));
     EXPECT_EQ(log.entries().at(0).priority, 5);
 }
 
