@@ -1,5 +1,6 @@
 #include "core/warning.h"
 
+#include "core/tools/ze_string.h"
 #include "log/emit.h"
 #include "log/log_stream.h"
 #include "log/settings.h"
@@ -13,6 +14,11 @@ void coreWarning(const char* format, ...) {
     va_start(arguments, format);
     emitFormatted(kLogWarning, SZeLogContext(), format, arguments);
     va_end(arguments);
+}
+
+void coreWarning(const CZeString& text) {
+    if (isLogLevelEnabled(kLogWarning))
+        emit(text.toUtf8().constData(), kLogWarning, SZeLogContext());
 }
 
 } // namespace ze

@@ -96,10 +96,9 @@ void warnOfText(const CZeString& text, const CZeString& argument) {
                     argument.toLocal8Bit().constData());
 }
 
-/// The warning of the arguments that are no strings: text and value follow each other without a gap.
+/// The warning for integers and characters, which gives text and value in full and without a gap.
 void warnOfValue(const CZeString& text, const CZeString& value) {
-    ze::coreWarning("CZeString::arg: Argument missing:%s%s", text.toLocal8Bit().constData(),
-                    value.toLocal8Bit().constData());
+    ze::coreWarning(CZeLatin1String("CZeString::arg: Argument missing:") + text + value);
 }
 
 template <class Integer>
