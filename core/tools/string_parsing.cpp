@@ -123,8 +123,12 @@ double CZeString::toDouble(bool* ok) const {
 float CZeString::toFloat(bool* ok) const {
     bool isOk = false;
     const double value = toDouble(&isOk);
-    isOk = isOk && (std::isinf(value) || !(std::abs(value) > double{std::numeric_limits<float>::max()}));
+    const auto rounded = static_cast<float>(value);
+    // The largest float may be written as a number slightly above it, so only rounding shows what is too
+    // large.
+    const bool isTooLarge = std::isinf(rounded) && !std::isinf(value);
+    isOk = isOk && !isTooLarge;
     if (ok)
         *ok = isOk;
-    return isOk ? static_cast<float>(value) : 0.0f;
+    return isOk ? rounded : 0.0f;
 }
