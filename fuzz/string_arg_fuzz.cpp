@@ -1,6 +1,5 @@
 // Any pattern and argument of `arg`, against a plain search for the lowest escape.
 
-#include "core/tools/string_ref.h"
 #include "fuzz/fuzz_input.h"
 #include "fuzz/plain_rules.h"
 #include "log/log_settings.h"

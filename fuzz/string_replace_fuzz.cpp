@@ -1,7 +1,5 @@
 // Any text and its replacements, also by parts of itself, against a plain loop.
 
-#include "core/tools/string_ref.h"
-#include "core/tools/text_argument.h"
 #include "fuzz/fuzz_input.h"
 #include "fuzz/plain_rules.h"
 

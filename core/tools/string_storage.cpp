@@ -1,6 +1,6 @@
 // Construction and storage of strings.
 
-#include "core/tools/string_ref.h"
+#include "core/tools/ze_string.h"
 #include "core/tools/zero_terminated.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "core/tools/string_ref.h"
+#include "core/tools/ze_string.h"
 
 namespace ze {
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 /// An unsigned 16-bit UTF-16 code unit. Code points above U+FFFF take two: a high and a low surrogate.
 class CZeChar {
@@ -77,3 +78,18 @@ public:
 private:
     char16_t m_unit = 0;
 };
+
+namespace ze {
+
+/// Whether a `T` is written as a character: 'x' or u'x'. Overload resolution would sooner promote these to
+/// int than convert them to CZeChar, so members that also take numbers need overloads for them.
+template <class T>
+constexpr bool isCharacter = std::is_same_v<T, char> || std::is_same_v<T, char16_t>;
+
+/// Template parameters of such overloads: enable them for characters, or for integers that are not.
+template <class... T>
+using IfCharacters = std::enable_if_t<(isCharacter<T> && ...), int>;
+template <class T>
+using IfInteger = std::enable_if_t<std::is_integral_v<T> && !isCharacter<T>, int>;
+
+} // namespace ze

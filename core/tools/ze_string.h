@@ -16,6 +16,7 @@ namespace ze {
 class TextArgument;
 CZeString sharedText(SZeArrayData& block);
 }
+
 /// What splitting gives.
 using CZeStringList = CZeList<CZeString>;
 /// What splitting into views gives.
@@ -42,6 +43,8 @@ public:
     CZeString(const CZeChar* units, int size = -1);
     /// `count` times `unit`; a count below 1 gives the empty string.
     CZeString(int count, CZeChar unit);
+    CZeString(int count, char16_t unit) : CZeString(count, CZeChar(unit)) {}
+    CZeString(int count, char latin1) : CZeString(count, CZeChar(latin1)) {}
     /// `count` units (below 0: none) for the caller to fill.
     CZeString(int count, Ze::Initialization);
     /// The unit or a copy of the text.
@@ -178,6 +181,14 @@ public:
     CZeString& remove(int position, int count);
     /// Removes every occurrence, from the left; nothing for an empty text.
     CZeString& remove(const ze::TextArgument& text, Ze::CaseSensitivity cs = Ze::CaseSensitive);
+    template <class Character, ze::IfCharacters<Character> = 0>
+    CZeString& remove(Character character, Ze::CaseSensitivity cs = Ze::CaseSensitive) {
+        const CZeChar unit(character);
+        return replace_helper(&unit, 1, nullptr, 0, cs);
+    }
+    /// A character is no position.
+    template <class Character, ze::IfCharacters<Character> = 0>
+    CZeString& remove(Character position, int count) = delete;
 
     /// Puts `after` in place of the range that `remove` would remove.
     CZeString& replace(int position, int count, const ze::TextArgument& after);
@@ -185,6 +196,14 @@ public:
     /// what was put in is not searched. Nothing happens for an empty `before`.
     CZeString& replace(const ze::TextArgument& before, const ze::TextArgument& after,
                        Ze::CaseSensitivity cs = Ze::CaseSensitive);
+    template <class Before, class After, ze::IfCharacters<Before, After> = 0>
+    CZeString& replace(Before before, After after, Ze::CaseSensitivity cs = Ze::CaseSensitive) {
+        const CZeChar units[] = {before, after};
+        return replace_helper(units, 1, units + 1, 1, cs);
+    }
+    /// A character is no position.
+    template <class Character, ze::IfCharacters<Character> = 0>
+    CZeString& replace(Character position, int count, const ze::TextArgument& after) = delete;
 
     /// The text so many times, nothing for a count below 1. An empty string stays what it is.
     CZeString repeated(int times) const;
@@ -314,8 +333,8 @@ public:
     /// The number that the text is. All of it must be one as strtoll, strtoull and strtod in the "C" locale
     /// read it, white space (CZeChar::isSpace) at both ends aside; base 0 looks at the prefix "0" or "0x".
     /// Otherwise, and when the number does not fit the type, `ok` (unless null) becomes false and the result
-    /// is 0. A minus sign before an unsigned number negates within 64 bits. "inf" and "nan" are numbers; one
-    /// so small that it becomes 0 is one for `toFloat` only.
+    /// is 0. A minus sign before an unsigned number negates within 64 bits. "inf" and "nan" are numbers. A
+    /// number too small for a double fails; one that only a float cannot hold becomes 0.
     long long toLongLong(bool* ok = nullptr, int base = 10) const;
     unsigned long long toULongLong(bool* ok = nullptr, int base = 10) const;
     long toLong(bool* ok = nullptr, int base = 10) const;
@@ -356,15 +375,22 @@ public:
     // Formatting
 
     /// A copy in which every occurrence of the lowest escape %0 to %99 gives way to the argument, so that
-    /// chained calls fill %1, %2 and so on. `fill`, to be given as a CZeChar, pads the argument to the field
-    /// width, before it when that is positive, behind it when negative. Without an escape the copy is
-    /// unchanged and a warning with the text and the argument is logged, integers in decimal. A result that
-    /// would be too long is the null string.
+    /// chained calls fill %1, %2 and so on. `fill` pads the argument to the field width, before it when that
+    /// is positive, behind it when negative. Without an escape the copy is unchanged and a warning with the
+    /// text and the argument is logged, integers in decimal. A result that would be too long is the null
+    /// string.
     CZeString arg(const CZeString& argument, int fieldWidth = 0, CZeChar fill = ' ') const;
     CZeString arg(const CZeStringRef& argument, int fieldWidth = 0, CZeChar fill = ' ') const;
     CZeString arg(CZeLatin1String argument, int fieldWidth = 0, CZeChar fill = ' ') const;
     CZeString arg(CZeChar argument, int fieldWidth = 0, CZeChar fill = ' ') const;
     CZeString arg(char argument, int fieldWidth = 0, CZeChar fill = ' ') const;
+    CZeString arg(char16_t argument, int fieldWidth = 0, CZeChar fill = ' ') const {
+        return arg(CZeChar(argument), fieldWidth, fill);
+    }
+    template <class Character, class Fill, ze::IfCharacters<Character, Fill> = 0>
+    CZeString arg(Character argument, int fieldWidth, Fill fill) const {
+        return arg(CZeChar(argument), fieldWidth, CZeChar(fill));
+    }
     CZeString arg(long argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const;
     CZeString arg(unsigned long argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const;
     CZeString arg(int argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const {
@@ -373,6 +399,13 @@ public:
     CZeString arg(unsigned int argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const {
         return arg(static_cast<unsigned long>(argument), fieldWidth, base, fill);
     }
+    template <class Integer, class Fill, ze::IfInteger<Integer> = 0, ze::IfCharacters<Fill> = 0>
+    CZeString arg(Integer argument, int fieldWidth, int base, Fill fill) const {
+        return arg(argument, fieldWidth, base, CZeChar(fill));
+    }
+    /// A character is no base.
+    template <class Integer, class Fill, ze::IfInteger<Integer> = 0, ze::IfCharacters<Fill> = 0>
+    CZeString arg(Integer argument, int fieldWidth, Fill fill) const = delete;
     CZeString arg(double argument, int fieldWidth = 0, char format = 'g', int precision = 6,
                   CZeChar fill = ' ') const;
 
@@ -425,4 +458,4 @@ private:
     mutable ze::SharedArray<CZeChar> m_array; // mutable for `utf16`
 };
 
-#include "core/tools/text_argument.h" // completes what the members take
+#include "core/tools/string_ref.h" // completes what the members take and return

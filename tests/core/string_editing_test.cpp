@@ -64,6 +64,13 @@ TEST(StringReplace, KeepsABlockWithRoomAndTakesOwnUnits) {
     EXPECT_TRUE(s.remove(s).isEmpty() && !s.isNull() && CZeString().replace('a', 'b').isNull());
 }
 
+TEST(StringReplace, TakesCharactersForUnits) {
+    CZeString s = text(u"banAna");
+    EXPECT_EQ(utf8(s.replace('a', u'o', Ze::CaseInsensitive)), "bonono");
+    EXPECT_EQ(utf8(s.remove('O', Ze::CaseInsensitive)), "bnn");
+    EXPECT_EQ(utf8(s.replace(u'n', 'm').remove(u'b') + CZeString(0, 'x') + CZeString(2, u'x')), "mmxx");
+}
+
 TEST(StringSearch, TakesEveryFormOfText) {
     const CZeString s = text(u"x\u00E9X\u00C9x");
     const CZeString needle = text(u"X");

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cfloat>
 #include <climits>
 #include <clocale>
 #include <cmath>
@@ -76,6 +77,10 @@ TEST(Number, ReadsDoubles) {
     bool ok = true;
     EXPECT_TRUE(text(u"1e39").toFloat(&ok) == 0 && !ok && text(u"1e39").toDouble(&ok) == 1e39 && ok);
     EXPECT_TRUE(text(u"-1e39").toFloat(&ok) == 0 && !ok && text(u".").toDouble(&ok) == 0 && !ok);
+    EXPECT_EQ(text(u"3.40282347e+38").toFloat(&ok), FLT_MAX); // which is slightly less
+    EXPECT_TRUE(ok);
+    EXPECT_EQ(text(u"-3.4028236e+38").toFloat(&ok), 0); // which is nearer to infinity
+    EXPECT_FALSE(ok);
     EXPECT_TRUE(text(u"1e-400").toDouble(&ok) == 0 && !ok && text(u"1e-320").toDouble(&ok) == 1e-320 && ok);
     EXPECT_TRUE(text(u"\u00A0inf\u0085").toDouble(&ok) == HUGE_VAL && ok && text(u"0x1p3").toFloat() == 8);
 }
@@ -122,6 +127,13 @@ TEST(Arg, TakesEveryKindOfValue) {
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
+TEST(Arg, TakesCharactersForUnits) {
+    const CZeString s = text(u"%1");
+    EXPECT_EQ(utf8(s.arg(u'x') + s.arg('x', 3, '0') + s.arg(u'x', -3, u'0')), "x00xx00");
+    EXPECT_EQ(utf8(s.arg(5, 3, 10, '0') + s.arg(10UL, 3, 16, u'0') + s.arg(0.5, 4, 'f', 1, '0')),
+              "00500a00.5");
+}
+
 TEST(Arg, WarnsWithoutAnEscape) {
     const CZeString s = text(u"no \u00E9% %x %");
     LogCapture log;
@@ -134,6 +146,8 @@ TEST(Arg, WarnsWithoutAnEscape) {
                                          start + shown + "8", start + shown + "c", start + shown + "\xC3\xA9",
                                          start + " " + shown + ", 0.123457"));
     EXPECT_EQ(log.entries().at(0).priority, 5);
+    text(u"long").leftJustified(2000).arg(42);
+    EXPECT_THAT(log.texts().back(), testing::EndsWith("   42")); // nothing is cut
     EXPECT_TRUE(text(u"%1%1%1").arg(1, INT_MAX).isNull() && text(u"%1").arg(1, INT_MIN).isNull()); // too long
 }
 

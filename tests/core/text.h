@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "core/tools/string_ref.h"
+#include "core/tools/ze_string.h"
 
 #include <ostream>
 #include <string>
