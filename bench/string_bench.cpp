@@ -20,14 +20,14 @@ constexpr int kPieceSize = 10;
 CZeString appendUnits() {
     CZeString text;
     for (int i = 0; i < kUnits; ++i)
-        text.append(CZeChar(char16_t(i)));
+        text.append(CZeChar(static_cast<char16_t>(i)));
     return text;
 }
 
 std::u16string appendStandardUnits() {
     std::u16string text;
     for (int i = 0; i < kUnits; ++i)
-        text.push_back(char16_t(i));
+        text.push_back(static_cast<char16_t>(i));
     return text;
 }
 
@@ -47,7 +47,8 @@ std::u16string appendStandardPieces() {
 }
 
 bool agree(const CZeString& text, const std::u16string& standard) {
-    return std::u16string(text.utf16(), size_t(text.size())) == standard && text.size() == kUnits;
+    return std::u16string(text.utf16(), static_cast<size_t>(text.size())) == standard &&
+           text.size() == kUnits;
 }
 
 /// What a counted copy cannot do without: a pointer, and an atomic step up and down.
@@ -84,7 +85,7 @@ int main(int argc, char** argv) {
                   {{"u16string", [] { benchmark::DoNotOptimize(appendStandardPieces().data()); }}});
     for (const unsigned size : {5U, 100U, 10'000U}) {
         const std::u16string standard(size, u'x');
-        const CZeString text(int(size), CZeChar(u'x'));
+        const CZeString text(static_cast<int>(size), CZeChar(u'x'));
         const auto owners = std::make_shared<std::atomic<int>>(1);
         addComparison("1000 copies/" + std::to_string(size) + " units", [text] { copyOften(text); },
                       {{"u16string", [standard] { copyOften(standard); }},

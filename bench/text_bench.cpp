@@ -34,16 +34,16 @@ void copy(const void* from, size_t bytes) {
 int decodeWithIcu(const std::string& text, char16_t* units) {
     int32_t size = 0;
     UErrorCode error = U_ZERO_ERROR;
-    u_strFromUTF8WithSub(units, int32_t(text.size()), &size, text.data(), int32_t(text.size()), 0xFFFD,
-                         nullptr, &error);
+    u_strFromUTF8WithSub(units, static_cast<int32_t>(text.size()), &size, text.data(),
+                         static_cast<int32_t>(text.size()), 0xFFFD, nullptr, &error);
     return size;
 }
 
 int encodeWithIcu(const std::u16string& text, char* bytes) {
     int32_t size = 0;
     UErrorCode error = U_ZERO_ERROR;
-    u_strToUTF8WithSub(bytes, int32_t(text.size() * 3), &size, text.data(), int32_t(text.size()), '?',
-                       nullptr, &error);
+    u_strToUTF8WithSub(bytes, static_cast<int32_t>(text.size() * 3), &size, text.data(),
+                       static_cast<int32_t>(text.size()), '?', nullptr, &error);
     return size;
 }
 
@@ -61,13 +61,13 @@ int decodePlainly(const std::string& text, char16_t* units) {
             codePoint = codePoint << 6 | (*byte++ & 0x3F);
         }
         if (codePoint < 0x10000) {
-            *out++ = char16_t(codePoint);
+            *out++ = static_cast<char16_t>(codePoint);
         } else {
-            *out++ = char16_t(0xD7C0 + (codePoint >> 10));
-            *out++ = char16_t(0xDC00 + (codePoint & 0x3FF));
+            *out++ = static_cast<char16_t>(0xD7C0 + (codePoint >> 10));
+            *out++ = static_cast<char16_t>(0xDC00 + (codePoint & 0x3FF));
         }
     }
-    return int(out - units);
+    return static_cast<int>(out - units);
 }
 
 int encodePlainly(const std::u16string& text, char* bytes) {
@@ -77,15 +77,15 @@ int encodePlainly(const std::u16string& text, char* bytes) {
         if ((codePoint & 0xFC00) == 0xD800 && i + 1 < text.size())
             codePoint = (codePoint << 10) + text[++i] - ((0xD800U << 10) + 0xDC00 - 0x10000);
         if (codePoint < 0x80) {
-            *out++ = char(codePoint);
+            *out++ = static_cast<char>(codePoint);
             continue;
         }
         const int tails = codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3;
-        *out++ = char((0xFF00U >> (tails + 1) & 0xFF) | codePoint >> 6 * tails);
+        *out++ = static_cast<char>((0xFF00U >> (tails + 1) & 0xFF) | codePoint >> 6 * tails);
         for (int shift = 6 * (tails - 1); shift >= 0; shift -= 6)
-            *out++ = char(0x80 | (codePoint >> shift & 0x3F));
+            *out++ = static_cast<char>(0x80 | (codePoint >> shift & 0x3F));
     }
-    return int(out - bytes);
+    return static_cast<int>(out - bytes);
 }
 
 /// Unit by unit: the compiler is kept from taking several at once.
@@ -97,8 +97,8 @@ int narrowPlainly(const std::u16string& text, char* latin1) {
 #pragma clang loop vectorize(disable)
 #endif
     for (size_t i = 0; i < text.size(); ++i)
-        latin1[i] = text[i] > 0xFF ? '?' : char(text[i]);
-    return int(text.size());
+        latin1[i] = text[i] > 0xFF ? '?' : static_cast<char>(text[i]);
+    return static_cast<int>(text.size());
 }
 
 template <class Element, class Convert>
@@ -109,7 +109,7 @@ void convert(size_t room, Convert conversion) {
 }
 
 void decode(const std::string& text) {
-    benchmark::DoNotOptimize(CZeString::fromUtf8(text.data(), int(text.size())).constData());
+    benchmark::DoNotOptimize(CZeString::fromUtf8(text.data(), static_cast<int>(text.size())).constData());
 }
 
 /// Whether the library narrows as the plain loop does.
@@ -123,14 +123,14 @@ bool agreeOnLatin1(const CZeString& string, const std::u16string& units) {
 /// Whether all of them make the same of `text`, and `text` of that.
 bool agree(const std::string& text, const std::u16string& units) {
     std::u16string plain(text.size(), u'\0'), icu(text.size(), u'\0');
-    plain.resize(size_t(decodePlainly(text, plain.data())));
-    icu.resize(size_t(decodeWithIcu(text, icu.data())));
+    plain.resize(static_cast<size_t>(decodePlainly(text, plain.data())));
+    icu.resize(static_cast<size_t>(decodeWithIcu(text, icu.data())));
     std::string bytes(units.size() * 3, '\0'), icuBytes(units.size() * 3, '\0');
-    bytes.resize(size_t(encodePlainly(units, bytes.data())));
-    icuBytes.resize(size_t(encodeWithIcu(units, icuBytes.data())));
-    const CZeByteArray library = CZeString::fromUtf16(units.data(), int(units.size())).toUtf8();
+    bytes.resize(static_cast<size_t>(encodePlainly(units, bytes.data())));
+    icuBytes.resize(static_cast<size_t>(encodeWithIcu(units, icuBytes.data())));
+    const CZeByteArray library = CZeString::fromUtf16(units.data(), static_cast<int>(units.size())).toUtf8();
     return plain == units && icu == units && bytes == text && icuBytes == text &&
-           text == std::string(library.constData(), size_t(library.size()));
+           text == std::string(library.constData(), static_cast<size_t>(library.size()));
 }
 
 } // namespace
@@ -147,12 +147,12 @@ int main(int argc, char** argv) {
         {"emoji", "\U0001F600\U0001F44D ok \U0001F680\U0001F308\U0001F9E0\U0001F3B5!"},
     };
     for (const auto& [name, sample] : samples) {
-        for (const size_t size : {size_t{1} << 10, size_t{1} << 20}) {
+        for (const size_t size : {1024UL, 1024UL * 1024}) {
             std::string text;
             while (text.size() < size)
                 text += sample;
-            const CZeString string = CZeString::fromUtf8(text.data(), int(text.size()));
-            const std::u16string units(string.utf16(), size_t(string.size()));
+            const CZeString string = CZeString::fromUtf8(text.data(), static_cast<int>(text.size()));
+            const std::u16string units(string.utf16(), static_cast<size_t>(string.size()));
             if (!agree(text, units) || !agreeOnLatin1(string, units)) {
                 std::fprintf(stderr, "%s: not all make the same text\n", name);
                 return 1;
@@ -183,7 +183,8 @@ int main(int argc, char** argv) {
                   }}});
             const std::u16string sameSize =
                 (units + units).substr(0, size / 2); // none has fewer than a third
-            const CZeString latin1Text = CZeString::fromUtf16(sameSize.data(), int(sameSize.size()));
+            const CZeString latin1Text =
+                CZeString::fromUtf16(sameSize.data(), static_cast<int>(sameSize.size()));
             addComparison("to Latin-1" + suffix,
                           [latin1Text] { benchmark::DoNotOptimize(latin1Text.toLatin1().constData()); },
                           {{"plain", [sameSize] {

@@ -10,15 +10,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzInput input(data, size);
     const int number = input.byte();
     const std::string name = input.text(input.byte() % 16), text = input.text();
-    const CZeTextCodec codec(CZeByteArray(name.data(), int(name.size())));
+    const CZeTextCodec codec(CZeByteArray(name.data(), static_cast<int>(name.size())));
     require(codec.mib() == plainMib(name) && codec.isValid() == (codec.mib() != 0));
 
-    const CZeByteArray bytes(text.data(), int(text.size()));
+    const CZeByteArray bytes(text.data(), static_cast<int>(text.size()));
     for (const int mib : {codec.mib(), number}) {
         const CZeString units = CZeTextCodec::decode(mib, bytes.constData(), bytes.size());
         const CZeByteArray back = CZeTextCodec::encode(mib, units);
         if (mib == CZeTextCodec::Latin1)
-            require(units == CZeLatin1String(text.data(), int(text.size())) && back == bytes);
+            require(units == CZeLatin1String(text.data(), static_cast<int>(text.size())) && back == bytes);
         else if (mib == CZeTextCodec::Utf8)
             require(units == CZeString::fromUtf8(bytes) && back == units.toUtf8());
         else

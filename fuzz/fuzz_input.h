@@ -21,12 +21,12 @@ class FuzzInput {
 public:
     FuzzInput(const uint8_t* data, size_t size) : m_next(data), m_end(data + size) {}
 
-    uint8_t byte() { return m_next == m_end ? uint8_t{0} : *m_next++; }
+    uint8_t byte() { return static_cast<uint8_t>(m_next == m_end ? 0 : *m_next++); }
 
     /// Up to `count` bytes.
     std::string text(size_t count = SIZE_MAX) {
         const uint8_t* const first = m_next;
-        m_next += std::min(count, size_t(m_end - m_next));
+        m_next += std::min(count, static_cast<size_t>(m_end - m_next));
         return std::string(first, m_next);
     }
 
@@ -34,7 +34,7 @@ public:
     std::u16string units(size_t count = SIZE_MAX) {
         std::u16string result;
         for (; result.size() < count && m_end - m_next >= 2; m_next += 2)
-            result.push_back(char16_t(m_next[0] | m_next[1] << 8));
+            result.push_back(static_cast<char16_t>(m_next[0] | m_next[1] << 8));
         return result;
     }
 
@@ -44,9 +44,10 @@ private:
 };
 
 inline CZeString toString(const std::u16string& units) {
-    return CZeString::fromUtf16(units.data(), int(units.size()));
+    return CZeString::fromUtf16(units.data(), static_cast<int>(units.size()));
 }
 
 inline bool isSame(const CZeString& text, const std::u16string& units) {
-    return units == std::u16string(reinterpret_cast<const char16_t*>(text.unicode()), size_t(text.size()));
+    return units == std::u16string(reinterpret_cast<const char16_t*>(text.unicode()),
+                                   static_cast<size_t>(text.size()));
 }

@@ -13,7 +13,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ZeSetLogFilter(0);
     const int file = memfd_create("lut", MFD_CLOEXEC);
-    if (file < 0 || write(file, data, size) != ssize_t(size))
+    if (file < 0 || write(file, data, size) != static_cast<ssize_t>(size))
         std::abort();
     const std::string path = "/proc/self/fd/" + std::to_string(file);
     const ze::CLutFileReader reader(CZeString::fromUtf8(path.c_str()));

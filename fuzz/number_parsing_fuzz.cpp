@@ -9,7 +9,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzInput input(data, size);
     const int base = input.byte() % 39 - 1;
     const std::string all = input.text(), inner = withoutSpace(all);
-    const CZeString text = CZeString::fromLatin1(all.data(), int(all.size()));
+    const CZeString text = CZeString::fromLatin1(all.data(), static_cast<int>(all.size()));
 
     long long wide = 0;
     unsigned long long wideUnsigned = 0;
@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         bool ok = !isOk;
         const To value = (text.*parse)(&ok, base);
         isOk = isOk && std::in_range<To>(expected);
-        require(ok == isOk && value == (isOk ? To(expected) : To{0}));
+        require(ok == isOk && value == (isOk ? static_cast<To>(expected) : 0));
     };
     check(&CZeString::toShort, wide, isWide);
     check(&CZeString::toInt, wide, isWide);
@@ -32,6 +32,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     check(&CZeString::toULong, wideUnsigned, isUnsigned);
     check(&CZeString::toULongLong, wideUnsigned, isUnsigned);
     if (isWide && base >= 2 && base <= 36)
-        require(CZeString::number(long(wide), base).toLongLong(nullptr, base) == wide);
+        require(CZeString::number(static_cast<long>(wide), base).toLongLong(nullptr, base) == wide);
     return 0;
 }

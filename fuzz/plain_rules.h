@@ -22,8 +22,8 @@ inline size_t escapeEnd(const std::string& text, size_t at) {
 
 /// `text` with `fill` before it, or for a negative width behind it.
 inline std::string padded(std::string text, int width, char fill) {
-    const int missing = std::max(std::abs(width) - int(text.size()), 0);
-    return text.insert(width > 0 ? 0 : text.size(), size_t(missing), fill);
+    const int missing = std::max(std::abs(width) - static_cast<int>(text.size()), 0);
+    return text.insert(width > 0 ? 0 : text.size(), static_cast<size_t>(missing), fill);
 }
 
 /// What to_chars makes of a number.
@@ -60,13 +60,14 @@ bool isNumber(const std::string& text, Value& value, Read read) {
     char* end = const_cast<char*>(text.c_str());
     errno = 0;
     value = read(text.c_str(), &end);
-    const bool isTiny = std::is_floating_point_v<Value> && value != 0 && !std::isinf(double(value));
+    const bool isTiny =
+        std::is_floating_point_v<Value> && value != 0 && !std::isinf(static_cast<double>(value));
     return !text.empty() && end == text.c_str() + text.size() && (errno == 0 || isTiny);
 }
 
 inline std::u16string folded(std::u16string text, bool ignoreCase) {
     for (char16_t& unit : text)
-        unit = ignoreCase && unit >= u'A' && unit <= u'Z' ? char16_t(unit + 32) : unit;
+        unit = ignoreCase && unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
     return text;
 }
 
@@ -89,7 +90,7 @@ inline int plainMib(std::string name) {
                                                      {"cp819", 4},      {"ibm819", 4},     {"iso-ir-100", 4},
                                                      {"csisolatin1", 4}};
     for (char& c : name)
-        c = char(c >= 'A' && c <= 'Z' ? c + 32 : c);
+        c = static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
     const auto found = kMibs.find(name);
     return found == kMibs.end() ? 0 : found->second;
 }

@@ -5,7 +5,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string all = FuzzInput(data, size).text(), inner = withoutSpace(all);
-    const CZeString text = CZeString::fromLatin1(all.data(), int(all.size()));
+    const CZeString text = CZeString::fromLatin1(all.data(), static_cast<int>(all.size()));
     double real = 0;
     bool isReal = isNumber(inner, real, std::strtod), ok = !isReal;
     const auto same = [](auto l, auto r) { return l == r || (std::isnan(l) && std::isnan(r)); };

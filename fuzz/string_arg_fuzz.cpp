@@ -9,16 +9,17 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     ZeSetLogFilter(0);
     FuzzInput input(data, size);
-    const int width = int8_t(input.byte()), base = 2 + input.byte() % 35, precision = input.byte() % 50;
-    const char fill = char(input.byte());
+    const int width = static_cast<int8_t>(input.byte()), base = 2 + input.byte() % 35,
+              precision = input.byte() % 50;
+    const char fill = static_cast<char>(input.byte());
     const size_t formatIndex = input.byte() % 3;
     const std::string pattern = input.text(input.byte()), given = input.text();
-    const CZeString text = CZeString::fromLatin1(pattern.data(), int(pattern.size()));
+    const CZeString text = CZeString::fromLatin1(pattern.data(), static_cast<int>(pattern.size()));
     const auto check = [&](const CZeString& result, const std::string& argument) {
         const std::string expected = replaceLowest(pattern, padded(argument, width, fill));
-        require(result == CZeLatin1String(expected.data(), int(expected.size())));
+        require(result == CZeLatin1String(expected.data(), static_cast<int>(expected.size())));
     };
-    const CZeLatin1String view(given.data(), int(given.size()));
+    const CZeLatin1String view(given.data(), static_cast<int>(given.size()));
     const CZeString string(view);
     check(text.arg(string, width, CZeChar(fill)), given);
     check(text.arg(CZeStringRef(&string), width, CZeChar(fill)), given);

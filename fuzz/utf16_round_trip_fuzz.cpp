@@ -21,8 +21,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (throughUtf8.rfind(u'\xFEFF', 0) == 0)
         throughUtf8.erase(0, 1); // a byte-order mark
 
-    const CZeString text =
-        CZeString::fromRawData(reinterpret_cast<const CZeChar*>(units.data()), int(units.size()));
+    const CZeString text = CZeString::fromRawData(reinterpret_cast<const CZeChar*>(units.data()),
+                                                  static_cast<int>(units.size()));
     require(isSame(CZeString::fromUtf8(text.toUtf8()), throughUtf8));
     const CZeList<char32_t> codePoints = text.toUcs4();
     require(isSame(CZeString::fromUcs4(codePoints.begin(), codePoints.size()), throughUcs4));

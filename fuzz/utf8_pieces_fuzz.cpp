@@ -7,20 +7,21 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzInput input(data, size);
-    unsigned cuts = input.byte() | unsigned{input.byte()} << 8;
+    unsigned cuts = input.byte() | static_cast<unsigned>(input.byte()) << 8;
     const std::string text = input.text();
     CZeTextCodec::State state;
     CZeString inPieces;
     for (size_t at = 0; at < text.size();) {
         cuts = (cuts * 25173 + 13849) & 0xFFFF;
-        const size_t length = std::min((cuts >> 8) & (0xFFU >> (cuts & 7)), unsigned(text.size() - at));
+        const size_t length =
+            std::min((cuts >> 8) & (0xFFU >> (cuts & 7)), static_cast<unsigned>(text.size() - at));
         // A vector of the exact size, so that a sanitizer sees one byte too many.
         const std::vector<char> piece(text.data() + at, text.data() + at + length);
-        inPieces += CZeTextCodec::decode(CZeTextCodec::Utf8, piece.data(), int(length), &state);
+        inPieces += CZeTextCodec::decode(CZeTextCodec::Utf8, piece.data(), static_cast<int>(length), &state);
         at += length;
     }
     inPieces += CZeTextCodec::finish(state);
-    const CZeString whole = CZeString::fromUtf8(text.data(), int(text.size()));
+    const CZeString whole = CZeString::fromUtf8(text.data(), static_cast<int>(text.size()));
     require(inPieces == whole);
 
     for (int i = 0; i < whole.size(); ++i) {

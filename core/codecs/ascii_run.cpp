@@ -88,7 +88,7 @@ void widen(__m128i text, CZeChar* units) {
 NonAscii widenStep(const char* bytes, CZeChar* units) {
     const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
     widen(text, units);
-    return NonAscii(unsigned(_mm_movemask_epi8(text)));
+    return static_cast<NonAscii>(static_cast<unsigned>(_mm_movemask_epi8(text)));
 }
 
 /// Writes a block when all of it is ASCII.
@@ -112,7 +112,7 @@ NonAscii narrowStep(const CZeChar* units, char* bytes) {
     };
     const __m128i text = _mm_packs_epi16(saturated(_mm_loadu_si128(in)), saturated(_mm_loadu_si128(in + 1)));
     _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), text);
-    return NonAscii(unsigned(_mm_movemask_epi8(text)));
+    return static_cast<NonAscii>(static_cast<unsigned>(_mm_movemask_epi8(text)));
 }
 
 bool narrowBlock(const CZeChar* units, char* bytes) {
@@ -141,7 +141,7 @@ NonAscii widenStep(const char* bytes, CZeChar* units) {
     NonAscii mask = 0;
     for (int i = 0; i < kStep; ++i) {
         units[i] = CZeChar(bytes[i]);
-        mask |= NonAscii{units[i].unicode() >= 0x80} << i;
+        mask |= static_cast<NonAscii>(units[i].unicode() >= 0x80) << i;
     }
     return mask;
 }
@@ -149,7 +149,7 @@ NonAscii widenStep(const char* bytes, CZeChar* units) {
 NonAscii narrowStep(const CZeChar* units, char* bytes) {
     NonAscii mask = 0;
     for (int i = 0; i < kStep; ++i) {
-        mask |= NonAscii{units[i].unicode() >= 0x80} << i;
+        mask |= static_cast<NonAscii>(units[i].unicode() >= 0x80) << i;
         bytes[i] = units[i].toLatin1();
     }
     return mask;

@@ -70,7 +70,7 @@ inline ShortUnits encodeShortUnits(const CZeChar* units) {
         const bool isLong = unit > 0x7F;
         const uint64_t encoded = isLong ? 0x80C0 | unit >> 6 | (unit & 0x3F) << 8 : unit;
         result.encoded[i / 4] |= encoded << 16 * (i % 4);
-        result.lengths |= uint64_t{isLong ? 2U : 1U} << 8 * i;
+        result.lengths |= static_cast<uint64_t>(isLong ? 2U : 1U) << 8 * i;
     }
     return result;
 }

@@ -32,7 +32,7 @@ struct Progress {
     for (int run = 0; bytes <= last;) {
         const char32_t lead = static_cast<unsigned char>(bytes[0]);
         if (lead < 0x80) {
-            *units++ = CZeChar(char16_t(lead));
+            *units++ = CZeChar(static_cast<char16_t>(lead));
             ++bytes;
             if (++run == ze::kRunBeforeCall) [[unlikely]]
                 return {bytes, units};
@@ -42,13 +42,13 @@ struct Progress {
         if (lead < 0xE0) {
             if (lead < 0xC2 || !isTail(bytes[1]))
                 break;
-            *units++ = CZeChar(char16_t((lead & 0x1F) << 6 | tailBits(bytes[1])));
+            *units++ = CZeChar(static_cast<char16_t>((lead & 0x1F) << 6 | tailBits(bytes[1])));
             bytes += 2;
         } else if (lead < 0xF0) {
             const char32_t unit = (lead & 0xF) << 12 | tailBits(bytes[1]) << 6 | tailBits(bytes[2]);
             if (!isTail(bytes[1]) || !isTail(bytes[2]) || unit < 0x800 || (unit >= 0xD800 && unit <= 0xDFFF))
                 break;
-            *units++ = CZeChar(char16_t(unit));
+            *units++ = CZeChar(static_cast<char16_t>(unit));
             bytes += 3;
         } else {
             const char32_t codePoint =
@@ -69,7 +69,7 @@ void decodeWellFormed(const char*& bytes, const char* end, CZeChar*& units) {
     while (end - bytes >= kLongest) {
         if (isAscii(*bytes)) {
             // No byte gives more than one unit, so that there is room.
-            const int count = ze::widenAsciiRun(bytes, int(end - bytes), units);
+            const int count = ze::widenAsciiRun(bytes, static_cast<int>(end - bytes), units);
             bytes += count;
             units += count;
             if (end - bytes < kLongest)
@@ -111,7 +111,7 @@ int ze::Utf8Decoder::decode(const char* bytes, int size, CZeChar* units) {
             ++bytes;
         }
     }
-    return int(units - start);
+    return static_cast<int>(units - start);
 }
 
 int ze::Utf8Decoder::finish(CZeChar* units) {
@@ -139,7 +139,7 @@ CZeChar* ze::Utf8Decoder::put(char32_t codePoint, CZeChar* units) {
     if (std::exchange(m_atStart, false) && codePoint == kByteOrderMark)
         return units;
     if (codePoint < 0x10000) {
-        *units++ = CZeChar(char16_t(codePoint));
+        *units++ = CZeChar(static_cast<char16_t>(codePoint));
         return units;
     }
     *units++ = CZeChar::highSurrogate(codePoint);

@@ -35,7 +35,7 @@ char* ze::encodeUtf8(const CZeChar* units, int count, char* bytes) {
             // much.
             if (end - units > 2 * kShortStep && eightWithout(kBeyondShort, units)) {
                 if (eightWithout(kBeyondAscii, units) && eightWithout(kBeyondAscii, units + kShortStep)) {
-                    const int ascii = narrowAsciiRun(units, int(end - units), bytes);
+                    const int ascii = narrowAsciiRun(units, static_cast<int>(end - units), bytes);
                     units += ascii;
                     bytes += ascii;
                 } else {

@@ -42,9 +42,10 @@ SZeArrayData* SZeArrayData::allocate(size_t elementSize, size_t alignment, size_
         return nullptr;
 
     const auto address = reinterpret_cast<uintptr_t>(memory);
-    const uintptr_t data = (address + kHeaderSize + alignment - 1) & ~(uintptr_t{alignment} - 1);
-    return new (memory) SZeArrayData{options & NonShared ? 0 : 1, 0, uint32_t(size.capacity) & INT32_MAX,
-                                     options & ReserveCapacity ? 1U : 0U, ptrdiff_t(data - address)};
+    const uintptr_t data = (address + kHeaderSize + alignment - 1) & ~(static_cast<uintptr_t>(alignment) - 1);
+    return new (memory)
+        SZeArrayData{options & NonShared ? 0 : 1, 0, static_cast<uint32_t>(size.capacity) & INT32_MAX,
+                     options & ReserveCapacity ? 1U : 0U, static_cast<ptrdiff_t>(data - address)};
 }
 
 SZeArrayData* SZeArrayData::reallocateUnaligned(SZeArrayData* block, size_t elementSize, size_t capacity,
@@ -56,7 +57,7 @@ SZeArrayData* SZeArrayData::reallocateUnaligned(SZeArrayData* block, size_t elem
     auto* const moved = static_cast<SZeArrayData*>(std::realloc(static_cast<void*>(block), size.bytes));
     if (!moved)
         return nullptr;
-    moved->capacity = uint32_t(size.capacity) & INT32_MAX;
+    moved->capacity = static_cast<uint32_t>(size.capacity) & INT32_MAX;
     moved->reserved = options & ReserveCapacity ? 1 : 0;
     return moved;
 }

@@ -47,7 +47,7 @@ struct ZE_EXPORT SZeArrayData {
     /// Adds an owner; static blocks are not counted. False: the block is non-shared, take a copy instead.
     [[nodiscard]] bool acquire() {
         const int32_t owners = refCount.load();
-        if (uint32_t(owners) + 1 >= 2)
+        if (static_cast<uint32_t>(owners) + 1 >= 2)
             refCount.fetch_add(1);
         return owners != 0;
     }
@@ -55,7 +55,7 @@ struct ZE_EXPORT SZeArrayData {
     /// Removes an owner. True: it was the last one, or the only one of a non-shared block; free the block.
     [[nodiscard]] bool release() {
         const int32_t owners = refCount.load();
-        if (uint32_t(owners) + 1 < 2)
+        if (static_cast<uint32_t>(owners) + 1 < 2)
             return owners == 0;
         return refCount.fetch_sub(1) == 1;
     }
@@ -67,7 +67,7 @@ struct ZE_EXPORT SZeArrayData {
     bool isStatic() const { return refCount.load() == -1; }
 
     /// The elements follow the header directly, as in every block that may be resized by `realloc`.
-    bool dataIsInline() const { return dataOffset == ptrdiff_t{sizeof(SZeArrayData)}; }
+    bool dataIsInline() const { return dataOffset == static_cast<ptrdiff_t>(sizeof(SZeArrayData)); }
 
     /// The first element.
     void* data() { return reinterpret_cast<char*>(this) + dataOffset; }

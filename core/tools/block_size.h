@@ -11,6 +11,7 @@ namespace ze {
 
 /// The size of a block to ask the platform for. `bytes` is `kImpossible` when the block cannot exist.
 struct BlockSize {
+    static constexpr size_t kMaxBytes = INT32_MAX;
     static constexpr size_t kImpossible = SIZE_MAX;
 
     size_t bytes;
@@ -19,9 +20,9 @@ struct BlockSize {
 
 /// Bytes of `capacity` elements behind `headerSpace` bytes, or kImpossible above the signed 32-bit range.
 constexpr size_t exactBlockBytes(size_t elementSize, size_t capacity, size_t headerSpace) {
-    if (headerSpace > size_t{INT32_MAX})
+    if (headerSpace > BlockSize::kMaxBytes)
         return BlockSize::kImpossible;
-    if (elementSize != 0 && capacity > (size_t{INT32_MAX} - headerSpace) / elementSize)
+    if (elementSize != 0 && capacity > (BlockSize::kMaxBytes - headerSpace) / elementSize)
         return BlockSize::kImpossible;
     return elementSize * capacity + headerSpace;
 }
@@ -29,8 +30,9 @@ constexpr size_t exactBlockBytes(size_t elementSize, size_t capacity, size_t hea
 /// The next power of two above `bytes`, also when `bytes` is one already; from 2^30 on half the way to 2^31.
 /// `bytes` is at most INT32_MAX; 0 gives 1.
 constexpr size_t roundBlockBytes(size_t bytes) {
-    const size_t power = size_t{1} << std::bit_width(bytes);
-    return power <= size_t{INT32_MAX} ? power : bytes + (power - bytes) / 2;
+    constexpr size_t kOne = 1;
+    const size_t power = kOne << std::bit_width(bytes);
+    return power <= BlockSize::kMaxBytes ? power : bytes + (power - bytes) / 2;
 }
 
 /// The block for `capacity` elements; with `geometric` rounded up, and with the capacity that this yields.

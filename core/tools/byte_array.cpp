@@ -15,7 +15,8 @@ ByteStorage copyBytes(const char* bytes, int size) {
     if (size >= 0)
         return ByteStorage::copyOf(bytes, size);
     const size_t length = std::strlen(bytes);
-    return length > size_t{INT32_MAX} ? ByteStorage() : ByteStorage::copyOf(bytes, int(length));
+    return length > static_cast<size_t>(INT32_MAX) ? ByteStorage()
+                                                   : ByteStorage::copyOf(bytes, static_cast<int>(length));
 }
 
 } // namespace
@@ -32,17 +33,17 @@ CZeByteArray& CZeByteArray::operator=(const char* text) {
         return *this;
     }
     const size_t length = std::strlen(text);
-    if (length >= size_t{INT32_MAX})
+    if (length >= static_cast<size_t>(INT32_MAX))
         return *this;
-    const auto needed = uint32_t(length) + 1;
+    const auto needed = static_cast<uint32_t>(length) + 1;
     const uint32_t capacity = m_array.capacity();
     const bool fits = !m_array.isShared() && needed <= capacity &&
-                      (needed >= capacity / 2 || size_t(m_array.size()) <= length);
+                      (needed >= capacity / 2 || static_cast<size_t>(m_array.size()) <= length);
     if (!fits) {
         constexpr std::less<> before;
         const bool isOwnText = !before(text, begin()) && before(text, end());
         if (isOwnText) {
-            const CZeByteArray copy(text, int(length));
+            const CZeByteArray copy(text, static_cast<int>(length));
             if (!copy.isNull())
                 *this = copy.constData();
             return *this;
@@ -51,7 +52,7 @@ CZeByteArray& CZeByteArray::operator=(const char* text) {
             return *this;
     }
     std::memmove(m_array.units(), text, needed);
-    m_array.setSize(int(length));
+    m_array.setSize(static_cast<int>(length));
     return *this;
 }
 
@@ -73,12 +74,12 @@ CZeByteArray& CZeByteArray::setNum(double value, char format, int precision) {
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
     const int length = std::snprintf(text, sizeof text, pattern, value);
 #pragma GCC diagnostic pop
-    m_array = ByteStorage::copyOf(text, std::min(length, int(sizeof text) - 1));
+    m_array = ByteStorage::copyOf(text, std::min(length, static_cast<int>(sizeof text) - 1));
     return *this;
 }
 
 int CZeByteArray::compare(const CZeByteArray& left, const CZeByteArray& right) {
     const int common = std::min(left.size(), right.size());
-    const int order = std::memcmp(left.constData(), right.constData(), size_t(common));
+    const int order = std::memcmp(left.constData(), right.constData(), static_cast<size_t>(common));
     return order != 0 ? order : left.size() - right.size();
 }

@@ -33,7 +33,7 @@ public:
     int size() const { return m_array.size(); }
     int length() const { return m_array.size(); }
     /// Bytes that fit into the block, terminator included; 0 for null, empty and wrapped arrays.
-    int capacity() const { return int(m_array.capacity()); }
+    int capacity() const { return static_cast<int>(m_array.capacity()); }
     /// There are no bytes.
     bool isEmpty() const { return m_array.size() == 0; }
     /// The array was never given contents.

@@ -10,7 +10,8 @@ public:
     /// The null view.
     constexpr CZeLatin1String() = default;
     /// Up to the terminating zero; a null pointer gives the null view.
-    explicit CZeLatin1String(const char* text) : m_data(text), m_size(text ? int(std::strlen(text)) : 0) {}
+    explicit CZeLatin1String(const char* text)
+        : m_data(text), m_size(text ? static_cast<int>(std::strlen(text)) : 0) {}
     /// `size` characters, at least 0.
     constexpr CZeLatin1String(const char* text, int size) : m_data(text), m_size(size) {}
 

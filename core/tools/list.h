@@ -75,7 +75,7 @@ private:
 
     /// A private block with room for one more element.
     bool makeRoom() {
-        const size_t needed = size_t(m_block->size) + 1;
+        const size_t needed = static_cast<size_t>(m_block->size) + 1;
         const bool isPrivate = !m_block->isShared() && !m_block->isStatic();
         if (isPrivate && needed <= m_block->capacity)
             return true;

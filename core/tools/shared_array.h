@@ -32,7 +32,7 @@ constexpr Cut cutRange(int length, int& position, int& count) {
             return Cut::Null;
         count += position;
         position = 0;
-    } else if (unsigned(count) > unsigned(length - position)) {
+    } else if (static_cast<unsigned>(count) > static_cast<unsigned>(length - position)) {
         count = length - position;
     }
     if (position == 0 && count == length)
@@ -71,7 +71,8 @@ public:
     /// `count` units for the caller to fill, in a block of exactly that many and the terminator.
     static SharedArray uninitialized(int count) {
         count = std::max(count, 0);
-        SZeArrayData* const block = SZeArrayData::allocate(sizeof(Unit), kAlignment, size_t(count) + 1, 0);
+        SZeArrayData* const block =
+            SZeArrayData::allocate(sizeof(Unit), kAlignment, static_cast<size_t>(count) + 1, 0);
         if (!block)
             return {};
         SharedArray array = adopt(block);
@@ -85,7 +86,7 @@ public:
             return empty();
         SharedArray array = uninitialized(count);
         if (array.size() == count)
-            std::memcpy(array.units(), units, size_t(count) * sizeof(Unit));
+            std::memcpy(array.units(), units, static_cast<size_t>(count) * sizeof(Unit));
         return array;
     }
 
@@ -106,7 +107,7 @@ public:
             return {};
         block->size = count;
         block->dataOffset =
-            ptrdiff_t(reinterpret_cast<uintptr_t>(units) - reinterpret_cast<uintptr_t>(block));
+            static_cast<ptrdiff_t>(reinterpret_cast<uintptr_t>(units) - reinterpret_cast<uintptr_t>(block));
         return adopt(block);
     }
 
@@ -132,7 +133,8 @@ public:
 
     /// Makes the units writable, by a private copy where they are shared or foreign.
     bool detach() {
-        return isExclusive() || m_block->isStatic() || reallocData(uint32_t(size()) + 1, keptOptions());
+        return isExclusive() || m_block->isStatic() ||
+               reallocData(static_cast<uint32_t>(size()) + 1, keptOptions());
     }
 
     /// Gives the array a private block of `capacity` units, terminator included, made with `options`. The
@@ -140,7 +142,7 @@ public:
     bool reallocData(uint32_t capacity, int options) {
         if (capacity == 0)
             return *this = empty(), true;
-        const int kept = int(std::min<uint32_t>(uint32_t(size()), capacity - 1));
+        const int kept = static_cast<int>(std::min<uint32_t>(static_cast<uint32_t>(size()), capacity - 1));
         if (isExclusive()) {
             SZeArrayData* const block =
                 SZeArrayData::reallocateUnaligned(m_block, sizeof(Unit), capacity, options);
@@ -155,7 +157,7 @@ public:
         if (!block)
             return false;
         SharedArray fresh = adopt(block);
-        std::memcpy(fresh.units(), std::as_const(*this).units(), size_t(kept) * sizeof(Unit));
+        std::memcpy(fresh.units(), std::as_const(*this).units(), static_cast<size_t>(kept) * sizeof(Unit));
         fresh.setSize(kept);
         std::swap(m_block, fresh.m_block);
         return true;
@@ -165,7 +167,7 @@ public:
     /// size falls below half of its capacity and none was reserved.
     bool resize(int count) {
         count = std::max(count, 0);
-        const uint32_t needed = uint32_t(count) + 1;
+        const uint32_t needed = static_cast<uint32_t>(count) + 1;
         if (wrapsForeignMemory() && !isShared() && count < size()) {
             m_block->size = count; // the foreign memory gets no terminator
             return true;
@@ -194,7 +196,8 @@ public:
     /// `count` is below 1 or the block is shared or has no room for them.
     Unit* extend(int count) {
         const int oldSize = size();
-        if (count < 1 || uint32_t(oldSize) + uint32_t(count) >= capacity() || isShared())
+        if (count < 1 || static_cast<uint32_t>(oldSize) + static_cast<uint32_t>(count) >= capacity() ||
+            isShared())
             return nullptr;
         setSize(oldSize + count);
         return units() + oldSize;

@@ -54,15 +54,16 @@ ArgEscapes findLowestEscapes(ze::Utf16View text) {
 /// `text` with `argument` in place of its lowest escapes.
 CZeString replaceEscapes(ze::Utf16View text, const ArgEscapes& escapes, ze::Utf16View argument,
                          int fieldWidth, CZeChar fill) {
-    const int64_t width = std::max(std::abs(int64_t{fieldWidth}), int64_t{argument.count});
+    const int64_t width =
+        std::max(std::abs(static_cast<int64_t>(fieldWidth)), static_cast<int64_t>(argument.count));
     const int64_t length = text.count - escapes.totalLength + escapes.occurrences * width;
     if (length > INT32_MAX)
         return {};
-    CZeString result(int(length), Ze::Uninitialized);
+    CZeString result(static_cast<int>(length), Ze::Uninitialized);
     if (result.size() != length)
         return {};
 
-    const auto padding = size_t(width - argument.count);
+    const auto padding = static_cast<size_t>(width - argument.count);
     CZeChar* out = result.data();
     int copied = 0;
     for (Escape e = findEscape(text, 0); e.length != 0; e = findEscape(text, e.position + e.length)) {

@@ -38,10 +38,10 @@ constexpr const char* htmlEscape(CZeChar unit) {
 CZeString CZeString::repeated(int times) const {
     if (isEmpty() || times == 1)
         return *this;
-    const int64_t length = int64_t{size()} * std::max(times, 0);
+    const int64_t length = static_cast<int64_t>(size()) * std::max(times, 0);
     if (length > INT32_MAX)
         return {};
-    CZeString result(int(length), Ze::Uninitialized);
+    CZeString result(static_cast<int>(length), Ze::Uninitialized);
     if (result.size() != length)
         return {};
     CZeChar* out = result.data();
@@ -66,11 +66,12 @@ CZeString CZeString::toHtmlEscaped() const {
     int64_t length = size();
     for (const CZeChar unit : *this)
         if (const char* const escape = htmlEscape(unit))
-            length += int64_t(std::strlen(escape)) - 1;
+            length += static_cast<int64_t>(std::strlen(escape)) - 1;
     if (length == size())
         return *this;
     CZeString result;
-    if (length > INT32_MAX || (result = CZeString(int(length), Ze::Uninitialized)).size() != length)
+    if (length > INT32_MAX ||
+        (result = CZeString(static_cast<int>(length), Ze::Uninitialized)).size() != length)
         return {};
     CZeChar* out = result.data();
     for (const CZeChar unit : *this)

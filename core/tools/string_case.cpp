@@ -25,12 +25,13 @@ Case upperCase() {
 
 char32_t mapped(char32_t codePoint, const Case& to) {
     if (codePoint < 0x80)
-        return codePoint - to.firstLetter < 26 ? codePoint + char32_t(to.asciiDistance) : codePoint;
+        return codePoint - to.firstLetter < 26 ? codePoint + static_cast<char32_t>(to.asciiDistance)
+                                               : codePoint;
     const auto run = std::lower_bound(to.runs.begin(), to.runs.end(), codePoint,
                                       [](const ze::CaseRun& r, char32_t value) { return r.last < value; });
     const bool isMoved = run != to.runs.end() && codePoint >= run->first &&
-                         (codePoint - run->first) % char32_t(run->step) == 0;
-    return isMoved ? codePoint + char32_t(run->distance) : codePoint;
+                         (codePoint - run->first) % static_cast<char32_t>(run->step) == 0;
+    return isMoved ? codePoint + static_cast<char32_t>(run->distance) : codePoint;
 }
 
 /// Whether a surrogate pair stands at `unit`.
@@ -58,7 +59,7 @@ void mapUnits(CZeChar* unit, CZeChar* end, const Case& to) {
             *unit++ = CZeChar::highSurrogate(codePoint);
             *unit = CZeChar::lowSurrogate(codePoint);
         } else {
-            *unit = CZeChar(char16_t(mapped(unit->unicode(), to)));
+            *unit = CZeChar(static_cast<char16_t>(mapped(unit->unicode(), to)));
         }
     }
 }

@@ -13,7 +13,7 @@ ze::Utf16View trimmedRange(const CZeString& text) {
     const CZeChar* const first = std::find_if(text.begin(), text.end(), isNoSpace);
     const auto last =
         std::find_if(std::make_reverse_iterator(text.end()), std::make_reverse_iterator(first), isNoSpace);
-    return {first, int(last.base() - first)};
+    return {first, static_cast<int>(last.base() - first)};
 }
 
 /// Writes `text`, every run of white space as one space, to `out`, which may be the text's own memory.
@@ -27,7 +27,7 @@ int collapse(ze::Utf16View text, CZeChar* out) {
             *out++ = isSpace ? CZeChar(' ') : *unit;
         isInRun = isSpace;
     }
-    return int(out - start);
+    return static_cast<int>(out - start);
 }
 
 } // namespace

@@ -46,7 +46,7 @@ int compareFolded(Left left, Right right) {
         return -1;
     const int common = std::min(leftSize, rightSize);
     for (int i = 0; i < common; ++i) {
-        const auto difference = int(foldedAt(left, i)) - int(foldedAt(right, i));
+        const auto difference = static_cast<int>(foldedAt(left, i)) - static_cast<int>(foldedAt(right, i));
         if (difference != 0)
             return difference;
     }
@@ -88,5 +88,5 @@ int CZeStringRef::compare(const CZeStringRef& other, Ze::CaseSensitivity cs) con
 
 bool CZeString::isEqual(const CZeString& other) const {
     return size() == other.size() &&
-           std::memcmp(unicode(), other.unicode(), size_t(size()) * sizeof(CZeChar)) == 0;
+           std::memcmp(unicode(), other.unicode(), static_cast<size_t>(size()) * sizeof(CZeChar)) == 0;
 }

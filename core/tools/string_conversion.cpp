@@ -20,13 +20,13 @@ void forEachCodePoint(const CZeString& text, Take take) {
             take(CZeChar::codePoint(unit[0], unit[1]));
             ++unit;
         } else {
-            take(char32_t{unit->unicode()});
+            take(static_cast<char32_t>(unit->unicode()));
         }
     }
 }
 
 constexpr bool isSurrogate(char32_t codePoint) {
-    return (codePoint & ~char32_t{0x7FF}) == 0xD800;
+    return (codePoint & 0xFFFFF800U) == 0xD800;
 }
 
 /// What a string without units converts to.
@@ -89,7 +89,7 @@ CZeString CZeString::fromUcs4(const char32_t* codePoints, int size) {
         length += codePoints[i] >= 0x10000 && codePoints[i] <= 0x10FFFF;
     if (length > INT32_MAX)
         return {};
-    CZeString result(int(length), Ze::Uninitialized);
+    CZeString result(static_cast<int>(length), Ze::Uninitialized);
     if (result.size() != length)
         return {};
     CZeChar* out = result.m_array.units();
@@ -98,7 +98,7 @@ CZeString CZeString::fromUcs4(const char32_t* codePoints, int size) {
         if (codePoint > 0x10FFFF || isSurrogate(codePoint)) {
             *out++ = CZeChar(CZeChar::Replacement);
         } else if (codePoint < 0x10000) {
-            *out++ = CZeChar(char16_t(codePoint));
+            *out++ = CZeChar(static_cast<char16_t>(codePoint));
         } else {
             *out++ = CZeChar::highSurrogate(codePoint);
             *out++ = CZeChar::lowSurrogate(codePoint);
@@ -123,7 +123,7 @@ CZeByteArray CZeString::toLatin1_helper_inplace(CZeString& text) {
     const int size = text.size();
     SZeArrayData* const block = text.m_array.take();
     ze::narrowToLatin1(static_cast<const CZeChar*>(block->data()), size, static_cast<char*>(block->data()));
-    block->capacity = block->capacity * uint32_t{sizeof(CZeChar)} & INT32_MAX;
+    block->capacity = block->capacity * static_cast<uint32_t>(sizeof(CZeChar)) & INT32_MAX;
     CZeByteArray result(ze::SharedArray<char>::adopt(block));
     result.m_array.setSize(size);
     return result;
@@ -144,19 +144,20 @@ CZeByteArray CZeString::toUtf8_helper(const CZeString& text) {
 
     // At the first unit that takes more, the rest gets the room that it can need at most.
     const int rest = size - done;
-    int64_t room = done + int64_t{rest} * 3;
+    int64_t room = done + static_cast<int64_t>(rest) * 3;
     if (room >= INT32_MAX)
         room = done + ze::utf8Length(units + done, rest);
     if (room > INT32_MAX)
         return {};
-    CZeByteArray result(int(room), Ze::Uninitialized);
+    CZeByteArray result(static_cast<int>(room), Ze::Uninitialized);
     if (result.isNull())
         return {};
     char* const bytes = result.m_array.units();
-    std::memcpy(bytes, ascii.constData(), size_t(done));
+    std::memcpy(bytes, ascii.constData(), static_cast<size_t>(done));
     const auto written = ze::encodeUtf8(units + done, rest, bytes + done) - bytes;
-    result.m_array.setSize(int(written));
-    result.m_array.reallocData(uint32_t(written) + 1, 0); // gives back the rest; all is well if it cannot
+    result.m_array.setSize(static_cast<int>(written));
+    result.m_array.reallocData(static_cast<uint32_t>(written) + 1,
+                               0); // gives back the rest; all is well if it cannot
     return result;
 }
 
@@ -164,7 +165,7 @@ CZeList<char32_t> CZeString::toUcs4_helper(const CZeString& text) {
     CZeList<char32_t> result;
     int codePoints = 0;
     forEachCodePoint(text, [&](char32_t codePoint) {
-        result.append(isSurrogate(codePoint) ? char32_t{CZeChar::Replacement} : codePoint);
+        result.append(isSurrogate(codePoint) ? static_cast<char32_t>(CZeChar::Replacement) : codePoint);
         ++codePoints;
     });
     return result.size() == codePoints ? result : CZeList<char32_t>();

@@ -34,7 +34,7 @@ bool clampRange(int size, int& position, int& count) {
 /// is no memory.
 CZeChar* CZeString::openGap(int position, int size) {
     const int oldSize = this->size();
-    const uint32_t newSize = uint32_t(std::max(position, oldSize)) + uint32_t(size);
+    const uint32_t newSize = static_cast<uint32_t>(std::max(position, oldSize)) + static_cast<uint32_t>(size);
     const uint32_t needed = newSize + 1; // two sizes fit even when no block can
     if (m_array.isShared() || needed > m_array.capacity()) {
         const int options = SZeArrayData::GrowGeometric | m_array.keptOptions();
@@ -43,10 +43,10 @@ CZeChar* CZeString::openGap(int position, int size) {
     }
     CZeChar* const gap = m_array.units() + position;
     if (position < oldSize)
-        std::memmove(gap + size, gap, size_t(oldSize - position) * sizeof(CZeChar));
+        std::memmove(gap + size, gap, static_cast<size_t>(oldSize - position) * sizeof(CZeChar));
     else
         std::fill(m_array.units() + oldSize, gap, CZeChar(' '));
-    m_array.setSize(int(newSize));
+    m_array.setSize(static_cast<int>(newSize));
     return gap;
 }
 
@@ -54,12 +54,12 @@ CZeString& CZeString::insert(int position, const CZeChar* units, int size) {
     if (position < 0 || !units || size < 1)
         return *this;
     const bool isOwn = liesIn(*this, units);
-    const int offset = isOwn ? int(units - begin()) : 0;
+    const int offset = isOwn ? static_cast<int>(units - begin()) : 0;
     CZeChar* const gap = openGap(position, size);
     if (!gap)
         return *this;
     if (!isOwn) {
-        std::memcpy(gap, units, size_t(size) * sizeof(CZeChar));
+        std::memcpy(gap, units, static_cast<size_t>(size) * sizeof(CZeChar));
         return *this;
     }
     // Own units have moved with the block, and those from `position` on by the gap as well.
@@ -106,7 +106,7 @@ CZeString& CZeString::remove(int position, int count) {
         CZeChar* const units = data();
         if (!units)
             return *this;
-        std::memmove(units + position, units + position + count, size_t(tail) * sizeof(CZeChar));
+        std::memmove(units + position, units + position + count, static_cast<size_t>(tail) * sizeof(CZeChar));
     }
     resize(position + tail);
     return *this;
@@ -154,7 +154,7 @@ CZeString& CZeString::replace_helper(const CZeChar* before, int beforeSize, cons
         return *this;
 
     // The text first moves to the end of the room, so that what is written never overtakes what is read.
-    const int lead = std::max(int(newSize) - oldSize, 0);
+    const int lead = std::max(static_cast<int>(newSize) - oldSize, 0);
     CZeChar* const units = lead > 0 ? openGap(0, lead) : data();
     if (!units)
         return *this;
@@ -168,6 +168,6 @@ CZeString& CZeString::replace_helper(const CZeChar* before, int beforeSize, cons
         copied = at + beforeSize;
     }
     std::copy(old.units + copied, old.units + oldSize, out);
-    resize(int(newSize));
+    resize(static_cast<int>(newSize));
     return *this;
 }

@@ -18,7 +18,7 @@ CZeString formatInteger(unsigned long magnitude, bool isNegative, int base) {
     } while (magnitude != 0);
     if (isNegative)
         *--first = '-';
-    return CZeString::fromLatin1(first, int(end - first));
+    return CZeString::fromLatin1(first, static_cast<int>(end - first));
 }
 
 } // namespace

@@ -49,7 +49,7 @@ Narrow narrow(bool isRead, Wide value, bool* ok) {
     const bool isOk = isRead && std::in_range<Narrow>(value);
     if (ok)
         *ok = isOk;
-    return isOk ? Narrow(value) : Narrow{0};
+    return isOk ? static_cast<Narrow>(value) : 0;
 }
 
 template <class Narrow>

@@ -31,7 +31,7 @@ int ze::findForward(Utf16View haystack, int from, Utf16View needle, Ze::CaseSens
         cs == Ze::CaseSensitive
             ? find([](CZeChar l, CZeChar r) { return l == r; })
             : find([](CZeChar l, CZeChar r) { return foldAscii(l.unicode()) == foldAscii(r.unicode()); });
-    return found == end && needle.count != 0 ? -1 : int(found - haystack.units);
+    return found == end && needle.count != 0 ? -1 : static_cast<int>(found - haystack.units);
 }
 
 int ze::findBackward(Utf16View haystack, int from, Utf16View needle, Ze::CaseSensitivity cs) {

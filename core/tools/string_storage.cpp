@@ -50,7 +50,7 @@ void CZeString::resize(int size, CZeChar fill) {
 }
 
 void CZeString::reserve(int size) {
-    const uint32_t needed = uint32_t(std::max(size, this->size())) + 1;
+    const uint32_t needed = static_cast<uint32_t>(std::max(size, this->size())) + 1;
     m_array.reallocData(std::max(needed, m_array.capacity()), SZeArrayData::ReserveCapacity);
 }
 

@@ -42,7 +42,7 @@ inline char16_t unitAt(CZeLatin1String text, int index) {
 
 /// A to Z as a to z. No other letter has a counterpart wherever case is ignored.
 constexpr char16_t foldAscii(char16_t unit) {
-    return unit >= u'A' && unit <= u'Z' ? char16_t(unit + 32) : unit;
+    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
 }
 
 } // namespace ze

@@ -56,7 +56,7 @@ public:
     /// The code point of a surrogate pair.
     static constexpr char32_t codePoint(CZeChar high, CZeChar low) {
         constexpr char32_t kOffset = 0xD800U * 1024 + 0xDC00 - 0x10000;
-        return high.m_unit * char32_t{1024} + low.m_unit - kOffset;
+        return high.m_unit * 1024U + low.m_unit - kOffset;
     }
     /// The first half of the surrogate pair of a code point above U+FFFF.
     static constexpr CZeChar highSurrogate(char32_t codePoint) {

@@ -68,7 +68,7 @@ public:
     int size() const { return m_array.size(); }
     int length() const { return m_array.size(); }
     /// Units that fit into the block, terminator included; 0 for null, empty and wrapping strings.
-    int capacity() const { return int(m_array.capacity()); }
+    int capacity() const { return static_cast<int>(m_array.capacity()); }
     /// There are no units.
     bool isEmpty() const { return m_array.size() == 0; }
     /// The string was never given contents.
@@ -163,7 +163,7 @@ public:
         CZeChar* const room = units ? m_array.extend(size) : nullptr;
         if (!room)
             return insert(this->size(), units, size);
-        std::memcpy(room, units, size_t(size) * sizeof(CZeChar));
+        std::memcpy(room, units, static_cast<size_t>(size) * sizeof(CZeChar));
         return *this;
     }
     CZeString& append(const CZeStringRef& text) { return insert(size(), text); }
@@ -350,7 +350,7 @@ public:
 
     /// Replaces the contents by the number: lower-case digits in bases 2 to 36, any other base counts as 10;
     /// a minus sign in every base.
-    CZeString& setNum(int value, int base = 10) { return setNum(long{value}, base); }
+    CZeString& setNum(int value, int base = 10) { return setNum(static_cast<long>(value), base); }
     CZeString& setNum(unsigned int value, int base = 10) {
         return setNum(static_cast<unsigned long>(value), base);
     }
@@ -360,7 +360,7 @@ public:
     CZeString& setNum(double value, char format = 'g', int precision = 6);
 
     /// The number as `setNum` writes it.
-    static CZeString number(int value, int base = 10) { return number(long{value}, base); }
+    static CZeString number(int value, int base = 10) { return number(static_cast<long>(value), base); }
     static CZeString number(unsigned int value, int base = 10) {
         return number(static_cast<unsigned long>(value), base);
     }
@@ -394,7 +394,7 @@ public:
     CZeString arg(long argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const;
     CZeString arg(unsigned long argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const;
     CZeString arg(int argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const {
-        return arg(long{argument}, fieldWidth, base, fill);
+        return arg(static_cast<long>(argument), fieldWidth, base, fill);
     }
     CZeString arg(unsigned int argument, int fieldWidth = 0, int base = 10, CZeChar fill = ' ') const {
         return arg(static_cast<unsigned long>(argument), fieldWidth, base, fill);

@@ -59,7 +59,8 @@ TEST(ArrayData, AllocateFillsTheHeader) {
         EXPECT_TRUE(block->refCount == row.refCount && block->size == 0 && block->capacity == row.stored &&
                     block->reserved == row.reserved);
         EXPECT_EQ(reinterpret_cast<uintptr_t>(block->data()) % row.alignment, 0U);
-        EXPECT_TRUE(row.alignment > 8 ? block->dataOffset >= ptrdiff_t{kHeader} : block->dataIsInline());
+        EXPECT_TRUE(row.alignment > 8 ? block->dataOffset >= static_cast<ptrdiff_t>(kHeader)
+                                      : block->dataIsInline());
         std::memset(block->data(), 0x66, block->capacity * row.elementSize);
         D::deallocate(block, row.elementSize, row.alignment);
     }
@@ -79,8 +80,7 @@ TEST(ArrayData, WithoutCapacityThereIsNothingToAllocate) {
 }
 
 TEST(ArrayData, ReallocateKeepsWhatItDoesNotSet) {
-    EXPECT_FALSE(SZeArrayData::allocate(2, 8, kMax / 2, 0) ||
-                 SZeArrayData::allocate(1, size_t{1} << 40, 1, 0));
+    EXPECT_FALSE(SZeArrayData::allocate(2, 8, kMax / 2, 0) || SZeArrayData::allocate(1, 1UL << 40, 1, 0));
     SZeArrayData* block = SZeArrayData::allocate(2, 8, 4, SZeArrayData::NonShared);
     block->size = 3;
     std::memcpy(block->data(), "abcdef", 6);

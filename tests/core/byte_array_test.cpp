@@ -28,7 +28,7 @@ TEST(ByteArray, TellsNullFromEmpty) {
 CZeByteArray letters(int size) {
     CZeByteArray array(size, Ze::Uninitialized);
     for (int i = 0; i < size; ++i)
-        array[i] = char('a' + i % 26);
+        array[i] = static_cast<char>('a' + i % 26);
     return array;
 }
 
@@ -96,7 +96,7 @@ TEST(ByteArray, AssigningTextReusesABlockThatFitsWell) {
     };
     for (const auto& row : rows) {
         CZeByteArray array = letters(row.size);
-        array.reallocData(uint32_t(row.capacity), row.reserved);
+        array.reallocData(static_cast<uint32_t>(row.capacity), row.reserved);
         const CZeByteArray source = letters(row.length);
         array = source.constData();
         EXPECT_TRUE(array == source && array.capacity() == row.newCapacity) << "row " << &row - rows;

@@ -48,20 +48,20 @@ std::u16string decodedByIcu(const std::string& bytes) {
     std::u16string units(bytes.size() + 1, u'\0');
     int32_t size = 0;
     UErrorCode error = U_ZERO_ERROR;
-    u_strFromUTF8WithSub(units.data(), int32_t(units.size()), &size, bytes.data() + 3 * hasMark,
-                         int32_t(bytes.size()) - 3 * hasMark, 0xFFFD, nullptr, &error);
+    u_strFromUTF8WithSub(units.data(), static_cast<int32_t>(units.size()), &size, bytes.data() + 3 * hasMark,
+                         static_cast<int32_t>(bytes.size()) - 3 * hasMark, 0xFFFD, nullptr, &error);
     EXPECT_TRUE(U_SUCCESS(error));
-    return units.substr(0, size_t(size));
+    return units.substr(0, static_cast<size_t>(size));
 }
 
 std::string encodedByIcu(const std::u16string& units) {
     std::string bytes(units.size() * 3 + 1, '\0');
     int32_t size = 0;
     UErrorCode error = U_ZERO_ERROR;
-    u_strToUTF8WithSub(bytes.data(), int32_t(bytes.size()), &size, units.data(), int32_t(units.size()), '?',
-                       nullptr, &error);
+    u_strToUTF8WithSub(bytes.data(), static_cast<int32_t>(bytes.size()), &size, units.data(),
+                       static_cast<int32_t>(units.size()), '?', nullptr, &error);
     EXPECT_TRUE(U_SUCCESS(error));
-    return bytes.substr(0, size_t(size));
+    return bytes.substr(0, static_cast<size_t>(size));
 }
 
 /// Decodes the two pieces beside `cut`, each out of and into blocks of exactly the size that is to suffice.
@@ -70,7 +70,7 @@ std::u16string decodedInPieces(ze::Utf8Decoder& decoder, const std::string& byte
     for (const std::string& piece : {bytes.substr(0, cut), bytes.substr(cut)}) {
         const std::vector<char> in(piece.begin(), piece.end());
         std::vector<CZeChar> out(in.size() + 1);
-        out.resize(size_t(decoder.decode(in.data(), int(in.size()), out.data())));
+        out.resize(static_cast<size_t>(decoder.decode(in.data(), static_cast<int>(in.size()), out.data())));
         for (const CZeChar unit : out)
             all += unit.unicode();
     }
@@ -122,9 +122,9 @@ TEST(TextCodec, AgreesWithIcuAlsoInPieces) {
             input += runs[below(valid)];
             units += decodedByIcu(runs[below(7)]) + more[below(std::size(more))];
         }
-        const CZeString whole = CZeTextCodec::decode(106, input.data(), int(input.size()));
+        const CZeString whole = CZeTextCodec::decode(106, input.data(), static_cast<int>(input.size()));
         const std::u16string expected = decodedByIcu(input);
-        ASSERT_EQ(whole, CZeString::fromUtf16(expected.data(), int(expected.size()))) << round;
+        ASSERT_EQ(whole, CZeString::fromUtf16(expected.data(), static_cast<int>(expected.size()))) << round;
         ASSERT_EQ(*whole.end(), CZeChar());
 
         CZeTextCodec::State state;
@@ -132,12 +132,12 @@ TEST(TextCodec, AgreesWithIcuAlsoInPieces) {
         for (size_t start = 0; start < input.size();) {
             const size_t size = std::min(below(40), input.size() - start);
             const std::vector<char> piece(input.data() + start, input.data() + start + size);
-            joined.append(CZeTextCodec::decode(106, piece.data(), int(size), &state));
+            joined.append(CZeTextCodec::decode(106, piece.data(), static_cast<int>(size), &state));
             start += size;
         }
         ASSERT_EQ(joined.append(CZeTextCodec::finish(state)), whole) << round;
 
-        const CZeString string = CZeString::fromUtf16(units.data(), int(units.size()));
+        const CZeString string = CZeString::fromUtf16(units.data(), static_cast<int>(units.size()));
         ASSERT_EQ(bytes(string.toUtf8()), encodedByIcu(units)) << round;
         ASSERT_EQ(ze::utf8Length(string.unicode(), string.size()), string.toUtf8().size());
     }

@@ -24,12 +24,12 @@ TEST(Sharing, CopiesLiveOnDifferentThreads) {
                 CZeString s = string;
                 CZeByteArray b = array;
                 CZeStringList l = list;
-                s.append(CZeChar(char('a' + t)));
-                b[0] = char('a' + t);
+                s.append(CZeChar(static_cast<char>('a' + t)));
+                b[0] = static_cast<char>('a' + t);
                 l.append(s);
-                failures[size_t(t)] += s.size() != string.size() + 1 || s.at(s.size() - 1) != char('a' + t) ||
-                                       b[0] != char('a' + t) || array[0] != 'o' ||
-                                       l.size() != list.size() + 1;
+                failures[static_cast<size_t>(t)] +=
+                    s.size() != string.size() + 1 || s.at(s.size() - 1) != static_cast<char>('a' + t) ||
+                    b[0] != static_cast<char>('a' + t) || array[0] != 'o' || l.size() != list.size() + 1;
             }
         });
     }

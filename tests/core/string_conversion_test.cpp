@@ -13,7 +13,7 @@ TEST(Utf8, EveryCodePointComesBack) {
     for (char32_t codePoint = 0; codePoint <= 0x10FFFF; ++codePoint)
         if (codePoint < 0xD800 || codePoint > 0xDFFF)
             all.push_back(codePoint);
-    const CZeString string = CZeString::fromUcs4(all.data(), int(all.size()));
+    const CZeString string = CZeString::fromUcs4(all.data(), static_cast<int>(all.size()));
     EXPECT_EQ(string.size(), 0x10000 - 0x800 + 2 * 0x100000);
     const CZeByteArray encoded = string.toUtf8();
     EXPECT_EQ(encoded.size(), 0x80 + 2 * 0x780 + 3 * (0xF800 - 0x800) + 4 * 0x100000);
@@ -39,12 +39,12 @@ TEST(Latin1, SixteenAtAStepIsTheUnitRule) {
             for (int i = 0; i < size; ++i) {
                 constexpr char16_t kTooHigh[] = {0x100, 0x7FFF, 0x8000, 0xFFFF};
                 units.push_back(i == odd ? CZeChar(kTooHigh[size % 4]) : CZeChar((0xFF - 37 * i) & 0xFF));
-                narrow += i == odd ? '?' : char(0xFF - 37 * i);
+                narrow += i == odd ? '?' : static_cast<char>(0xFF - 37 * i);
             }
             CZeString string(units.data(), size); // a block of exactly this size
             EXPECT_EQ(bytes(string.toLatin1()), narrow);
             for (const CZeChar unit : CZeString::fromLatin1(narrow.data(), size))
-                widened += char(unit.unicode());
+                widened += static_cast<char>(unit.unicode());
             EXPECT_EQ(widened, narrow);
             EXPECT_EQ(bytes(std::move(string).toLatin1()), narrow);
         }

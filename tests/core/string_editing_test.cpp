@@ -41,9 +41,10 @@ TEST(StringSearch, FollowsAPlainModel) {
                 EXPECT_EQ(string.endsWith(needle, cs), all.ends_with(part));
                 for (int from = -6; from <= 6; ++from) {
                     const int start = from < 0 ? from + string.size() : from;
-                    const int last = start < 0 ? -1 : int(all.rfind(part, size_t(start)));
+                    const int last =
+                        start < 0 ? -1 : static_cast<int>(all.rfind(part, static_cast<size_t>(start)));
                     EXPECT_EQ(string.indexOf(needle, from, cs),
-                              int(all.find(part, size_t(std::max(start, 0)))));
+                              static_cast<int>(all.find(part, static_cast<size_t>(std::max(start, 0)))));
                     EXPECT_EQ(string.lastIndexOf(needle, from, cs), last) << from;
                 }
             }

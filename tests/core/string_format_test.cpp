@@ -56,7 +56,7 @@ TEST(Number, ReadsIntegers) {
                              wide = value]<class Number>(Number (CZeString::*member)(bool*, int) const) {
             const bool fits = isOk && std::in_range<Number>(wide);
             bool ok = !fits;
-            EXPECT_EQ((s.*member)(&ok, radix), fits ? Number(wide) : 0) << utf8(s);
+            EXPECT_EQ((s.*member)(&ok, radix), fits ? static_cast<Number>(wide) : 0) << utf8(s);
             EXPECT_EQ(ok, fits) << utf8(s) << ' ' << radix;
         };
         expect(&CZeString::toLongLong);
@@ -121,7 +121,8 @@ TEST(Arg, TakesEveryKindOfValue) {
     const LogCapture log;
     const CZeString s = text(u"%1|%2|%3");
     EXPECT_EQ(utf8(s.arg(-5, 4).arg(255U, -4, 16, CZeChar('_')).arg(2.0 / 3, 0, 'f', 2)), "  -5|ff__|0.67");
-    EXPECT_EQ(utf8(s.arg(text(u"%2")).arg(short{9}).arg(1e9f)), "9|9|1e+09"); // filled text is filled again
+    EXPECT_EQ(utf8(s.arg(text(u"%2")).arg(static_cast<short>(9)).arg(1e9f)),
+              "9|9|1e+09"); // filled text is filled again
     EXPECT_EQ(utf8(s.arg(CZeString()).arg(s.rightRef(2)).arg('\xE9')), "|\xC3\xA9|\xC3\xA9");
     EXPECT_FALSE(text(u"%1").arg(CZeString()).isNull());
     EXPECT_THAT(log.texts(), IsEmpty());

@@ -79,11 +79,11 @@ TEST(String, AppendGrowsGeometrically) {
     for (int i = 0; i < 100000; ++i) {
         const CZeChar* const block = s.constData();
         const int capacity = s.capacity();
-        s.append(CZeChar(char16_t(i)));
+        s.append(CZeChar(static_cast<char16_t>(i)));
         blocks += capacity != s.capacity();
         ASSERT_TRUE(s.size() >= capacity || s.constData() == block);
     }
-    EXPECT_TRUE(blocks <= 15 && s.at(99999) == char16_t(99999) && *s.end() == CZeChar());
+    EXPECT_TRUE(blocks <= 15 && s.at(99999) == static_cast<char16_t>(99999) && *s.end() == CZeChar());
 }
 
 TEST(String, AppendMindsNull) {
@@ -127,8 +127,9 @@ TEST(String, TakesItsOwnUnits) {
                     const CZeString copy = from % 2 ? s : CZeString(); // and shared in spite of the room
                     s.insert(position, s.unicode() + from, count);
                     std::u16string expected = model;
-                    expected.resize(size_t(std::max(position, 10)), ' ');
-                    expected.insert(size_t(position), model, size_t(from), size_t(count));
+                    expected.resize(static_cast<size_t>(std::max(position, 10)), ' ');
+                    expected.insert(static_cast<size_t>(position), model, static_cast<size_t>(from),
+                                    static_cast<size_t>(count));
                     ASSERT_EQ(s, text(expected.c_str())) << position << ' ' << from << ' ' << count;
                     ASSERT_TRUE(copy.isNull() || copy == text(model.c_str()));
                 }

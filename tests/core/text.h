@@ -13,11 +13,11 @@ inline CZeString text(const char16_t* literal) {
 
 /// The bytes with embedded zeros.
 inline std::string bytes(const CZeByteArray& array) {
-    return std::string(array.constData(), size_t(array.size()));
+    return std::string(array.constData(), static_cast<size_t>(array.size()));
 }
 
 inline std::u16string units(const CZeString& string) {
-    return {reinterpret_cast<const char16_t*>(string.unicode()), size_t(string.size())};
+    return {reinterpret_cast<const char16_t*>(string.unicode()), static_cast<size_t>(string.size())};
 }
 
 inline std::string utf8(const CZeString& string) {
