@@ -1,21 +1,17 @@
 #include "core/codecs/ascii_run.h"
 
+#include "core/tools/widen.h"
+
 #include <bit>
 #include <cstdint>
-
-#if defined(__ARM_NEON)
-#include <arm_neon.h>
-#elif defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace {
 
 constexpr int kStep = 16;
-/// Long runs go by blocks: one look at all of it, then writing without looking.
+/// Long runs go by blocks: all of a block is checked at once and then written without further checks.
 constexpr int kBlock = 64;
 
-/// One or more bits for each of sixteen lanes that is not ASCII, the first lane lowest; 0 when all are.
+/// kBitsPerLane bits for each of sixteen lanes, the first lane lowest: set where it is not ASCII.
 using NonAscii = uint64_t;
 
 #if defined(__ARM_NEON)
@@ -27,27 +23,21 @@ NonAscii nonAscii(uint8x16_t text) {
     return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(lanes, 4)), 0);
 }
 
-void widen(uint8x16_t text, CZeChar* units) {
-    auto* const out = reinterpret_cast<uint16_t*>(units);
-    vst1q_u16(out, vmovl_u8(vget_low_u8(text)));
-    vst1q_u16(out + 8, vmovl_high_u8(text));
-}
-
-/// Writes sixteen units for as many bytes; those from the first that is not ASCII on mean nothing.
+/// Writes sixteen units for as many bytes. Only those before the first that is not ASCII are valid.
 NonAscii widenStep(const char* bytes, CZeChar* units) {
     const uint8x16_t text = vld1q_u8(reinterpret_cast<const uint8_t*>(bytes));
-    widen(text, units);
+    ze::widen(text, units);
     return nonAscii(text);
 }
 
-/// Writes a block when all of it is ASCII.
+/// Writes a block if all of it is ASCII.
 bool widenBlock(const char* bytes, CZeChar* units) {
     const uint8x16x4_t text = vld1q_u8_x4(reinterpret_cast<const uint8_t*>(bytes));
     const uint8x16_t all = vorrq_u8(vorrq_u8(text.val[0], text.val[1]), vorrq_u8(text.val[2], text.val[3]));
     if (vmaxvq_u8(all) >= 0x80)
         return false;
     for (int i = 0; i < 4; ++i)
-        widen(text.val[i], units + i * kStep);
+        ze::widen(text.val[i], units + i * kStep);
     return true;
 }
 
@@ -78,20 +68,14 @@ bool narrowBlock(const CZeChar* units, char* bytes) {
 
 constexpr int kBitsPerLane = 1;
 
-void widen(__m128i text, CZeChar* units) {
-    auto* const out = reinterpret_cast<__m128i*>(units);
-    _mm_storeu_si128(out, _mm_unpacklo_epi8(text, _mm_setzero_si128()));
-    _mm_storeu_si128(out + 1, _mm_unpackhi_epi8(text, _mm_setzero_si128()));
-}
-
-/// Writes sixteen units for as many bytes; those from the first that is not ASCII on mean nothing.
+/// Writes sixteen units for as many bytes. Only those before the first that is not ASCII are valid.
 NonAscii widenStep(const char* bytes, CZeChar* units) {
     const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-    widen(text, units);
+    ze::widen(text, units);
     return static_cast<NonAscii>(static_cast<unsigned>(_mm_movemask_epi8(text)));
 }
 
-/// Writes a block when all of it is ASCII.
+/// Writes a block if all of it is ASCII.
 bool widenBlock(const char* bytes, CZeChar* units) {
     const auto* const in = reinterpret_cast<const __m128i*>(bytes);
     const __m128i text[4] = {_mm_loadu_si128(in), _mm_loadu_si128(in + 1), _mm_loadu_si128(in + 2),
@@ -100,13 +84,13 @@ bool widenBlock(const char* bytes, CZeChar* units) {
     if (_mm_movemask_epi8(all) != 0)
         return false;
     for (int i = 0; i < 4; ++i)
-        widen(text[i], units + i * kStep);
+        ze::widen(text[i], units + i * kStep);
     return true;
 }
 
 NonAscii narrowStep(const CZeChar* units, char* bytes) {
     const auto* const in = reinterpret_cast<const __m128i*>(units);
-    // Units above 0x7F become negative bytes: up to 0x7FFF by the mask, the others are negative and saturate.
+    // Units above 0x7F become negative bytes: the mask does this up to 0x7FFF, and larger ones saturate.
     const auto saturated = [](__m128i eight) {
         return _mm_or_si128(eight, _mm_cmpgt_epi16(eight, _mm_set1_epi16(0x7F)));
     };
@@ -136,7 +120,7 @@ bool narrowBlock(const CZeChar* units, char* bytes) {
 
 constexpr int kBitsPerLane = 1;
 
-/// Writes sixteen units for as many bytes; those from the first that is not ASCII on mean nothing.
+/// Writes sixteen units for as many bytes. Only those before the first that is not ASCII are valid.
 NonAscii widenStep(const char* bytes, CZeChar* units) {
     NonAscii mask = 0;
     for (int i = 0; i < kStep; ++i) {

@@ -6,15 +6,14 @@
 
 namespace ze {
 
-/// Writes a unit for each of the `count` bytes that stands before the first one that is not ASCII, and
-/// returns how many these are. `units` has room for `count`; what lies behind the returned ones means
-/// nothing.
+/// Writes a unit for each of the `count` bytes up to the first that is not ASCII, and returns how many these
+/// are. `units` has room for `count`; what is behind the returned ones is undefined.
 int widenAsciiRun(const char* bytes, int count, CZeChar* units);
 
-/// The other way.
+/// The same in the other direction.
 int narrowAsciiRun(const CZeChar* units, int count, char* bytes);
 
-/// A call pays only where a run is likely to go on: after so many ASCII characters one by one.
+/// The number of ASCII characters in a row after which such a call pays, as the run will likely go on.
 constexpr int kRunBeforeCall = 16;
 
 } // namespace ze

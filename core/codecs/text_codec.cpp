@@ -1,5 +1,7 @@
 #include "core/codecs/text_codec.h"
 
+#include "core/tools/text_view.h"
+#include "core/tools/uninitialized.h"
 #include "core/tools/zero_terminated.h"
 #include "core/warning.h"
 
@@ -9,28 +11,19 @@
 
 namespace {
 
-/// The lower case of Latin-1: A to Z, and U+00C0 to U+00DE without the multiplication sign U+00D7.
-constexpr char toLowerLatin1(char latin1) {
-    const auto byte = static_cast<unsigned char>(latin1);
-    const bool isUpper = (byte >= 'A' && byte <= 'Z') || (byte >= 0xC0 && byte <= 0xDE && byte != 0xD7);
-    return static_cast<char>(isUpper ? byte + 0x20 : byte);
-}
-
-/// Whether `name` is `alias`, which is in lower case.
+/// Whether `name` is `alias`, which is in lower case and ASCII.
 bool isNamed(const CZeByteArray& name, std::string_view alias) {
     return std::equal(name.begin(), name.end(), alias.begin(), alias.end(),
-                      [](char l, char r) { return toLowerLatin1(l) == r; });
+                      [](CZeChar l, CZeChar r) { return ze::foldAscii(l.unicode()) == r; });
 }
 
 constexpr std::string_view kLatin1Names[] = {"iso-8859-1", "iso8859-1",  "cp819",
                                              "ibm819",     "iso-ir-100", "csisolatin1"};
 
 CZeString decodeUtf8Piece(const char* bytes, int size, ze::Utf8Decoder& decoder) {
-    if (size == INT32_MAX)
-        return {};
-    CZeString result(size + 1, Ze::Uninitialized); // one more for what an earlier piece left
-    if (result.size() != size + 1)
-        return {};
+    CZeString result = ze::uninitialized(static_cast<int64_t>(size) + 1); // an earlier piece may add one unit
+    if (result.isNull())
+        return result;
     result.truncate(decoder.decode(bytes, size, result.data()));
     return result;
 }

@@ -1,16 +1,13 @@
 #include "core/codecs/utf8_encoder.h"
 
 #include "core/codecs/ascii_run.h"
-#include "core/codecs/short_step.h"
+#include "core/codecs/two_byte_step.h"
+#include "core/tools/code_point.h"
 
 #include <bit>
 #include <cstring>
 
 namespace {
-
-bool isPair(const CZeChar* unit, const CZeChar* end) {
-    return unit->isHighSurrogate() && end - unit > 1 && unit[1].isLowSurrogate();
-}
 
 constexpr uint32_t tail(char32_t bits) {
     return 0x80 | (bits & 0x3F);
@@ -31,16 +28,16 @@ char* ze::encodeUtf8(const CZeChar* units, int count, char* bytes) {
     while (units != end) {
         char32_t unit = units->unicode();
         if (unit < 0x800) {
-            // A step looks at two times eight units, and one more gives room for the byte that it writes too
-            // much.
-            if (end - units > 2 * kShortStep && eightWithout(kBeyondShort, units)) {
-                if (eightWithout(kBeyondAscii, units) && eightWithout(kBeyondAscii, units + kShortStep)) {
+            // This looks at two steps of units. One unit more leaves room for the extra byte that a step
+            // writes.
+            if (end - units > 2 * kTwoByteStep && areTwoByte(units)) {
+                if (areAscii(units) && areAscii(units + kTwoByteStep)) {
                     const int ascii = narrowAsciiRun(units, static_cast<int>(end - units), bytes);
                     units += ascii;
                     bytes += ascii;
                 } else {
-                    bytes = putShortUnits(units, bytes);
-                    units += kShortStep;
+                    bytes = putTwoByteStep(units, bytes);
+                    units += kTwoByteStep;
                 }
                 continue;
             }
@@ -49,7 +46,7 @@ char* ze::encodeUtf8(const CZeChar* units, int count, char* bytes) {
             else
                 bytes = put<2>((0xC0 | unit >> 6) | tail(unit) << 8, bytes);
         } else if (unit < 0xD800 || unit > 0xDFFF) {
-            // Such units come in runs, in which nothing else needs asking.
+            // Such units come in runs, so look for the next one before anything else.
             for (;;) {
                 *bytes++ = static_cast<char>(0xE0 | unit >> 12);
                 *bytes++ = static_cast<char>(tail(unit >> 6));

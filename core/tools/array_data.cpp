@@ -11,8 +11,7 @@ namespace {
 constexpr size_t kHeaderSize = sizeof(SZeArrayData);
 static_assert(kHeaderSize % alignof(SZeArrayData) == 0 && alignof(SZeArrayData) == 8);
 
-// Each empty block's elements are the zero word that follows it: the count of the next header, or the last
-// one.
+// The elements of an empty block are the zero word behind it, which is the count of the next header.
 enum { StaticEmpty, NonSharedEmpty, Terminator, EmptyBlockCount };
 SZeArrayData emptyBlocks[EmptyBlockCount] = {
     {-1, 0, 0, 0, kHeaderSize},

@@ -1,5 +1,4 @@
-// The growth arithmetic of shared blocks, apart from any memory: how many bytes a block takes and how many
-// elements it then holds.
+// The growth arithmetic of shared blocks: how many bytes to allocate and how many elements these hold.
 
 #pragma once
 
@@ -27,7 +26,7 @@ constexpr size_t exactBlockBytes(size_t elementSize, size_t capacity, size_t hea
     return elementSize * capacity + headerSpace;
 }
 
-/// The next power of two above `bytes`, also when `bytes` is one already; from 2^30 on half the way to 2^31.
+/// The next power of two above `bytes`, even when `bytes` is one itself; from 2^30 on half the way to 2^31.
 /// `bytes` is at most INT32_MAX; 0 gives 1.
 constexpr size_t roundBlockBytes(size_t bytes) {
     constexpr size_t kOne = 1;
@@ -35,7 +34,7 @@ constexpr size_t roundBlockBytes(size_t bytes) {
     return power <= BlockSize::kMaxBytes ? power : bytes + (power - bytes) / 2;
 }
 
-/// The block for `capacity` elements; with `geometric` rounded up, and with the capacity that this yields.
+/// The block for `capacity` elements. With `geometric` it is rounded up and its capacity is what then fits.
 constexpr BlockSize blockSize(size_t elementSize, size_t capacity, size_t headerSpace, bool geometric) {
     const size_t exact = exactBlockBytes(elementSize, capacity, headerSpace);
     if (!geometric || exact == BlockSize::kImpossible)

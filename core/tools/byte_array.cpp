@@ -25,7 +25,8 @@ CZeByteArray::CZeByteArray(const char* bytes, int size) : m_array(copyBytes(byte
 
 CZeByteArray::CZeByteArray(int count, char byte) : m_array(ByteStorage::filled(count, byte)) {}
 
-CZeByteArray::CZeByteArray(int count, Ze::Initialization) : m_array(ByteStorage::uninitialized(count)) {}
+CZeByteArray::CZeByteArray(int count, Ze::Initialization)
+    : m_array(ByteStorage::uninitialized(std::max(count, 0))) {}
 
 CZeByteArray& CZeByteArray::operator=(const char* text) {
     if (!text || !*text) {

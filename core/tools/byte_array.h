@@ -67,11 +67,11 @@ public:
     /// `count` bytes from `position`, up to the end for a negative count. A position behind the end gives the
     /// null array, one at the end the empty array; what lies before the first byte is dropped from the range.
     CZeByteArray mid(int position, int count = -1) const {
-        return CZeByteArray(m_array.cut(position, count));
+        return CZeByteArray(m_array.slice(position, count));
     }
     /// The first or the last `count` bytes; all of them when there are fewer or `count` is negative.
-    CZeByteArray left(int count) const { return CZeByteArray(m_array.cut(0, count)); }
-    CZeByteArray right(int count) const { return CZeByteArray(m_array.cutRight(count)); }
+    CZeByteArray left(int count) const { return CZeByteArray(m_array.slice(0, count)); }
+    CZeByteArray right(int count) const { return CZeByteArray(m_array.sliceRight(count)); }
 
     /// Formats `value` as printf does in the "C" locale with the conversion `format` (one that takes a
     /// double, such as 'e', 'f' or 'g') and, unless negative, `precision`. At most 127 bytes are kept.

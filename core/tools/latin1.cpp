@@ -1,10 +1,6 @@
 #include "core/tools/latin1.h"
 
-#if defined(__ARM_NEON)
-#include <arm_neon.h>
-#elif defined(__SSE2__)
-#include <emmintrin.h>
-#endif
+#include "core/tools/widen.h"
 
 namespace {
 
@@ -14,6 +10,7 @@ constexpr int kStep = 16;
 
 #if defined(__ARM_NEON)
 
+/// Eight units with '?' for those above 0xFF.
 uint8x8_t narrowed(const CZeChar* units) {
     const uint16x8_t text = vld1q_u16(reinterpret_cast<const uint16_t*>(units));
     const uint16x8_t tooHigh = vcgtq_u16(text, vdupq_n_u16(0xFF));
@@ -26,31 +23,26 @@ void narrowStep(const CZeChar* units, char* latin1) {
 }
 
 void widenStep(const char* latin1, CZeChar* units) {
-    const uint8x16_t text = vld1q_u8(reinterpret_cast<const uint8_t*>(latin1));
-    auto* const out = reinterpret_cast<uint16_t*>(units);
-    vst1q_u16(out, vmovl_u8(vget_low_u8(text)));
-    vst1q_u16(out + 8, vmovl_high_u8(text));
+    ze::widen(vld1q_u8(reinterpret_cast<const uint8_t*>(latin1)), units);
 }
 
 #elif defined(__SSE2__)
 
 /// Eight units with '?' for those above 0xFF.
-__m128i kept(const CZeChar* units) {
+__m128i withSubstitutes(const CZeChar* units) {
     const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
-    // An unsigned compare with 255: what saturates to 0 is not above it.
+    // SSE2 has no unsigned comparison, but a saturating subtraction gives 0 for units up to 0xFF.
     const __m128i fits = _mm_cmpeq_epi16(_mm_subs_epu16(text, _mm_set1_epi16(0xFF)), _mm_setzero_si128());
     return _mm_or_si128(_mm_and_si128(fits, text), _mm_andnot_si128(fits, _mm_set1_epi16('?')));
 }
 
 void narrowStep(const CZeChar* units, char* latin1) {
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(latin1), _mm_packus_epi16(kept(units), kept(units + 8)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(latin1),
+                     _mm_packus_epi16(withSubstitutes(units), withSubstitutes(units + 8)));
 }
 
 void widenStep(const char* latin1, CZeChar* units) {
-    const __m128i text = _mm_loadu_si128(reinterpret_cast<const __m128i*>(latin1));
-    auto* const out = reinterpret_cast<__m128i*>(units);
-    _mm_storeu_si128(out, _mm_unpacklo_epi8(text, _mm_setzero_si128()));
-    _mm_storeu_si128(out + 1, _mm_unpackhi_epi8(text, _mm_setzero_si128()));
+    ze::widen(_mm_loadu_si128(reinterpret_cast<const __m128i*>(latin1)), units);
 }
 
 #else

@@ -1,4 +1,4 @@
-// The conversions between units and Latin-1 characters, sixteen at a step.
+// Conversions between units and Latin-1 characters, sixteen at a step.
 
 #pragma once
 
@@ -6,11 +6,11 @@
 
 namespace ze {
 
-/// Writes `count` characters from as many units; units above 0xFF become '?'. `latin1` may be the memory of
-/// the units itself, and overlaps them in no other way.
+/// Writes `count` characters from as many units; units above 0xFF become '?'. `latin1` may be `units` itself
+/// but must not overlap it otherwise.
 void narrowToLatin1(const CZeChar* units, int count, char* latin1);
 
-/// Writes `count` units from as many Latin-1 characters. The two do not overlap.
+/// Writes `count` units from as many Latin-1 characters. They must not overlap.
 void widenLatin1(const char* latin1, int count, CZeChar* units);
 
 } // namespace ze

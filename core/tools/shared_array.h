@@ -12,38 +12,37 @@
 
 namespace ze {
 
-/// What is left when a range is cut out of a sequence.
-enum class Cut {
+/// What a slice of a container is.
+enum class Slice {
     Null,   ///< The range lies outside: a null container.
     Empty,  ///< Nothing: an empty container.
     Full,   ///< Everything: a shared copy.
     Subset, ///< `count` elements from `position`, both adjusted to lie inside.
 };
 
-/// Cuts `count` elements at `position` out of `length`. A negative count means up to the end; what lies
-/// before the first element is dropped from the range.
-constexpr Cut cutRange(int length, int& position, int& count) {
+/// Slices `count` elements from `position` out of `length`. A negative count means up to the end; the part of
+/// the range before the first element is dropped.
+constexpr Slice resolveSlice(int length, int& position, int& count) {
     if (position > length)
-        return Cut::Null;
+        return Slice::Null;
     if (position < 0) {
         if (count < 0 || count + position >= length)
-            return Cut::Full;
+            return Slice::Full;
         if (count + position <= 0)
-            return Cut::Null;
+            return Slice::Null;
         count += position;
         position = 0;
     } else if (static_cast<unsigned>(count) > static_cast<unsigned>(length - position)) {
         count = length - position;
     }
     if (position == 0 && count == length)
-        return Cut::Full;
-    return count > 0 ? Cut::Subset : Cut::Empty;
+        return Slice::Full;
+    return count > 0 ? Slice::Subset : Slice::Empty;
 }
 
-/// A counted block of trivially copyable units, behind which one zero unit always follows (except behind
-/// wrapped foreign memory). No operation throws. One that cannot get its memory, or whose size would pass the
-/// limit of a block, is refused: a modification returns false and changes nothing, a construction gives the
-/// null array.
+/// A counted block of trivially copyable units, always followed by one zero unit (except in wrapped foreign
+/// memory). No operation throws. When there is no memory, or the size would pass the limit of a block, a
+/// modification returns false and changes nothing, and a construction gives the null array.
 template <class Unit>
 class SharedArray {
     static_assert(std::is_trivially_copyable_v<Unit> && alignof(Unit) <= 8);
@@ -68,15 +67,14 @@ public:
     /// The array without units that is not null.
     static SharedArray empty() { return adopt(SZeArrayData::allocate(sizeof(Unit), kAlignment, 0, 0)); }
 
-    /// `count` units for the caller to fill, in a block of exactly that many and the terminator.
-    static SharedArray uninitialized(int count) {
-        count = std::max(count, 0);
+    /// `count` units, at least 0, for the caller to fill, in a block of exactly that many and the terminator.
+    static SharedArray uninitialized(int64_t count) {
         SZeArrayData* const block =
             SZeArrayData::allocate(sizeof(Unit), kAlignment, static_cast<size_t>(count) + 1, 0);
         if (!block)
             return {};
         SharedArray array = adopt(block);
-        array.setSize(count);
+        array.setSize(static_cast<int>(count));
         return array;
     }
 
@@ -99,7 +97,7 @@ public:
         return array;
     }
 
-    /// A view on foreign memory, which must outlive the array and all its copies. It is never written.
+    /// A view of foreign memory, which must outlive the array and all its copies. It is never written.
     static SharedArray wrapping(const Unit* units, int count) {
         SZeArrayData* const block =
             SZeArrayData::allocate(sizeof(Unit), kAlignment, 0, SZeArrayData::HeaderOnly);
@@ -123,10 +121,10 @@ public:
     bool isShared() const { return m_block->isShared(); }
     bool wrapsForeignMemory() const { return !m_block->dataIsInline(); }
     const Unit* units() const { return static_cast<const Unit*>(m_block->data()); }
-    /// The units without a look at other owners: only for blocks just made, or after `detach`.
+    /// The same for writing. Does not look for other owners: only for new blocks, or after `detach`.
     Unit* units() { return static_cast<Unit*>(m_block->data()); }
 
-    /// The block is on the heap, has this owner alone and holds its data itself.
+    /// Whether the block is on the heap, has this one owner and holds its data itself.
     bool isExclusive() const {
         return !m_block->isShared() && !m_block->isStatic() && m_block->dataIsInline();
     }
@@ -140,8 +138,10 @@ public:
     /// Gives the array a private block of `capacity` units, terminator included, made with `options`. The
     /// units that still fit are kept; a capacity of 0 gives the empty array.
     bool reallocData(uint32_t capacity, int options) {
-        if (capacity == 0)
-            return *this = empty(), true;
+        if (capacity == 0) {
+            *this = empty();
+            return true;
+        }
         const int kept = static_cast<int>(std::min<uint32_t>(static_cast<uint32_t>(size()), capacity - 1));
         if (isExclusive()) {
             SZeArrayData* const block =
@@ -163,8 +163,8 @@ public:
         return true;
     }
 
-    /// Sets the size to `count`, below 0 to 0; new units are uninitialized. The block shrinks when the new
-    /// size falls below half of its capacity and none was reserved.
+    /// Sets the size to `count`, or to 0 for a negative one; new units are uninitialized. The block shrinks
+    /// when the new size falls below half of its capacity and no capacity was reserved.
     bool resize(int count) {
         count = std::max(count, 0);
         const uint32_t needed = static_cast<uint32_t>(count) + 1;
@@ -172,8 +172,10 @@ public:
             m_block->size = count; // the foreign memory gets no terminator
             return true;
         }
-        if (count == 0 && !m_block->reserved)
-            return *this = empty(), true;
+        if (count == 0 && !m_block->reserved) {
+            *this = empty();
+            return true;
+        }
         if (size() == 0 && m_block->isStatic()) {
             SharedArray fresh = uninitialized(count);
             if (fresh.size() != count)
@@ -186,14 +188,14 @@ public:
             if (!reallocData(needed, options))
                 return false;
         } else if (!m_block->reserved && count < size() && needed < capacity() / 2) {
-            reallocData(needed, options); // a block that cannot shrink still serves
+            reallocData(needed, options); // the old block still serves when this fails
         }
         setSize(count);
         return true;
     }
 
-    /// Adds `count` units for the caller to fill and returns the first of them. Null, and nothing done, when
-    /// `count` is below 1 or the block is shared or has no room for them.
+    /// Adds `count` units for the caller to fill and returns the first of them. Does nothing and returns null
+    /// when `count` is below 1 or the block is shared or has no room for them.
     Unit* extend(int count) {
         const int oldSize = size();
         if (count < 1 || static_cast<uint32_t>(oldSize) + static_cast<uint32_t>(count) >= capacity() ||
@@ -212,23 +214,23 @@ public:
     /// The options that keep a reserved capacity reserved.
     int keptOptions() const { return m_block->reserved ? SZeArrayData::ReserveCapacity : 0; }
 
-    /// The range that `cutRange` leaves, as an array.
-    SharedArray cut(int position, int count) const {
-        switch (cutRange(size(), position, count)) {
-        case Cut::Null:
+    /// The array that `resolveSlice` describes.
+    SharedArray slice(int position, int count) const {
+        switch (resolveSlice(size(), position, count)) {
+        case Slice::Null:
             return {};
-        case Cut::Empty:
+        case Slice::Empty:
             return empty();
-        case Cut::Full:
+        case Slice::Full:
             return *this;
-        case Cut::Subset:
+        case Slice::Subset:
             break;
         }
         return copyOf(units() + position, count);
     }
 
     /// The last `count` units; all of them for a negative count.
-    SharedArray cutRight(int count) const { return count < 0 ? *this : cut(size() - count, count); }
+    SharedArray sliceRight(int count) const { return count < 0 ? *this : slice(size() - count, count); }
 
 private:
     static constexpr size_t kAlignment = 8;

@@ -1,6 +1,7 @@
-// The replacement of numbered escapes.
+// The formatting of arguments in place of numbered escapes.
 
 #include "core/tools/text_view.h"
+#include "core/tools/uninitialized.h"
 #include "core/warning.h"
 
 #include <algorithm>
@@ -57,11 +58,9 @@ CZeString replaceEscapes(ze::Utf16View text, const ArgEscapes& escapes, ze::Utf1
     const int64_t width =
         std::max(std::abs(static_cast<int64_t>(fieldWidth)), static_cast<int64_t>(argument.count));
     const int64_t length = text.count - escapes.totalLength + escapes.occurrences * width;
-    if (length > INT32_MAX)
-        return {};
-    CZeString result(static_cast<int>(length), Ze::Uninitialized);
-    if (result.size() != length)
-        return {};
+    CZeString result = ze::uninitialized(length);
+    if (result.isNull())
+        return result;
 
     const auto padding = static_cast<size_t>(width - argument.count);
     CZeChar* out = result.data();
@@ -81,8 +80,7 @@ CZeString replaceEscapes(ze::Utf16View text, const ArgEscapes& escapes, ze::Utf1
     return result;
 }
 
-/// The frame of every `arg`: replaces the lowest escapes, or calls `warn` and returns the text as it is when
-/// there is none.
+/// What every `arg` does: replaces the lowest escapes. Without any it calls `warn` and returns the text.
 template <class Warn>
 CZeString arg_helper(const CZeString& text, ze::Utf16View argument, int fieldWidth, CZeChar fill, Warn warn) {
     const ArgEscapes escapes = findLowestEscapes(text);

@@ -1,10 +1,11 @@
-// Strings from and to other encodings. The numbers are in string_numbers.cpp.
+// Strings from and to other encodings.
 
 #include "core/codecs/ascii_run.h"
 #include "core/codecs/utf8_decoder.h"
 #include "core/codecs/utf8_encoder.h"
+#include "core/tools/code_point.h"
 #include "core/tools/latin1.h"
-#include "core/tools/ze_string.h"
+#include "core/tools/uninitialized.h"
 #include "core/tools/zero_terminated.h"
 
 #include <cstring>
@@ -16,7 +17,7 @@ template <class Take>
 void forEachCodePoint(const CZeString& text, Take take) {
     const CZeChar* const end = text.end();
     for (const CZeChar* unit = text.begin(); unit != end; ++unit) {
-        if (unit->isHighSurrogate() && unit + 1 != end && unit[1].isLowSurrogate()) {
+        if (ze::isPair(unit, end)) {
             take(CZeChar::codePoint(unit[0], unit[1]));
             ++unit;
         } else {
@@ -63,10 +64,10 @@ CZeString CZeString::fromUtf8(const CZeByteArray& text) {
 }
 
 CZeString CZeString::fromUtf8_helper(const char* text, int size) {
-    // No byte of a whole text gives more than one unit; the decoder's extra one is the terminator's place.
-    CZeString result(size, Ze::Uninitialized);
-    if (result.size() != size)
-        return {};
+    // No byte gives more than one unit, and the terminator's place is the one more that the decoder wants.
+    CZeString result = ze::uninitialized(size);
+    if (result.isNull())
+        return result;
     ze::Utf8Decoder decoder;
     CZeChar* const units = result.m_array.units();
     int written = decoder.decode(text, size, units);
@@ -87,22 +88,13 @@ CZeString CZeString::fromUcs4(const char32_t* codePoints, int size) {
     int64_t length = size;
     for (int i = 0; i < size; ++i)
         length += codePoints[i] >= 0x10000 && codePoints[i] <= 0x10FFFF;
-    if (length > INT32_MAX)
-        return {};
-    CZeString result(static_cast<int>(length), Ze::Uninitialized);
-    if (result.size() != length)
-        return {};
+    CZeString result = ze::uninitialized(length);
+    if (result.isNull())
+        return result;
     CZeChar* out = result.m_array.units();
     for (int i = 0; i < size; ++i) {
-        const char32_t codePoint = codePoints[i];
-        if (codePoint > 0x10FFFF || isSurrogate(codePoint)) {
-            *out++ = CZeChar(CZeChar::Replacement);
-        } else if (codePoint < 0x10000) {
-            *out++ = CZeChar(static_cast<char16_t>(codePoint));
-        } else {
-            *out++ = CZeChar::highSurrogate(codePoint);
-            *out++ = CZeChar::lowSurrogate(codePoint);
-        }
+        const bool isValid = codePoints[i] <= 0x10FFFF && !isSurrogate(codePoints[i]);
+        out = ze::putCodePoint(isValid ? codePoints[i] : CZeChar::Replacement, out);
     }
     return result;
 }
@@ -136,28 +128,26 @@ CZeByteArray CZeString::toUtf8_helper(const CZeString& text) {
     const int size = text.size();
     const bool mayBeAscii = units[0].unicode() < 0x80;
     CZeByteArray ascii(mayBeAscii ? size : 0, Ze::Uninitialized);
-    if (ascii.size() != (mayBeAscii ? size : 0))
-        return {};
+    if (ascii.isNull())
+        return ascii;
     const int done = ze::narrowAsciiRun(units, ascii.size(), ascii.m_array.units());
     if (done == size)
         return ascii;
 
-    // At the first unit that takes more, the rest gets the room that it can need at most.
+    // From the first other unit on, each gets the room that it needs at most, if there can be so much.
     const int rest = size - done;
     int64_t room = done + static_cast<int64_t>(rest) * 3;
     if (room >= INT32_MAX)
         room = done + ze::utf8Length(units + done, rest);
-    if (room > INT32_MAX)
-        return {};
-    CZeByteArray result(static_cast<int>(room), Ze::Uninitialized);
+    CZeByteArray result(ze::SharedArray<char>::uninitialized(room));
     if (result.isNull())
-        return {};
+        return result;
     char* const bytes = result.m_array.units();
     std::memcpy(bytes, ascii.constData(), static_cast<size_t>(done));
     const auto written = ze::encodeUtf8(units + done, rest, bytes + done) - bytes;
     result.m_array.setSize(static_cast<int>(written));
     result.m_array.reallocData(static_cast<uint32_t>(written) + 1,
-                               0); // gives back the rest; all is well if it cannot
+                               0); // gives back the rest if it can
     return result;
 }
 

@@ -1,7 +1,8 @@
-// Changes to the contents of strings.
+// Changes to strings, and strings made of others.
 
 #include "core/tools/latin1.h"
 #include "core/tools/text_search.h"
+#include "core/tools/uninitialized.h"
 
 #include <algorithm>
 #include <cstring>
@@ -9,14 +10,27 @@
 
 namespace {
 
-/// Whether `units` points into `text`, so that a change to it changes them as well.
+/// Whether `units` points into `text`, so that a change to the text changes them as well.
 bool liesIn(const CZeString& text, const CZeChar* units) {
     const std::less<> before{};
     return !before(units, text.begin()) && before(units, text.end());
 }
 
-/// Makes a range lie inside `size` units: a negative position counts from the end, a negative count reaches
-/// up to it. False when the position lies outside.
+/// The number of occurrences that do not overlap; 0 for an empty pattern.
+int countApart(ze::Utf16View text, ze::Utf16View pattern, Ze::CaseSensitivity cs) {
+    if (pattern.count == 0)
+        return 0;
+    int hits = 0;
+    int at = ze::findForward(text, 0, pattern, cs);
+    while (at != -1) {
+        ++hits;
+        at = ze::findForward(text, at + pattern.count, pattern, cs);
+    }
+    return hits;
+}
+
+/// Clips a range to `size` units. A negative position counts from the end, a negative count reaches up to it.
+/// False when the position lies outside.
 bool clampRange(int size, int& position, int& count) {
     if (position < 0)
         position += size;
@@ -27,15 +41,41 @@ bool clampRange(int size, int& position, int& count) {
     return true;
 }
 
+/// `text` between `before` and `behind` units of `fill`; the null string when there is no memory.
+CZeString padded(const CZeString& text, int before, int behind, CZeChar fill) {
+    CZeString result = ze::uninitialized(static_cast<int64_t>(text.size()) + before + behind);
+    if (result.isNull())
+        return result;
+    CZeChar* out = std::fill_n(result.data(), before, fill);
+    out = std::copy(text.begin(), text.end(), out);
+    std::fill_n(out, behind, fill);
+    return result;
+}
+
+/// What stands for `unit` in HTML; null for what stands for itself.
+constexpr const char* htmlEscape(CZeChar unit) {
+    switch (unit.unicode()) {
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '&':
+        return "&amp;";
+    case '"':
+        return "&quot;";
+    default:
+        return nullptr;
+    }
+}
+
 } // namespace
 
-/// Moves the units from `position` on by `size` units and returns the first of those in between, for the
-/// caller to fill. A position behind the end is first reached with spaces. Null, and nothing done, when there
-/// is no memory.
+/// Makes room for `size` units at `position` and returns the first of them for the caller to fill. Spaces
+/// fill the string up to a position behind the end. Does nothing and returns null when there is no memory.
 CZeChar* CZeString::openGap(int position, int size) {
     const int oldSize = this->size();
     const uint32_t newSize = static_cast<uint32_t>(std::max(position, oldSize)) + static_cast<uint32_t>(size);
-    const uint32_t needed = newSize + 1; // two sizes fit even when no block can
+    const uint32_t needed = newSize + 1; // cannot overflow: two sizes fit into 32 bits
     if (m_array.isShared() || needed > m_array.capacity()) {
         const int options = SZeArrayData::GrowGeometric | m_array.keptOptions();
         if (!m_array.reallocData(needed, options))
@@ -62,7 +102,7 @@ CZeString& CZeString::insert(int position, const CZeChar* units, int size) {
         std::memcpy(gap, units, static_cast<size_t>(size) * sizeof(CZeChar));
         return *this;
     }
-    // Own units have moved with the block, and those from `position` on by the gap as well.
+    // Own units may have moved with the block, and those from `position` on have moved by the gap.
     const CZeChar* const source = begin() + offset;
     const int beforeGap = std::clamp(position - offset, 0, size);
     std::copy_n(source, beforeGap, gap);
@@ -102,7 +142,7 @@ CZeString& CZeString::remove(int position, int count) {
     if (!clampRange(size(), position, count) || count == 0)
         return *this;
     const int tail = size() - position - count;
-    if (tail != 0) { // else the end is cut off, which a view on foreign memory stands
+    if (tail != 0) { // cutting off the end needs no private copy, even of foreign memory
         CZeChar* const units = data();
         if (!units)
             return *this;
@@ -145,15 +185,13 @@ CZeString& CZeString::replace_helper(const CZeChar* before, int beforeSize, cons
         return replace_helper(beforeCopy.unicode(), beforeSize, afterCopy.unicode(), afterSize, cs);
     }
     const ze::Utf16View pattern(before, beforeSize);
-    int64_t hits = 0;
-    for (int at = 0; beforeSize > 0 && (at = ze::findForward(*this, at, pattern, cs)) != -1; at += beforeSize)
-        ++hits;
+    int64_t hits = countApart(*this, pattern, cs);
     const int oldSize = size();
     const int64_t newSize = oldSize + hits * (afterSize - beforeSize);
     if (hits == 0 || newSize >= INT32_MAX)
         return *this;
 
-    // The text first moves to the end of the room, so that what is written never overtakes what is read.
+    // The text moves to the end of the room first, so that writing never overtakes reading.
     const int lead = std::max(static_cast<int>(newSize) - oldSize, 0);
     CZeChar* const units = lead > 0 ? openGap(0, lead) : data();
     if (!units)
@@ -170,4 +208,47 @@ CZeString& CZeString::replace_helper(const CZeChar* before, int beforeSize, cons
     std::copy(old.units + copied, old.units + oldSize, out);
     resize(static_cast<int>(newSize));
     return *this;
+}
+
+CZeString CZeString::repeated(int times) const {
+    if (isEmpty() || times == 1)
+        return *this;
+    CZeString result = ze::uninitialized(static_cast<int64_t>(size()) * std::max(times, 0));
+    if (result.isNull())
+        return result;
+    CZeChar* out = result.data();
+    for (int i = 0; i < times; ++i)
+        out = std::copy(begin(), end(), out);
+    return result;
+}
+
+CZeString CZeString::leftJustified(int width, CZeChar fill, bool truncate) const {
+    if (width <= size())
+        return truncate ? left(std::max(width, 0)) : *this;
+    return padded(*this, 0, width - size(), fill);
+}
+
+CZeString CZeString::rightJustified(int width, CZeChar fill, bool truncate) const {
+    if (width <= size())
+        return truncate ? left(std::max(width, 0)) : *this;
+    return padded(*this, width - size(), 0, fill);
+}
+
+CZeString CZeString::toHtmlEscaped() const {
+    int64_t length = size();
+    for (const CZeChar unit : *this)
+        if (const char* const escape = htmlEscape(unit))
+            length += static_cast<int64_t>(std::strlen(escape)) - 1;
+    if (length == size())
+        return *this;
+    CZeString result = ze::uninitialized(length);
+    if (result.isNull())
+        return result;
+    CZeChar* out = result.data();
+    for (const CZeChar unit : *this)
+        if (const char* const escape = htmlEscape(unit))
+            out = std::copy_n(escape, std::strlen(escape), out);
+        else
+            *out++ = unit;
+    return result;
 }

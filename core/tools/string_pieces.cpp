@@ -10,16 +10,16 @@ namespace {
 template <class Take>
 void forEachPart(ze::Utf16View text, ze::Utf16View separator, Ze::CaseSensitivity cs, Take take) {
     int start = 0;
-    int from = 0;
-    for (int end; (end = ze::findForward(text, from, separator, cs)) != -1;) {
+    int end = ze::findForward(text, 0, separator, cs);
+    while (end != -1) {
         take(start, end - start);
         start = end + separator.count;
-        from = std::max(start, end + 1); // an empty separator must not be found in one place forever
+        end = ze::findForward(text, std::max(start, end + 1), separator, cs); // past an empty separator, too
     }
     take(start, text.count - start);
 }
 
-/// The parts as a list of what `piece` makes of position and size; an empty list when there is no memory.
+/// The list of what `piece` makes of the position and size of each part; empty when there is no memory.
 template <class Element, class Piece>
 CZeList<Element> split_helper(ze::Utf16View text, ze::Utf16View separator, CZeString::SplitBehavior behavior,
                               Ze::CaseSensitivity cs, Piece piece) {
@@ -74,14 +74,14 @@ CZeString section_helper(const CZeString& text, ze::Utf16View separator, int fir
 } // namespace
 
 CZeStringRef CZeString::midRef(int position, int count) const {
-    switch (ze::cutRange(size(), position, count)) {
-    case ze::Cut::Null:
+    switch (ze::resolveSlice(size(), position, count)) {
+    case ze::Slice::Null:
         return {};
-    case ze::Cut::Empty:
+    case ze::Slice::Empty:
         return CZeStringRef(this, 0, 0);
-    case ze::Cut::Full:
+    case ze::Slice::Full:
         return CZeStringRef(this);
-    case ze::Cut::Subset:
+    case ze::Slice::Subset:
         break;
     }
     return CZeStringRef(this, position, count);

@@ -1,4 +1,4 @@
-// Text in text.
+// The search for text in strings.
 
 #include "core/tools/text_search.h"
 
@@ -35,7 +35,9 @@ int ze::findForward(Utf16View haystack, int from, Utf16View needle, Ze::CaseSens
 }
 
 int ze::findBackward(Utf16View haystack, int from, Utf16View needle, Ze::CaseSensitivity cs) {
-    if (from < 0 && (from += haystack.count) < 0)
+    if (from < 0)
+        from += haystack.count;
+    if (from < 0)
         return -1;
     int position = std::min(from, haystack.count - needle.count);
     while (position >= 0 && !standsAt(haystack, position, needle, cs))
@@ -53,7 +55,8 @@ int CZeString::lastIndexOf(const ze::TextArgument& text, int from, Ze::CaseSensi
 
 int CZeString::count(const ze::TextArgument& text, Ze::CaseSensitivity cs) const {
     int count = 0;
-    for (int from = 0; (from = ze::findForward(*this, from, text, cs)) != -1; ++from)
+    for (int at = ze::findForward(*this, 0, text, cs); at != -1;
+         at = ze::findForward(*this, at + 1, text, cs))
         ++count;
     return count;
 }

@@ -280,10 +280,10 @@ public:
     /// `count` units from `position`, up to the end for a negative count. A position behind the end gives the
     /// null string, one at the end the empty string; what lies before the first unit is dropped from the
     /// range.
-    CZeString mid(int position, int count = -1) const { return CZeString(m_array.cut(position, count)); }
+    CZeString mid(int position, int count = -1) const { return CZeString(m_array.slice(position, count)); }
     /// The first or the last `count` units; all of them when there are fewer or `count` is negative.
-    CZeString left(int count) const { return CZeString(m_array.cut(0, count)); }
-    CZeString right(int count) const { return CZeString(m_array.cutRight(count)); }
+    CZeString left(int count) const { return CZeString(m_array.slice(0, count)); }
+    CZeString right(int count) const { return CZeString(m_array.sliceRight(count)); }
     /// The same as views.
     CZeStringRef midRef(int position, int count = -1) const;
     CZeStringRef leftRef(int count) const;
