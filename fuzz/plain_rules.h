@@ -8,7 +8,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <iterator>
-#include <map>
 #include <string>
 #include <type_traits>
 
@@ -82,15 +81,4 @@ inline std::u16string replaced(std::u16string text, const std::u16string& before
         text.replace(at, before.size(), after);
     }
     return text;
-}
-
-/// The MIB of a codec's name, 0 for none.
-inline int plainMib(std::string name) {
-    static const std::map<std::string, int> kMibs = {{"utf-8", 106},    {"iso-8859-1", 4}, {"iso8859-1", 4},
-                                                     {"cp819", 4},      {"ibm819", 4},     {"iso-ir-100", 4},
-                                                     {"csisolatin1", 4}};
-    for (char& c : name)
-        c = static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
-    const auto found = kMibs.find(name);
-    return found == kMibs.end() ? 0 : found->second;
 }

@@ -8,24 +8,19 @@
 
 namespace {
 
-char32_t only(const CZeList<char32_t>& codePoints) {
-    return codePoints.size() == 1 ? codePoints.at(0) : static_cast<char32_t>(-1);
-}
-
 TEST(StringCase, MapsEveryCodePointAsIcuDoes) {
-    UVersionInfo age;
-    for (char32_t codePoint = 0; codePoint <= 0x10FFFF; ++codePoint) {
-        u_charAge(static_cast<UChar32>(codePoint), age);
+    for (UChar32 codePoint = 0; codePoint <= 0x10FFFF; ++codePoint) {
+        UVersionInfo age;
+        u_charAge(codePoint, age);
         // Versions may know letters that others lack; 15 is that of the table.
         if ((codePoint >= 0xD800 && codePoint <= 0xDFFF) || age[0] == 0 || age[0] > 15)
             continue;
-        const CZeString s = CZeString::fromUcs4(&codePoint, 1);
-        ASSERT_EQ(only(s.toLower().toUcs4()),
-                  static_cast<char32_t>(u_tolower(static_cast<UChar32>(codePoint))))
-            << static_cast<uint32_t>(codePoint);
-        ASSERT_EQ(only(s.toUpper().toUcs4()),
-                  static_cast<char32_t>(u_toupper(static_cast<UChar32>(codePoint))))
-            << static_cast<uint32_t>(codePoint);
+        const auto string = [](UChar32 one) {
+            const auto unsignedOne = static_cast<char32_t>(one);
+            return CZeString::fromUcs4(&unsignedOne, 1);
+        };
+        ASSERT_EQ(string(codePoint).toLower(), string(u_tolower(codePoint))) << codePoint;
+        ASSERT_EQ(string(codePoint).toUpper(), string(u_toupper(codePoint))) << codePoint;
     }
 }
 
@@ -39,14 +34,16 @@ TEST(StringCase, MapsTextsAndReusesBlocks) {
         {u"\u0130\u01C5", u"i\u01C6", u"\u0130\u01C4"}, // no case of its own beside the title one
     };
     for (const auto& row : rows) {
-        const CZeString s = CZeString::fromUtf16(row.text.data(), static_cast<int>(row.text.size()));
+        const CZeString s = text(row.text);
         for (const bool isLower : {true, false}) {
             const CZeString mapped = isLower ? s.toLower() : s.toUpper();
             CZeString own(s.unicode(), s.size());
             const void* const block = own.constData();
             const CZeString moved = isLower ? std::move(own).toLower() : std::move(own).toUpper();
             EXPECT_EQ(units(mapped), isLower ? row.lower : row.upper);
-            EXPECT_TRUE(moved == mapped && moved.constData() == block && units(s) == row.text);
+            EXPECT_EQ(moved, mapped);
+            EXPECT_EQ(moved.constData(), block);
+            EXPECT_EQ(units(s), row.text);
             EXPECT_EQ(mapped.constData() == s.constData(), mapped == s);
         }
     }

@@ -11,21 +11,21 @@ namespace {
 
 TEST(String, TellsNullFromEmpty) {
     const CZeChar abc[] = {'a', 'b', 'c', CZeChar()};
-    const std::tuple<CZeString, bool, std::string> rows[] = {
+    const std::pair<CZeString, std::string> rows[] = {
         // clang-format off
-        {CZeString(), true, ""}, {CZeString(nullptr, 3), true, ""}, {CZeString(abc, 0), false, ""},
-        {CZeString(abc, 2), false, "ab"}, {CZeString(abc), false, "abc"}, {CZeChar('x'), false, "x"},
-        {CZeLatin1String(nullptr), true, ""}, {CZeLatin1String(""), false, ""},
-        {CZeString(3, CZeChar('x')), false, "xxx"}, {CZeString(-3, CZeChar('x')), false, ""},
-        {CZeString(0, Ze::Uninitialized), false, ""}, {CZeString(1 << 30, CZeChar('x')), true, ""},
-        {CZeString() = CZeChar('y'), false, "y"}, {CZeString() = CZeLatin1String("\xE9"), false, "\xC3\xA9"},
-        {CZeString(3, 'z').setUnicode(abc, 2), false, "ab"}, {CZeString::fromRawData(abc, 2), false, "ab"},
-        {CZeString::fromRawData(nullptr, 2), true, ""}, {CZeString::fromRawData(abc, 0), false, ""},
+        {CZeString(), "(null)"}, {CZeString(nullptr, 3), "(null)"}, {CZeString(abc, 0), ""},
+        {CZeString(abc, 2), "ab"}, {CZeString(abc), "abc"}, {CZeChar('x'), "x"},
+        {CZeLatin1String(nullptr), "(null)"}, {CZeLatin1String(""), ""}, {CZeString(3, CZeChar('x')), "xxx"},
+        {CZeString(-3, CZeChar('x')), ""}, {CZeString(0, Ze::Uninitialized), ""},
+        {CZeString(1 << 30, CZeChar('x')), "(null)"}, {CZeString() = CZeChar('y'), "y"},
+        {CZeString() = CZeLatin1String("\xE9"), "\xC3\xA9"}, {CZeString(3, 'z').setUnicode(abc, 2), "ab"},
+        {CZeString::fromRawData(abc, 2), "ab"}, {CZeString::fromRawData(nullptr, 2), "(null)"},
+        {CZeString::fromRawData(abc, 0), ""},
         // clang-format on
     };
-    for (const auto& [string, isNull, contents] : rows) {
-        EXPECT_TRUE(string.isNull() == isNull && utf8(string) == contents) << contents;
-        EXPECT_EQ(string == CZeString(), contents.empty());
+    for (const auto& [string, contents] : rows) {
+        EXPECT_EQ(shown(string), contents);
+        EXPECT_EQ(string == CZeString(), string.isEmpty());
     }
 }
 
@@ -53,13 +53,15 @@ TEST(String, StorageMembers) {
     CZeString s = text(u"abc");
     s.expand(2);
     EXPECT_EQ(utf8(s), "abc");
+    s.expand(3);
+    EXPECT_EQ(utf8(s), "abc ");
     s.expand(6);
     s.chop(2);
     s.chop(-1);
     EXPECT_EQ(utf8(s), "abc  ");
     EXPECT_EQ(utf8(s.fill('-', 3)), "---");
     s.chop(INT_MAX);
-    EXPECT_TRUE(s.isEmpty() && !s.isNull());
+    EXPECT_EQ(shown(s), "");
     s.reserve(100);
     s.append(CZeLatin1String("abc")).truncate(-1);
     s.reserve(5);
@@ -83,7 +85,9 @@ TEST(String, AppendGrowsGeometrically) {
         blocks += capacity != s.capacity();
         ASSERT_TRUE(s.size() >= capacity || s.constData() == block);
     }
-    EXPECT_TRUE(blocks <= 15 && s.at(99999) == static_cast<char16_t>(99999) && *s.end() == CZeChar());
+    EXPECT_LE(blocks, 15);
+    EXPECT_EQ(s.at(99999), CZeChar(99999));
+    EXPECT_EQ(*s.end(), CZeChar());
 }
 
 TEST(String, AppendMindsNull) {
@@ -99,8 +103,8 @@ TEST(String, AppendMindsNull) {
     CZeString shared = abc; // an empty string detaches, a null one does not
     EXPECT_EQ(shared.append(CZeString()).constData(), abc.constData());
     EXPECT_NE(shared.append(text(u"")).constData(), abc.constData());
-    EXPECT_EQ(utf8(shared + abc.leftRef(1) + CZeLatin1String("-") + abc.rightRef(2)), "abca-bc");
-    EXPECT_EQ(utf8(abc.leftRef(1) + abc.rightRef(1) + (abc.leftRef(2) + CZeChar('+'))), "acab+");
+    EXPECT_EQ(utf8(shared + abc.leftRef(1) + CZeLatin1String("-") + (abc.rightRef(2) + CZeChar('+'))),
+              "abca-bc+");
     EXPECT_EQ(utf8(CZeLatin1String("<") + abc + (abc.leftRef(1) + CZeLatin1String(">"))), "<abca>");
 }
 
@@ -117,24 +121,18 @@ TEST(String, InsertAtAndBehind) {
 }
 
 TEST(String, TakesItsOwnUnits) {
-    const std::u16string model = u"0123456789";
-    for (const int reserve : {10, 200}) {
-        for (int position = 0; position <= 12; ++position) {
-            for (int from = 0; from < 10; ++from) {
-                for (int count = 1; count <= 10 - from; ++count) {
-                    CZeString s = text(model.c_str());
-                    s.reserve(reserve);                                // with room in place, and without
-                    const CZeString copy = from % 2 ? s : CZeString(); // and shared in spite of the room
-                    s.insert(position, s.unicode() + from, count);
-                    std::u16string expected = model;
-                    expected.resize(static_cast<size_t>(std::max(position, 10)), ' ');
-                    expected.insert(static_cast<size_t>(position), model, static_cast<size_t>(from),
-                                    static_cast<size_t>(count));
-                    ASSERT_EQ(s, text(expected.c_str())) << position << ' ' << from << ' ' << count;
-                    ASSERT_TRUE(copy.isNull() || copy == text(model.c_str()));
-                }
-            }
-        }
+    for (int code = 0; code < 2 * 13 * 10 * 10; ++code) {
+        const int position = code % 13, from = code / 13 % 10,
+                  count = std::min(code / 130 % 10 + 1, 10 - from);
+        std::u16string model = u"0123456789";
+        const std::u16string own = model.substr(static_cast<size_t>(from), static_cast<size_t>(count));
+        CZeString s = text(model);
+        s.reserve(code < 1300 ? 10 : 200);                 // with room in place, and without
+        const CZeString copy = from % 2 ? s : CZeString(); // and shared in spite of the room
+        s.insert(position, s.unicode() + from, count);
+        model.resize(static_cast<size_t>(std::max(position, 10)), ' ');
+        ASSERT_EQ(units(s), model.insert(static_cast<size_t>(position), own)) << code;
+        ASSERT_EQ(utf8(copy), from % 2 ? "0123456789" : "") << code;
     }
     CZeString s = text(u"abc");
     const CZeString copy = s;
@@ -156,7 +154,8 @@ TEST(String, RefusesSizesBeyondTheLimit) {
     s.expand(INT_MAX - 1);
     s.reserve(INT_MAX);
     s.append(CZeString::fromRawData(&unit, INT_MAX)); // nobody looks at the units
-    EXPECT_TRUE(s == CZeLatin1String("abc") && s.constData() == block);
+    EXPECT_EQ(utf8(s), "abc");
+    EXPECT_EQ(s.constData(), block);
 }
 
 TEST(String, ComparesWithAndWithoutCase) {
@@ -165,38 +164,28 @@ TEST(String, ComparesWithAndWithoutCase) {
         int order, foldedOrder;
     } rows[] = {
         // clang-format off
-        {u"abc", u"abc", 0, 0}, {u"ABC", u"abc", -32, 0}, {u"ab", u"abcd", -2, -1}, {u"abcd", u"AB", 32, 1},
-        {u"a", u"Z", 'a' - 'Z', 'a' - 'z'}, {u"", u"abc", -3, -1}, {u"[", u"A", '[' - 'A', '[' - 'a'},
-        {u"@", u"`", '@' - '`', '@' - '`'}, // the neighbors of the letters do not fold
-        {u"[", u"{", '[' - '{', '[' - '{'}, {u"\u00C4A", u"\u00E4a", -32, -32}, // only A to Z fold
+        {u"ABC", u"abc", -32, 0}, {u"ab", u"abcd", -2, -1}, {u"abcd", u"AB", 32, 1}, {u"", u"abc", -3, -1},
+        {u"a", u"Z", 'a' - 'Z', 'a' - 'z'}, {u"[", u"A", '[' - 'A', '[' - 'a'},
+        {u"@", u"`", '@' - '`', '@' - '`'}, {u"[", u"{", '[' - '{', '[' - '{'}, // beside the letters
+        {u"\u00C4A", u"\u00E4a", -32, -32}, // only A to Z fold
         {u"\U00010000", u"\xD800z", 0xDC00 - 'z', 0x10000 - 'z'}, {u"\U00010401", u"\U00010400", 1, 1},
         {u"a\xDC00", u"a\xE000", 0xDC00 - 0xE000, 0xDC00 - 0xE000},
         // clang-format on
     };
     for (const auto& row : rows) {
-        const CZeString l = text(row.left);
-        const CZeString r = text(row.right);
+        const CZeString l = text(row.left), r = text(row.right);
         SCOPED_TRACE(utf8(l) + " " + utf8(r));
         EXPECT_EQ(l.compare(r), row.order);
         EXPECT_EQ(l.compare(CZeStringRef(&r)), row.order);
         EXPECT_EQ(l.compare(r, Ze::CaseInsensitive), row.foldedOrder);
         EXPECT_EQ(l.compare(r, static_cast<Ze::CaseSensitivity>(2)), row.foldedOrder);
         EXPECT_EQ(CZeStringRef(&r).compare(CZeStringRef(&l), Ze::CaseInsensitive), -row.foldedOrder);
-        const auto ordersAsItShould = [&row](const auto& left, const auto& right) {
-            return (left == right) == (row.order == 0) && (left != right) == (row.order != 0) &&
-                   (left < right) == (row.order < 0) && (left > right) == (row.order > 0) &&
-                   (left <= right) == (row.order <= 0) && (left >= right) == (row.order >= 0);
-        };
-        EXPECT_TRUE(ordersAsItShould(l, r) && ordersAsItShould(CZeStringRef(&l), CZeStringRef(&r)));
-        EXPECT_TRUE(ordersAsItShould(l, CZeStringRef(&r)) && ordersAsItShould(CZeStringRef(&l), r));
-        const CZeByteArray latin1[] = {l.toLatin1(), r.toLatin1()};
-        const CZeLatin1String left(latin1[0].constData()), right(latin1[1].constData());
-        if (CZeString(right) == r) {
-            EXPECT_EQ(l.compare(right), row.order);
-            EXPECT_EQ(l.compare(right, Ze::CaseInsensitive), row.foldedOrder);
-            EXPECT_TRUE(ordersAsItShould(l, right));
+        const CZeByteArray narrow = r.toLatin1();
+        const CZeLatin1String latin1(narrow.constData());
+        if (CZeString(latin1) == r) {
+            EXPECT_EQ(l.compare(latin1), row.order);
+            EXPECT_EQ(l.compare(latin1, Ze::CaseInsensitive), row.foldedOrder);
         }
-        EXPECT_TRUE(CZeString(left) != l || ordersAsItShould(left, r));
     }
     EXPECT_EQ(text(u"\u00E9"), CZeLatin1String("\xE9"));
     const CZeString empty = text(u""); // null views sort last without case
@@ -205,7 +194,33 @@ TEST(String, ComparesWithAndWithoutCase) {
     EXPECT_EQ(empty.compare(null, Ze::CaseInsensitive), -1);
     EXPECT_EQ(null.compare(CZeStringRef(&empty), Ze::CaseInsensitive), 1);
     EXPECT_EQ(null.compare(CZeStringRef(), Ze::CaseInsensitive), 0);
-    EXPECT_TRUE(empty == CZeLatin1String() && empty == null);
+    EXPECT_EQ(empty, CZeLatin1String());
+    EXPECT_EQ(empty, null);
+}
+
+/// What the operators ==, !=, <, <=, > and >= say, a letter for each that holds.
+template <class Left, class Right>
+std::string relations(const Left& l, const Right& r) {
+    const bool holds[] = {l == r, l != r, l<r, l <= r, l> r, l >= r};
+    std::string letters;
+    for (size_t i = 0; i < std::size(holds); ++i)
+        if (holds[i])
+            letters += "enlLgG"[i];
+    return letters;
+}
+
+TEST(String, HasEveryOperatorForEveryFormOfText) {
+    const CZeString a = text(u"a"), b = text(u"b");
+    for (const auto& [l, r, expected] :
+         {std::tuple(a, a, "eLG"), std::tuple(a, b, "nlL"), std::tuple(b, a, "ngG")}) {
+        const CZeByteArray left = l.toLatin1(), right = r.toLatin1();
+        EXPECT_EQ(relations(l, r), expected);
+        EXPECT_EQ(relations(CZeStringRef(&l), CZeStringRef(&r)), expected);
+        EXPECT_EQ(relations(l, CZeStringRef(&r)), expected);
+        EXPECT_EQ(relations(CZeStringRef(&l), r), expected);
+        EXPECT_EQ(relations(l, CZeLatin1String(right.constData())), expected);
+        EXPECT_EQ(relations(CZeLatin1String(left.constData()), r), expected);
+    }
 }
 
 TEST(String, CutsPieces) {
@@ -217,17 +232,21 @@ TEST(String, CutsPieces) {
             EXPECT_EQ(utf8(view), bytes(s.toLatin1().mid(position, count))); // one rule for all
             EXPECT_EQ(utf8(view), utf8(piece));
             const bool isOutside = position > 10 || (count >= 0 && position < 0 && position + count <= 0);
-            EXPECT_TRUE(view.isNull() == isOutside && piece.isNull() == isOutside);
+            EXPECT_EQ(view.isNull(), isOutside);
+            EXPECT_EQ(piece.isNull(), isOutside);
             EXPECT_EQ(piece.constData() == s.constData(), piece.size() == 10); // a shared copy
         }
     }
     EXPECT_EQ(utf8(s.left(3)) + utf8(s.leftRef(3)) + utf8(s.right(3)) + utf8(s.rightRef(3)), "012012789789");
     const CZeByteArray array = s.toLatin1();
     EXPECT_EQ(bytes(array.left(3)) + bytes(array.right(3)), "012789");
-    EXPECT_TRUE(s.left(0).isEmpty() && s.rightRef(0).isEmpty() && !s.right(0).isNull());
+    EXPECT_EQ(shown(s.right(0)) + utf8(s.left(0)) + utf8(s.rightRef(0)), "");
     for (const int all : {-1, 10, 11}) {
-        EXPECT_TRUE(s.left(all) == s && s.right(all) == s && s.leftRef(all) == s && s.rightRef(all) == s);
-        EXPECT_TRUE(array.left(all) == array && array.right(all).constData() == array.constData());
+        for (const CZeString& whole :
+             {s.left(all), s.right(all), s.leftRef(all).toString(), s.rightRef(all).toString()})
+            EXPECT_EQ(whole.constData(), s.constData());
+        EXPECT_EQ(array.left(all).constData(), array.constData());
+        EXPECT_EQ(array.right(all).constData(), array.constData());
     }
 }
 
@@ -244,8 +263,7 @@ TEST(String, Splits) {
         const char *kept, *skipped, *folded;
     } rows[] = {
         // clang-format off
-        {u"a,b,,c", u",", "<a><b><><c>", "<a><b><c>", "<a><b><><c>"}, {u",a,", u",", "<><a><>", "<a>", "<><a><>"},
-        {u"abc", u",", "<abc>", "<abc>", "<abc>"}, {u"", u",", "<>", "", "<>"},
+        {u",a,,b,", u",", "<><a><><b><>", "<a><b>", "<><a><><b><>"}, {u"", u",", "<>", "", "<>"},
         {u"aXbxc", u"x", "<aXb><c>", "<aXb><c>", "<a><b><c>"}, {u"aab", u"ab", "<a><>", "<a>", "<a><>"},
         {u"1--2---3", u"--", "<1><2><-3>", "<1><2><-3>", "<1><2><-3>"},
         {u"aEndbENDc", u"END", "<aEndb><c>", "<aEndb><c>", "<a><b><c>"},
@@ -262,8 +280,10 @@ TEST(String, Splits) {
         const CZeStringRefList views = s.splitRef(separator);
         const auto isPart = [&s](auto view, auto part) { return view.string() == &s && view == part; };
         EXPECT_TRUE(std::equal(views.begin(), views.end(), parts.begin(), parts.end(), isPart));
-        EXPECT_TRUE(separator.size() != 1 ||
-                    (s.split(separator.at(0)) == parts && s.splitRef(separator.at(0)) == views));
+        if (separator.size() == 1) {
+            EXPECT_EQ(s.split(separator.at(0)), parts);
+            EXPECT_EQ(s.splitRef(separator.at(0)), views);
+        }
     }
 }
 
@@ -271,24 +291,23 @@ TEST(String, Sections) {
     const CZeString path = text(u"/usr/local/bin/tool");
     const std::tuple<int, int, const char*> rows[] = {
         // clang-format off
-        {3, 4, "bin/tool"}, {3, 3, "bin"}, {0, 0, ""}, {0, 1, "/usr"}, {-1, -1, "tool"}, {-2, -1, "bin/tool"},
-        {1, -2, "usr/local/bin"}, {2, 99, "local/bin/tool"}, {-99, 1, "/usr"}, {5, 9, ""}, {3, 2, ""},
-        {-99, -50, ""}, {0, -1, "/usr/local/bin/tool"},
+        {3, 3, "bin"}, {0, 0, ""}, {0, 1, "/usr"}, {-1, -1, "tool"}, {-2, -1, "bin/tool"},
+        {1, -2, "usr/local/bin"}, {2, 99, "local/bin/tool"}, {-99, 1, "/usr"}, {5, 9, "(null)"}, {3, 2, "(null)"},
+        {-99, -50, "(null)"},
         // clang-format on
     };
     for (const auto& [first, last, contents] : rows) {
-        EXPECT_EQ(utf8(path.section('/', first, last)), contents) << first << last;
-        EXPECT_EQ(utf8(path.section(text(u"/"), first, last)), contents);
+        EXPECT_EQ(shown(path.section('/', first, last)), contents) << first << last;
+        EXPECT_EQ(shown(path.section(text(u"/"), first, last)), contents);
     }
     EXPECT_EQ(utf8(text(u"1aNd2AND3").section(text(u"and"), 1, 1, Ze::CaseInsensitive)), "2");
-    EXPECT_TRUE(path.section('/', 5, 9).isNull() && path.section('/', -99, -50).isNull());
 }
 
 TEST(String, TrimsAndSimplifies) {
     const std::tuple<const char16_t*, const char*, const char*> rows[] = {
         // clang-format off
-        {u" \t\n\v\f\r a \t b \r\n", "a \t b", "a b"}, {u"ab", "ab", "ab"}, {u"a b", "a b", "a b"}, {u"   ", "", ""},
-        {u"", "", ""}, {u" x", "x", "x"}, {u"x ", "x", "x"}, {u"a\tb", "a\tb", "a b"}, {u"a  b", "a  b", "a b"},
+        {u" \t\n\v\f\r a \t b \r\n", "a \t b", "a b"}, {u"a b", "a b", "a b"}, {u"   ", "", ""}, {u"", "", ""},
+        {u" x", "x", "x"}, {u"x ", "x", "x"}, {u"a\tb", "a\tb", "a b"},
         {u"\u0085\u00A0\u1680\u180E\u2000\u2006\u2008\u2009\u200A\u2028\u2029\u205F\u3000x", "x", "x"},
         {u"\u2001\u2007x", "\xE2\x80\x81\xE2\x80\x87x", "\xE2\x80\x81\xE2\x80\x87x"}, // no such spaces here
         {u"\u200B\u202F", "\xE2\x80\x8B\xE2\x80\xAF", "\xE2\x80\x8B\xE2\x80\xAF"},
@@ -296,25 +315,20 @@ TEST(String, TrimsAndSimplifies) {
     };
     for (const auto& [string, trimmed, simplified] : rows) {
         const CZeString s = text(string);
-        for (const bool trims : {true, false}) {
-            const std::string expected = trims ? trimmed : simplified;
-            const auto clean = [trims](auto&& dirty) {
-                return trims ? std::forward<decltype(dirty)>(dirty).trimmed()
-                             : std::forward<decltype(dirty)>(dirty).simplified();
-            };
-            CZeString own(s.unicode(), s.size());
-            const void* const block = own.constData();
-            const CZeString moved = clean(std::move(own));
-            for (const CZeString& cleaned : {clean(s), moved, clean(CZeString(s))}) {
-                EXPECT_EQ(utf8(cleaned), expected);
-                EXPECT_TRUE(!cleaned.isNull() && *cleaned.end() == CZeChar());
-            }
-            EXPECT_TRUE(moved.constData() == block || 2 * moved.size() <= s.size());
-            EXPECT_EQ(clean(s).constData() == s.constData() || s.isEmpty(), s == moved);
-            EXPECT_EQ(s, text(string));
-            EXPECT_TRUE(clean(CZeString()).isNull());
-        }
+        EXPECT_EQ(shown(s.trimmed()), trimmed);
+        EXPECT_EQ(shown(s.simplified()), simplified);
+        EXPECT_EQ(shown(CZeString(s.unicode(), s.size()).trimmed()), trimmed);
+        EXPECT_EQ(shown(CZeString(s.unicode(), s.size()).simplified()), simplified);
     }
+    CZeString own = text(u" a  b ");
+    const void* const block = own.constData(); // which a temporary string lends
+    CZeString trimmed = std::move(own).trimmed();
+    EXPECT_EQ(trimmed.constData(), block);
+    const CZeString copy = trimmed, clean = CZeString(trimmed).simplified();
+    EXPECT_EQ(utf8(copy) + utf8(clean), "a  ba b");
+    EXPECT_EQ(clean.trimmed().constData(), clean.constData());
+    EXPECT_EQ(clean.simplified().constData(), clean.constData());
+    EXPECT_EQ(shown(CZeString().trimmed()) + shown(CZeString().simplified()), "(null)(null)");
 }
 
 } // namespace

@@ -7,8 +7,8 @@
 #include <ostream>
 #include <string>
 
-inline CZeString text(const char16_t* literal) {
-    return CZeString::fromUtf16(literal);
+inline CZeString text(const std::u16string& units) {
+    return CZeString::fromUtf16(units.data(), static_cast<int>(units.size()));
 }
 
 /// The bytes with embedded zeros.
@@ -27,6 +27,14 @@ inline std::string utf8(const CZeStringRef& view) {
     return utf8(view.toString());
 }
 
+/// The contents, or "(null)".
+inline std::string shown(const CZeByteArray& array) {
+    return array.isNull() ? "(null)" : bytes(array);
+}
+inline std::string shown(const CZeString& string) {
+    return string.isNull() ? "(null)" : utf8(string);
+}
+
 inline void PrintTo(const CZeString& string, std::ostream* out) {
-    *out << (string.isNull() ? "null " : "") << '"' << utf8(string) << '"';
+    *out << '"' << shown(string) << '"';
 }
