@@ -30,8 +30,8 @@ esac
 [ ! -e "$output" ] || fail "$output exists; name another OUTPUT, or use zebeauty render -y to overwrite"
 [ -z "$output" ] || [ -d "${output%/*}/" ] || fail "${output%/*} is no directory"
 
-./setup/install.sh
-[ -f build/release/build.ninja ] || cmake --preset release >/dev/null
+./setup/install.sh tool
+[ -f build/release/build.ninja ] || cmake --preset release -DZE_BUILD_TESTS=OFF >/dev/null
 cmake --build --preset release --target zebeauty >&2
 
 # NASA's portrait of Eileen Collins, out of a Debian package that carries it as sample data.

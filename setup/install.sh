@@ -1,16 +1,15 @@
 #!/usr/bin/env bash
-# Installs the packages of setup/packages.txt that are missing, as root or through sudo. With the argument arm64
-# those of setup/packages-arm64.txt too, of which some are of the architecture arm64. Prints nothing and needs no
-# rights when nothing is missing.
+# Installs Debian packages that are missing, as root or through sudo:
+#     setup/install.sh [SET...]
+# SET is tool, test, bench, arm64 or ci, for the packages in the file of that name here; without one it is all but
+# arm64. Some packages of arm64 are of that architecture. Prints nothing and needs no rights when nothing is missing.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
-lists=(packages.txt)
-case ${1:-} in
-    "") ;;
-    arm64) lists+=(packages-arm64.txt) ;;
-    *) echo "usage: setup/install.sh [arm64]" >&2; exit 2 ;;
-esac
+[ $# -gt 0 ] || set -- tool test bench ci
+for set; do
+    [ -f "$set.txt" ] || { echo "setup: there is no set $set; see the head of setup/install.sh" >&2; exit 2; }
+done
 
 native=$(dpkg --print-architecture)
 # A package may be there for several architectures, a line for each.
@@ -24,7 +23,7 @@ is_installed() {
 missing=()
 while read -r package; do
     is_installed "$package" || missing+=("$package")
-done < <(grep -hvE '^[[:space:]]*(#|$)' "${lists[@]}")
+done < <(grep -hvE '^[[:space:]]*(#|$)' "${@/%/.txt}" | sort -u)
 [ ${#missing[@]} -eq 0 ] && exit 0
 
 as_root=()

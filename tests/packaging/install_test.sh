@@ -16,8 +16,8 @@ mv "$work/first place" "$prefix"
 cp -r "$here/consumer" "$work"
 (cd "$prefix/include/ZeBeautyEffect" && find . -name '*.h' -printf '#include "%P"\n') >"$work/consumer/all_headers.h"
 
-"$CMAKE_COMMAND" -S "$work/consumer" -B "$work/build" -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$CXX" \
-    -DCMAKE_CXX_STANDARD=17 >/dev/null
+"$CMAKE_COMMAND" -S "$work/consumer" -B "$work/build" -G "$GENERATOR" -DCMAKE_PREFIX_PATH="$prefix" \
+    -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_STANDARD=17 >/dev/null
 "$CMAKE_COMMAND" --build "$work/build" >/dev/null
 "$work/build/consumer"
 

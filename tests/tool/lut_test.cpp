@@ -10,9 +10,7 @@
 #include "tool/lut/lut_picture.h"
 #include "tool/lut/number_text.h"
 
-#include <clocale>
 #include <functional>
-#include <locale>
 
 using namespace ze::tool;
 using namespace std::string_literals;
@@ -96,32 +94,9 @@ protected:
     Clamping m_clamping;
 };
 
-/// The decimal comma of Germany, for all of this process while it lives.
-class GermanLocale {
-public:
-    explicit GermanLocale(const TempDirectory& directory) {
-        const std::string make = "localedef -i de_DE -f UTF-8 '" + (directory / "de_DE.UTF-8") + "' 2>&-";
-        if (std::system(make.c_str()) == 0)
-            setenv("LOCPATH", directory.path().c_str(), 1);
-        try {
-            std::locale::global(std::locale("de_DE.UTF-8"));
-            m_isSet = std::localeconv()->decimal_point == std::string(",");
-        } catch (const std::runtime_error&) {
-        }
-    }
-    ~GermanLocale() {
-        std::locale::global(std::locale::classic());
-        unsetenv("LOCPATH");
-    }
-    bool isSet() const { return m_isSet; }
-
-private:
-    bool m_isSet = false;
-};
-
 } // namespace
 
-TEST_F(Lut, EveryFamilyOfFilesGivesItsTableInEveryLocale) {
+TEST_F(Lut, EveryFamilyOfFilesGivesItsTable) {
     const std::vector<float> even = ::evenLevels(4);
     const Grade upsideDown = [](Color in) { return strange({1 - in[0], 1 - in[1], 1 - in[2]}); };
     const Grade doubled = [](Color in) { return strange({2 * in[0], 2 * in[1], 2 * in[2]}); };
@@ -154,21 +129,12 @@ TEST_F(Lut, EveryFamilyOfFilesGivesItsTableInEveryLocale) {
         {"1.lut", LutFile{even, false, 0, {0, 0, 0, 28, 28, 28, 113, 113, 113, 255, 255, 255}}.bytes(), squared},
     };
     // clang-format on
-    const auto bakeAll = [&] {
-        for (const auto& c : cases) {
-            SCOPED_TRACE(c.name);
-            write(c.name, c.bytes);
-            expectNear(baked(c.name, even).colors, tableOf(c.grade, even).colors, c.name[2] == '3' ? 1 : 0);
-        }
-        EXPECT_EQ(m_clamping.count, 0u);
-        EXPECT_EQ(cubeText(tableOf(strange, even)).substr(0, 41),
-                  "LUT_3D_SIZE 4\n0.101961 0.000000 1.000000\n");
-    };
-    bakeAll();
-    const GermanLocale german(m_streams);
-    if (!german.isSet())
-        GTEST_SKIP() << "no locale with a decimal comma: there is none and localedef cannot make one";
-    bakeAll();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        write(c.name, c.bytes);
+        expectNear(baked(c.name, even).colors, tableOf(c.grade, even).colors, c.name[2] == '3' ? 1 : 0);
+    }
+    EXPECT_EQ(m_clamping.count, 0u);
 }
 
 TEST_F(Lut, WritesFilesByteForByte) {
@@ -181,6 +147,26 @@ TEST_F(Lut, WritesFilesByteForByte) {
     ASSERT_EQ(run("lut identity 2 two.lut"), 0) << errorText();
     EXPECT_EQ(bytesOf("two.lut"), (LutFile{{0, 1}}.fill([](size_t i) { return 255 * i; }).bytes()));
     EXPECT_EQ(outputText() + errorText(), "");
+}
+
+TEST_F(Lut, NumbersHaveAPointWhereTheUserHasAComma) {
+    if (std::system(("localedef -i de_DE -f UTF-8 '" + (m_streams / "de_DE.UTF-8") + "' 2>&-").c_str()) != 0)
+        GTEST_SKIP() << "localedef or its sources are not installed";
+    write("in.cube", cube(strange, 4));
+    write("in.png", Picture(2, 2));
+    const auto bakeAndExport = [&](const std::string& environment) {
+        EXPECT_EQ(run("lut bake -y in.cube a.lut --levels-at 0,0.5,1 && '" ZEBEAUTY
+                      "' lut export -y a.lut a.cube && '" ZEBEAUTY
+                      "' render -y in.png out.png --smooth 0.0 --whiten 0.0",
+                      environment),
+                  0)
+            << errorText();
+        return bytesOf("a.lut") + bytesOf("a.cube");
+    };
+    // glibc never frees what it makes of LOCPATH: AddressSanitizer would end this run as a leak.
+    EXPECT_EQ(bakeAndExport("export LC_ALL=de_DE.UTF-8 ASAN_OPTIONS=detect_leaks=0 LOCPATH='" +
+                            m_streams.path() + "';"),
+              bakeAndExport(""));
 }
 
 TEST_F(Lut, LevelsLieWhereTheyAreAskedFor) {
