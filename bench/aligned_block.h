@@ -13,14 +13,14 @@ struct FreeBlock {
 };
 using AlignedBlock = std::unique_ptr<uint8_t[], FreeBlock>;
 
-/// A block that starts on 64 bytes, as the staging buffer does, with every page touched: its bytes follow a
-/// formula that repeats late.
+/// A block aligned to 64 bytes, as the staging buffer is. Every page has been touched; the bytes follow a
+/// formula with a long period.
 inline AlignedBlock makeBlock(size_t size) {
     void* memory = nullptr;
     if (posix_memalign(&memory, 64, size) != 0)
         throw std::bad_alloc();
     AlignedBlock block(static_cast<uint8_t*>(memory));
     for (size_t i = 0; i < size; ++i)
-        block[i] = uint8_t(i * 2654435761u >> 13);
+        block[i] = static_cast<uint8_t>(i * 2654435761u >> 13);
     return block;
 }

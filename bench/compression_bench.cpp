@@ -39,12 +39,13 @@ uLong restoreWithZlib(const std::string& stream, std::vector<Bytef>& out) {
 } // namespace
 
 int main(int argc, char** argv) {
-    for (const size_t size : {size_t{1} << 12, size_t{1} << 16, size_t{1} << 20}) {
+    constexpr size_t kSizes[] = {1 << 12, 1 << 16, 1 << 20};
+    for (const size_t size : kSizes) {
         const std::string text = makeText(size);
         std::vector<Bytef> room(compressBound(size));
         const uLong packedSize = compressWithZlib(text, room);
-        const std::string stream(room.begin(), room.begin() + ptrdiff_t(packedSize));
-        const CZeByteArray block = ZeCompress(text.data(), int(size));
+        const std::string stream(room.begin(), room.begin() + static_cast<ptrdiff_t>(packedSize));
+        const CZeByteArray block = ZeCompress(text.data(), static_cast<int>(size));
         const CZeByteArray restored = ZeUncompress(block.constData(), block.size());
         if (std::string(block.begin() + 4, block.end()) != stream ||
             std::string(restored.begin(), restored.end()) != text || restoreWithZlib(stream, room) != size) {
@@ -54,7 +55,9 @@ int main(int argc, char** argv) {
         const std::string suffix = "/" + std::to_string(size >> 10) + " KB";
         addComparison(
             "ZeCompress" + suffix,
-            [text] { benchmark::DoNotOptimize(ZeCompress(text.data(), int(text.size())).constData()); },
+            [text] {
+                benchmark::DoNotOptimize(ZeCompress(text.data(), static_cast<int>(text.size())).constData());
+            },
             {{"zlib", [text, room]() mutable { benchmark::DoNotOptimize(compressWithZlib(text, room)); }}});
         addComparison(
             "ZeUncompress" + suffix,

@@ -14,7 +14,7 @@ struct Probe {
     std::span<const Step> passes;
     FrameTimes times;
     Step step = Step::yuvToRgb; ///< Of the latest call.
-    Clock::time_point counted;  ///< Time up to here belongs to a step.
+    Clock::time_point counted;  ///< All time before this has been added to a step.
 
     void countTo(Step owner) {
         const Clock::time_point now = Clock::now();
@@ -24,13 +24,13 @@ struct Probe {
 };
 Probe g_probe;
 
-/// The step of a call that is no upload: draws divide the frame.
+/// The step of a call other than an upload, told by the number of draws so far.
 Step stepByDraws() {
     const size_t draws = g_probe.times.draws;
     return draws < g_probe.passes.size() ? g_probe.passes[draws] : Step::readBack;
 }
 
-/// Lives as long as a call into the driver.
+/// Exists for the duration of a call into the driver.
 class DriverCall {
 public:
     explicit DriverCall(Step step) {
@@ -57,8 +57,8 @@ FrameTimes timeFrame(Splits splits, std::span<const Step> passes, const std::fun
     return g_probe.times;
 }
 
-// The linker turns the library's reference to `name` into one to __wrap_`name`, and __real_`name` into the
-// driver's function. CMakeLists.txt lists the same names; the link fails where the two lists differ.
+// The linker turns the library's calls of `name` into calls of __wrap_`name`, and __real_`name` is the
+// driver's function. CMakeLists.txt lists the same names; linking fails when the two lists differ.
 #define ZE_WRAP(step, result, name, parameters, arguments)                                                   \
     decltype(name) __real_##name;                                                                            \
     decltype(name) __wrap_##name;                                                                            \

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr size_t kFileSize = 100'000'000;
-constexpr size_t kPieceSize = 64;
+constexpr int64_t kPieceSize = 64;
 
 /// Something that depends on every piece.
 uint64_t mix(uint64_t sum, const char* piece) {
@@ -38,7 +38,7 @@ uint64_t readWithLibrary(const std::string& path) {
     if (!file.open(Ze::ReadOnly))
         return 0;
     char piece[kPieceSize];
-    while (file.read(piece, kPieceSize) == int64_t{kPieceSize})
+    while (file.read(piece, kPieceSize) == kPieceSize)
         sum = mix(sum, piece);
     return sum;
 }

@@ -1,6 +1,6 @@
-// A whole frame with the beauty effect, step by step, as it is and with its shaders in highp. With the
-// argument "lut" two look-up tables of 33 levels that change nothing follow: one with uniform levels, one
-// with others.
+// A whole frame with the beauty effect, step by step, with the shaders as they are and in highp. The argument
+// "lut" adds two look-up tables of 33 levels that change nothing, one with uniform levels and one with
+// others.
 
 #include "api/render_core.h"
 #include "bench/driver_probe.h"
@@ -28,7 +28,7 @@ namespace {
 
 constexpr int kWidth = 1280;
 constexpr int kHeight = 720;
-constexpr size_t kPixels = size_t{kWidth} * kHeight;
+constexpr size_t kPixels = kWidth * kHeight;
 constexpr float kSmooth = 0.8f;
 constexpr float kWhiten = 0.2f;
 
@@ -108,14 +108,14 @@ private:
         ZecSetLutParams(m_effects.back(), path, 1);
     }
 
-    /// Another context that is current would be destroyed by the frame.
+    /// Makes the own context current: a frame would destroy the context of another Beautifier.
     void enter() {
         eglMakeCurrent(eglGetDisplay(EGL_DEFAULT_DISPLAY), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
         if (m_core->context)
             ze::makeContextCurrent(*m_core->context);
     }
 
-    const TempDirectory m_directory; ///< Of the tables, which the first frame reads.
+    const TempDirectory m_directory; ///< Holds the tables, which the first frame reads.
     ZecRenderCore* m_core = ZecCreateRenderCore();
     std::vector<ZecEffect*> m_effects{ZecCreateEffect(0)};
     std::vector<Step> m_passes{Step::yuvToRgb, Step::blur, Step::mix, Step::rgbToYuv};
@@ -130,7 +130,7 @@ double meanLuma(const Frame& frame) {
     double sum = 0;
     for (size_t i = 0; i < kPixels; ++i)
         sum += frame.bytes[i];
-    return sum / double(kPixels);
+    return sum / static_cast<double>(kPixels);
 }
 
 int largestDifference(const Frame& a, const Frame& b) {
@@ -143,7 +143,7 @@ int largestDifference(const Frame& a, const Frame& b) {
 /// Smoothing keeps the mean; whitening lifts it by 0.15 of its amount, a little less where white is reached.
 void checkFrames(const Frame& input, const Frame& shipped, const Frame& highp) {
     const double lift = meanLuma(highp) - meanLuma(input);
-    const double fullLift = 255 * 0.15 * double{kWhiten};
+    const double fullLift = 255 * 0.15 * static_cast<double>(kWhiten);
     std::printf("mean luma lifted by %.1f of %.1f levels, highp differs by up to %d levels\n", lift, fullLift,
                 largestDifference(shipped, highp));
     if (lift < 0.8 * fullLift || lift > 1.02 * fullLift)
@@ -234,7 +234,7 @@ void measure(bool hasLuts) {
             precision->split.push_back(precision->beautifier.render(input, Splits::finished));
     }
     std::printf("%d x %d, NV12, smooth %.1f, whiten %.1f, medians of %zu rounds\n\n", kWidth, kHeight,
-                double{kSmooth}, double{kWhiten}, shipped.split.size());
+                static_cast<double>(kSmooth), static_cast<double>(kWhiten), shipped.split.size());
     printTable(shipped, highp);
 }
 

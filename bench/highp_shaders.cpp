@@ -13,7 +13,7 @@ int g_replacedWords = 0;
 std::string inHighp(std::string source) {
     constexpr std::string_view kHighp = "highp";
     for (const std::string_view lower : {"lowp", "mediump"})
-        for (size_t at = 0; (at = source.find(lower, at)) != std::string::npos; at += kHighp.size()) {
+        for (size_t at = source.find(lower); at != source.npos; at = source.find(lower, at)) {
             source.replace(at, lower.size(), kHighp);
             ++g_replacedWords;
         }
@@ -35,14 +35,17 @@ int HighpShaders::replacedWords() const {
     return g_replacedWords;
 }
 
-// The linker leads the library's calls of glShaderSource here. It hands over one whole string at a time.
+// The linker turns the library's calls of glShaderSource into calls of this. Each has one string with its
+// end.
 extern "C" {
 
 decltype(glShaderSource) __real_glShaderSource, __wrap_glShaderSource;
 
 void __wrap_glShaderSource(GLuint shader, GLsizei count, const GLchar* const* strings, const GLint* lengths) {
-    if (!g_isOn)
-        return __real_glShaderSource(shader, count, strings, lengths);
+    if (!g_isOn) {
+        __real_glShaderSource(shader, count, strings, lengths);
+        return;
+    }
     const std::string highp = inHighp(strings[0]);
     const GLchar* const text = highp.c_str();
     __real_glShaderSource(shader, 1, &text, nullptr);

@@ -1,9 +1,10 @@
-// What lower precisions in shaders are worth: the same programs in highp.
+// The library's shader programs in highp, to compare with the lower precisions that they name.
 
 #pragma once
 
-/// While one lives, programs that the library makes have highp in place of lowp and mediump, and in place of
-/// the lowp that samplers have of themselves. Programs that exist keep theirs. One at a time.
+/// Programs that the library makes while an object of this class exists have highp in place of lowp and
+/// mediump, also in place of the lowp that samplers have by default. Older programs keep their precisions.
+/// One object at a time.
 class HighpShaders {
 public:
     HighpShaders();
@@ -11,6 +12,6 @@ public:
     HighpShaders(const HighpShaders&) = delete;
     HighpShaders& operator=(const HighpShaders&) = delete;
 
-    /// How many words have been replaced so far.
+    /// How many words this object has replaced so far.
     int replacedWords() const;
 };

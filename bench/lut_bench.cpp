@@ -1,4 +1,4 @@
-// Loading a LUT file of 65 levels, up to where the texture would be made, against fread of its bytes.
+// Loading a LUT file of 65 levels, without making its texture, against fread of its bytes.
 
 #include "bench/aligned_block.h"
 #include "bench/ratio.h"
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// With one call, into `bytes`. Returns how many came.
+/// Reads with one call into `bytes`. Returns how many came.
 size_t readWhole(const std::string& path, uint8_t* bytes, size_t size) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"), std::fclose);
     return file ? std::fread(bytes, 1, size, file.get()) : 0;

@@ -1,4 +1,4 @@
-// The middle of a set of measurements.
+// The median of measurements.
 
 #pragma once
 
@@ -6,9 +6,9 @@
 #include <cstddef>
 #include <vector>
 
-/// The value that at least half of `values` do not exceed; there is at least one.
+/// The median of `values`, of which there is at least one.
 inline double median(std::vector<double> values) {
-    const auto middle = values.begin() + std::ptrdiff_t(values.size() / 2);
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
     std::nth_element(values.begin(), middle, values.end());
     return *middle;
 }

@@ -17,7 +17,7 @@ struct Frame {
     int width, height;
     ZecImage input{}, output{};
 
-    size_t pixels() const { return size_t(width) * size_t(height); }
+    size_t pixels() const { return static_cast<size_t>(width) * static_cast<size_t>(height); }
 };
 
 void copy(const Frame& frame) {
@@ -46,14 +46,15 @@ bool agree(const Frame& frame, void (*baseline)(const Frame&)) {
     return std::memcmp(expected.get(), frame.output.planes[0], size) == 0;
 }
 
-/// Adds the copy out of rows that lie `padding` bytes apart into rows that touch.
+/// Adds the copy of rows with `padding` bytes between them to rows without. Returns whether it copies right.
 bool addCopy(int width, int height, int padding) {
-    static std::vector<AlignedBlock> blocks; // they live as long as the benchmarks
+    static std::vector<AlignedBlock> blocks; // The benchmarks that are added here run later.
     Frame frame{width, height};
     const int pitch = width + padding;
-    uint8_t* const input = blocks.emplace_back(makeBlock(size_t(pitch) * size_t(height) * 3 / 2)).get();
+    const size_t lumaSize = static_cast<size_t>(pitch) * static_cast<size_t>(height);
+    uint8_t* const input = blocks.emplace_back(makeBlock(lumaSize * 3 / 2)).get();
     uint8_t* const output = blocks.emplace_back(makeBlock(frame.pixels() * 3 / 2)).get();
-    frame.input = {{input, input + ptrdiff_t{pitch} * height}, {pitch, pitch}};
+    frame.input = {{input, input + lumaSize}, {pitch, pitch}};
     frame.output = {{output, output + frame.pixels()}, {width, width}};
 
     const auto baseline = padding ? copyWithLibyuv : copyWithMemcpy;

@@ -13,7 +13,7 @@ namespace {
 constexpr double kTurnSeconds = 0.002;
 constexpr int kTurns = 201;
 
-/// Seconds that a call takes, the mean of `calls` calls that follow each other.
+/// The seconds that a call of `run` takes, averaged over `calls` calls in a row.
 double secondsPerCall(const std::function<void()>& run, int calls) {
     run();
     const auto start = std::chrono::steady_clock::now();
@@ -26,7 +26,7 @@ double secondsPerCall(const std::function<void()>& run, int calls) {
 /// Measures `contenders`, of which the first is the library.
 void measure(benchmark::State& state, const std::vector<Contender>& contenders) {
     const size_t count = contenders.size();
-    const int calls = std::max(1, int(kTurnSeconds / secondsPerCall(contenders[0].run, 5)));
+    const int calls = std::max(1, static_cast<int>(kTurnSeconds / secondsPerCall(contenders[0].run, 5)));
     std::vector<double> seconds(count), libraryTimes;
     std::vector<std::vector<double>> ratios(count);
     size_t first = 0;
@@ -62,7 +62,7 @@ int runComparisons(int argc, char** argv) {
     char tabular[] = "--benchmark_counters_tabular=true";
     std::vector<char*> arguments{argv[0], tabular};
     arguments.insert(arguments.end(), argv + 1, argv + argc);
-    int count = int(arguments.size());
+    int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
         return 1;

@@ -1,5 +1,4 @@
-// Benchmarks that are read as ratios: the library against something known that does equal work in the same
-// run.
+// Benchmarks that print ratios: the library against something known that does equal work in the same run.
 
 #pragma once
 
@@ -15,8 +14,8 @@ struct Contender {
 
 /// Adds the benchmark `work`. Its counters are the median time of `library` in microseconds and, for each
 /// baseline, the median of the baseline's time divided by the library's: above 1 the library is the faster
-/// one. All take turns of about two milliseconds, each after one call to warm up, and a ratio is taken
-/// between neighbors in time, so that it does not follow the load of the machine.
+/// one. All take turns of about two milliseconds, each after one call to warm up. A ratio is taken within a
+/// round of turns, so that it depends little on the load of the machine.
 void addComparison(const std::string& work, std::function<void()> library,
                    const std::vector<Contender>& baselines);
 

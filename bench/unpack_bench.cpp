@@ -18,7 +18,7 @@ struct Frame {
     bool nv21 = false;
     ZecImage staging{}, output{};
 
-    size_t pixels() const { return size_t(width) * size_t(height); }
+    size_t pixels() const { return static_cast<size_t>(width) * static_cast<size_t>(height); }
 };
 
 /// The plain copy reads and writes 1.75 bytes a pixel; unpacking reads 2 and writes 1.5.
@@ -26,15 +26,14 @@ void copyEqualBytes(const Frame& frame) {
     std::memcpy(frame.output.planes[0], frame.staging.planes[0], frame.pixels() * 7 / 4);
 }
 
-/// libyuv has no such function whole. Its luma extraction takes the even bytes, the one for the layout with
-/// chroma first the odd ones, which are the chroma pairs. Row pair by row pair it is faster than plane by
-/// plane.
+/// libyuv has no function that does all of it. YUY2ToY takes the even bytes, which are luma, and UYVYToY the
+/// odd ones, which are chroma pairs. A pair of rows at a time is faster than a plane at a time.
 void unpackWithLibyuv(const Frame& frame) {
     const int pitch = frame.staging.pitches[0];
-    for (int row = 0; row < frame.height; row += 2) {
-        const uint8_t* from = frame.staging.planes[0] + ptrdiff_t{row} * pitch;
-        uint8_t* luma = frame.output.planes[0] + ptrdiff_t{row} * frame.width;
-        uint8_t* chroma = frame.output.planes[1] + ptrdiff_t{row / 2} * frame.width;
+    for (ptrdiff_t row = 0; row < frame.height; row += 2) {
+        const uint8_t* from = frame.staging.planes[0] + row * pitch;
+        uint8_t* luma = frame.output.planes[0] + row * frame.width;
+        uint8_t* chroma = frame.output.planes[1] + row / 2 * frame.width;
         libyuv::YUY2ToY(from, pitch, luma, frame.width, frame.width, 2);
         libyuv::UYVYToY(from, pitch, chroma, frame.width, frame.width, 1);
         if (frame.nv21)

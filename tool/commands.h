@@ -1,4 +1,5 @@
-// The program's commands. Each adds itself with its options and runs when the command line names it.
+// The commands of the program. Each function adds a command with its options; parsing the command line runs
+// it.
 
 #pragma once
 

@@ -30,13 +30,13 @@ public:
 
 private:
     ExitCode m_code;
-    bool m_namesFile = false;
+    bool m_namesFile = false; ///< `what()` begins with a file.
 };
 
-/// The result of `work()`. What fails in it without naming a file, lack of memory included, is thrown on as a
+/// Returns `work()`. A failure in it that names no file yet, lack of memory included, is rethrown as a
 /// `Failure` that names `file`.
 template <class Work>
-auto inNameOf(const std::string& file, Work work) {
+auto withFileInError(const std::string& file, Work work) {
     try {
         return work();
     } catch (const Failure& failure) {

@@ -1,4 +1,4 @@
-// zebeauty: beautifies still pictures with libZeBeautyEffect.
+// zebeauty, which beautifies still pictures with libZeBeautyEffect.
 
 #include "tool/commands.h"
 #include "tool/errors.h"
@@ -10,7 +10,7 @@ namespace {
 
 using namespace ze::tool;
 
-// CLI11 would call a word that is no command an unexpected argument.
+// Refuses a word that is not a command. CLI11 would call it an unexpected argument.
 void checkCommand(const CLI::App& program, int argc, char** argv) {
     const CLI::App* group = &program;
     std::string words;

@@ -1,6 +1,7 @@
 #include "effects/lut/lut_file_reader.h"
 
 #include "core/io/file.h"
+#include "effects/lut/lut_format.h"
 #include "log/log_stream.h"
 
 #include <bit>
@@ -13,11 +14,8 @@
 namespace ze {
 namespace {
 
-constexpr size_t kSignatureSize = 8;
-constexpr char kSignature[kSignatureSize + 1] = ".QX-LUT ";
-constexpr uint32_t kVersion = 1;
-constexpr uint32_t kMaxLevelCount = 65;
-constexpr size_t kHeaderSize = 48;
+using namespace lut_format;
+
 constexpr size_t kColorAlignment = 64;
 
 bool readWhole(CZeFile& file, unsigned char* bytes, size_t size) {
@@ -69,10 +67,10 @@ CLutFileReader::CLutFileReader(const CZeString& path) noexcept : m_path(path) {
 }
 
 bool CLutFileReader::readSignature(CZeFile& file) {
-    unsigned char bytes[kSignatureSize];
+    unsigned char bytes[kSignature.size()];
     if (!readWhole(file, bytes, sizeof bytes))
         return false;
-    if (std::memcmp(bytes, kSignature, sizeof bytes) != 0) {
+    if (std::memcmp(bytes, kSignature.data(), sizeof bytes) != 0) {
         ZeLogError() << "Invalid lut file signature!";
         return false;
     }
@@ -92,9 +90,9 @@ bool CLutFileReader::readHeader(CZeFile& file, Header& header) {
         ZeLogError() << "Failed to read lut file header!";
         return false;
     }
-    header = {littleEndian<uint32_t>(bytes + 8), littleEndian<uint32_t>(bytes + 12),
-              littleEndian<uint32_t>(bytes + 16), littleEndian<uint32_t>(bytes + 20),
-              littleEndian<uint64_t>(bytes + 32)};
+    header = {littleEndian<uint32_t>(bytes + kVersionAt), littleEndian<uint32_t>(bytes + kLevelCountAt),
+              littleEndian<uint32_t>(bytes + kReservedAt), littleEndian<uint32_t>(bytes + kDimensionFlagAt),
+              littleEndian<uint64_t>(bytes + kLevelsOffsetAt)};
     return header.reserved == 0 && header.levelCount >= 1 && header.levelCount <= kMaxLevelCount;
 }
 

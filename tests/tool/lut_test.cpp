@@ -4,11 +4,11 @@
 #include "tests/tool/program.h"
 #include "tool/chart/chart.h"
 #include "tool/info/gl_info.h"
+#include "tool/lut/cube_file.h"
 #include "tool/lut/lut_bake.h"
-#include "tool/lut/lut_cube.h"
 #include "tool/lut/lut_file.h"
 #include "tool/lut/lut_picture.h"
-#include "tool/lut/number_text.h"
+#include "tool/number_text.h"
 
 #include <functional>
 
@@ -51,7 +51,7 @@ std::string cube(const Grade& grade, size_t n, const std::string& before = "") {
     return before + "LUT_3D_SIZE " + std::to_string(n) + "\n" + lines(grade, ::evenLevels(n), true);
 }
 
-LutTable tableOf(const Grade& grade, const std::vector<float>& levels) {
+ColorTable tableOf(const Grade& grade, const std::vector<float>& levels) {
     std::vector<Color> colors = latticeOf(levels);
     for (Color& color : colors)
         color = grade(color);
@@ -62,7 +62,7 @@ LutTable tableOf(const Grade& grade, const std::vector<float>& levels) {
 /// A picture of the table with root² levels.
 Picture pictureOf(const Grade& grade, int root, PictureLayout layout) {
     const int n = root * root;
-    const LutTable table = tableOf(grade, ::evenLevels(size_t(n)));
+    const ColorTable table = tableOf(grade, ::evenLevels(size_t(n)));
     Picture picture(n * root, n * root);
     for (int i = 0; i < n * n * n; ++i) {
         const int r = i % n, g = i / n % n, b = i / n / n;
@@ -77,7 +77,7 @@ Picture pictureOf(const Grade& grade, int root, PictureLayout layout) {
 
 class Lut : public Program {
 protected:
-    LutTable baked(const std::string& name, const std::vector<float>& levels) {
+    ColorTable baked(const std::string& name, const std::vector<float>& levels) {
         return bakeLut(m_directory / name, levels, PictureLayout::automatic, m_clamping);
     }
 
@@ -180,7 +180,7 @@ TEST_F(Lut, LevelsLieWhereTheyAreAskedFor) {
                  {"--levels-at 0,0.02,0.1,0.5,1", {0, 0.02f, 0.1f, 0.5f, 1}}};
     for (const auto& c : cases) {
         ASSERT_EQ(run("lut bake -y in.cube out.lut "s + c.options), 0) << errorText();
-        const LutTable table = readLutFile(m_directory / "out.lut");
+        const ColorTable table = readLutFile(m_directory / "out.lut");
         EXPECT_EQ(table.levels, c.levels);
         expectNear(table.colors,
                    tableOf(
@@ -274,7 +274,7 @@ TEST_F(Lut, TellsTheTwoKindsOfPicturesApart) {
         for (const PictureLayout layout : {lookup, hald})
             for (const Grade& grade : {soft, Grade(squared)}) {
                 const Picture picture = pictureOf(grade, root, layout);
-                const LutTable expected = tableOf(grade, ::evenLevels(size_t(root * root)));
+                const ColorTable expected = tableOf(grade, ::evenLevels(size_t(root * root)));
                 EXPECT_EQ(tableFromPicture(picture, automatic).colors, expected.colors) << root;
                 EXPECT_EQ(tableFromPicture(picture, layout).colors, expected.colors) << root;
                 EXPECT_NE(tableFromPicture(picture, layout == hald ? lookup : hald).colors, expected.colors);

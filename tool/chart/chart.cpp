@@ -4,7 +4,6 @@
 #include <cstdlib>
 
 namespace ze::tool {
-
 namespace {
 
 struct Swatch {
@@ -13,9 +12,9 @@ struct Swatch {
 };
 
 struct Band {
-    int top;    // In twentieths of the height.
-    int bottom; // The same.
-    bool right; // Right half of the chart, or left.
+    int top;    // in twentieths of the height
+    int bottom; // likewise
+    bool right; // in the right half of the chart, else in the left one
     std::vector<Swatch> swatches;
 };
 
@@ -57,15 +56,15 @@ const std::vector<Band>& bands() {
     return s_bands;
 }
 
-// A small generator of its own: a standard library's may change from release to release.
+// A generator of our own: the standard distributions differ between libraries, and the chart must not.
 class Noise {
 public:
-    // Evenly spread over 0 … `count` - 1.
+    // A number from 0 to `count` - 1.
     int next(int count) {
         m_state ^= m_state << 13;
         m_state ^= m_state >> 17;
         m_state ^= m_state << 5;
-        return static_cast<int>((uint64_t{m_state} * static_cast<uint64_t>(count)) >> 32);
+        return static_cast<int>((static_cast<uint64_t>(m_state) * static_cast<uint64_t>(count)) >> 32);
     }
 
 private:

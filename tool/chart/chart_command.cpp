@@ -1,14 +1,13 @@
 #include "tool/chart/chart.h"
 #include "tool/commands.h"
 #include "tool/errors.h"
+#include "tool/files/output_check.h"
 #include "tool/files/output_file.h"
-#include "tool/files/targets.h"
 
 #include <charconv>
 #include <memory>
 
 namespace ze::tool {
-
 namespace {
 
 constexpr int kLargestSide = 16384;
@@ -43,9 +42,9 @@ std::string checkSize(const std::string& text) {
 }
 
 void writeChart(const ChartOptions& options) {
-    const PictureFormat format = checkTarget(options.output, options.overwrite);
+    const PictureFormat format = checkOutput(options.output, options.overwrite);
     const Size size = parseSize(options.size);
-    const std::vector<uint8_t> bytes = inNameOf(options.output, [&] {
+    const std::vector<uint8_t> bytes = withFileInError(options.output, [&] {
         return encodePicture(drawChart(size.width, size.height, ChartNoise::speckled), format);
     });
     OutputFile(options.output, bytes).commit();

@@ -2,6 +2,9 @@
 
 #include "tool/errors.h"
 
+#include <algorithm>
+#include <filesystem>
+
 namespace ze::tool {
 
 CZeString libraryFileName(const std::string& path) {
@@ -10,6 +13,13 @@ CZeString libraryFileName(const std::string& path) {
     if (file != name.toUtf8().constData())
         throw Failure(ExitCode::usage, path, "its name is no valid UTF-8");
     return name;
+}
+
+std::string extensionOf(const std::string& path) {
+    std::string extension = std::filesystem::path(path).extension();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return extension;
 }
 
 } // namespace ze::tool

@@ -1,4 +1,4 @@
-// File names on their way into the library.
+// Names of files.
 
 #pragma once
 
@@ -8,8 +8,12 @@
 
 namespace ze::tool {
 
-/// `path` as the library's files take it. Throws `Failure` (`usage`) when it is no UTF-8: it would come out
-/// as the name of another file. What begins with ":/" is a file here and none of the library's resources.
+/// `path` as the library's file classes take it. A path that begins with ":/" stays a file; the library would
+/// take it for a resource. Throws `Failure` (`usage`) when `path` is not valid UTF-8, since converting it
+/// would name another file.
 CZeString libraryFileName(const std::string& path);
+
+/// The extension of `path` with its dot, in lower case; empty when there is none.
+std::string extensionOf(const std::string& path);
 
 } // namespace ze::tool

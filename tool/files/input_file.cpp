@@ -8,14 +8,13 @@
 #include <filesystem>
 
 namespace ze::tool {
-
 namespace {
 
-constexpr int64_t kMostBytes = int64_t{256} << 20;
+constexpr int64_t kMaxBytes = 256 << 20;
 
 } // namespace
 
-std::string readInput(const std::string& path, size_t most) {
+std::string readInput(const std::string& path, size_t maxBytes) {
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored))
         throw Failure(ExitCode::badInput, path, "is a directory");
@@ -28,9 +27,9 @@ std::string readInput(const std::string& path, size_t most) {
     };
     if (!file.open(Ze::ReadOnly))
         throw unreadable();
-    if (file.size() > kMostBytes)
+    if (file.size() > kMaxBytes)
         throw Failure(ExitCode::badInput, path, "is larger than 256 MiB");
-    std::string bytes(std::min(static_cast<size_t>(file.size()), most), '\0');
+    std::string bytes(std::min(static_cast<size_t>(file.size()), maxBytes), '\0');
     const int64_t count = file.read(bytes.data(), static_cast<int64_t>(bytes.size()));
     if (count < 0)
         throw unreadable();

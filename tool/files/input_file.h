@@ -6,8 +6,8 @@
 
 namespace ze::tool {
 
-/// The bytes of the regular file `path`, or the first `most` of them. Throws `Failure` (`badInput`) when it
-/// cannot be read, and when it has more than 256 MiB, which no look-up table needs.
-std::string readInput(const std::string& path, size_t most = std::string::npos);
+/// Returns the bytes of the regular file `path`, at most the first `maxBytes`. Throws `Failure` (`badInput`)
+/// when it cannot be read or has more than 256 MiB, which no look-up table needs.
+std::string readInput(const std::string& path, size_t maxBytes = std::string::npos);
 
 } // namespace ze::tool

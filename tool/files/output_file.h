@@ -10,8 +10,8 @@
 
 namespace ze::tool {
 
-/// Takes the place of the file `path` when it is committed, as the library's `CZeSaveFile` does it; without
-/// that nothing stays behind. All failures throw `Failure` with the reason.
+/// Writes `bytes` beside `path` and moves them there with `commit()`, as the library's `CZeSaveFile` does.
+/// Without a commit nothing is left behind. All failures throw `Failure` (`failed`) with the reason.
 class OutputFile {
 public:
     OutputFile(const std::string& path, const std::vector<uint8_t>& bytes);

@@ -10,17 +10,16 @@
 #include <GLES2/gl2.h>
 
 namespace ze::tool {
-
 namespace {
 
-// What may help where EGL does not find what it needs; empty when it is the case already.
+// Advice for a machine where EGL finds no display; empty when the user follows it already.
 std::string platformHint() {
     const char* const platform = std::getenv("EGL_PLATFORM");
     const bool isSurfaceless = platform && std::strcmp(platform, "surfaceless") == 0;
     return isSurfaceless ? "" : "; EGL_PLATFORM=surfaceless draws without a display";
 }
 
-// Throws unless `done`, naming the EGL call.
+// Throws a failure that names the EGL call unless `done`.
 void require(bool done, const char* call) {
     if (done)
         return;
@@ -30,7 +29,7 @@ void require(bool done, const char* call) {
     throw Failure(ExitCode::noGl, text + platformHint());
 }
 
-// A context on a surface of one pixel, current while this lives.
+// A context on a surface of one pixel, current as long as this object lives.
 class ProbeContext {
 public:
     ProbeContext() : m_display(eglGetDisplay(EGL_DEFAULT_DISPLAY)) {
@@ -63,7 +62,7 @@ public:
         require(eglMakeCurrent(m_display, m_surface, m_surface, m_context) == EGL_TRUE, "eglMakeCurrent");
     }
 
-    // A constructor that throws ends the program, and with it what it has made so far.
+    // When the constructor throws, the program ends, and the system frees what exists by then.
     ~ProbeContext() {
         eglMakeCurrent(m_display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
         eglDestroySurface(m_display, m_surface);

@@ -1,4 +1,4 @@
-// What the machine offers for drawing.
+// What OpenGL ES offers on this machine.
 
 #pragma once
 
@@ -15,8 +15,8 @@ struct GlInfo {
     int maxTextureSize = 0; ///< Largest width and height of a frame, in pixels.
 };
 
-/// Asks an OpenGL ES 2.0 context of its own, which is gone again afterwards. Throws `Failure` (`noGl`) that
-/// names the step that failed when there is no EGL or no OpenGL ES.
+/// Asks an OpenGL ES 2.0 context of its own, which it destroys again. Throws `Failure` (`noGl`) with the step
+/// that failed when there is no EGL or no OpenGL ES.
 GlInfo queryGl();
 
 } // namespace ze::tool

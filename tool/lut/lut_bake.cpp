@@ -1,47 +1,40 @@
 #include "tool/lut/lut_bake.h"
 
 #include "tool/errors.h"
-#include "tool/lut/color_file.h"
+#include "tool/lut/grading_file.h"
 #include "tool/lut/lut_file.h"
-#include "tool/lut/number_text.h"
+#include "tool/number_text.h"
 #include "tool/pictures/picture_reader.h"
 
 namespace ze::tool {
-
 namespace {
 
-void applyTable(const LutTable& table, std::vector<Color>& colors) {
+void applyTable(const ColorTable& table, std::vector<Color>& colors) {
     for (Color& color : colors)
         color = lookUp(table, color);
 }
 
 } // namespace
 
-LutTable readRisingLutFile(const std::string& path) {
-    LutTable table = readLutFile(path);
-    if (!areRising(table.levels))
-        throw Failure(ExitCode::badInput, path, "its levels do not rise");
-    return table;
-}
-
-LutTable bakeLut(const std::string& path, const std::vector<float>& levels, PictureLayout layout,
-                 Clamping& clamping) {
+ColorTable bakeLut(const std::string& path, const std::vector<float>& levels, PictureLayout layout,
+                   Clamping& clamping) {
     std::vector<Color> colors = latticeOf(levels);
     if (isLutFile(path))
         applyTable(readRisingLutFile(path), colors);
     else if (isPictureFile(path))
-        applyTable(inNameOf(path, [&] { return tableFromPicture(readPicture(path), layout); }), colors);
+        applyTable(withFileInError(path, [&] { return tableFromPicture(readPicture(path), layout); }),
+                   colors);
     else
-        applyColorFile(path, colors);
+        applyGradingFile(path, colors);
     return quantized(levels, colors, clamping);
 }
 
-void warnOfLevels(const std::string& path, const LutTable& table) {
+void warnOfLevels(const std::string& path, const ColorTable& table) {
     if (!areRising(table.levels))
         printError("warning: " + path + ": its levels do not rise; colors come out wrong");
 }
 
-void warnOfClamping(const std::string& path, const Clamping& clamping, const LutTable& table) {
+void warnOfClamping(const std::string& path, const Clamping& clamping, const ColorTable& table) {
     if (clamping.count == 0)
         return;
     printError("warning: " + path + ": " + std::to_string(clamping.count) + " of " +

@@ -1,12 +1,13 @@
+#include "effects/lut/lut_tables.h"
 #include "tool/commands.h"
 #include "tool/errors.h"
+#include "tool/files/output_check.h"
 #include "tool/files/output_file.h"
-#include "tool/files/targets.h"
+#include "tool/lut/cube_file.h"
 #include "tool/lut/lut_bake.h"
-#include "tool/lut/lut_cube.h"
 #include "tool/lut/lut_file.h"
 #include "tool/lut/lut_report.h"
-#include "tool/lut/number_text.h"
+#include "tool/number_text.h"
 
 #include <cmath>
 #include <iostream>
@@ -14,7 +15,6 @@
 #include <memory>
 
 namespace ze::tool {
-
 namespace {
 
 constexpr float kLowestGamma = 0.1f;
@@ -24,7 +24,7 @@ struct LutOptions {
     std::string input;
     std::string output;
     size_t levelCount = kDefaultLevels;
-    std::string levelsAt; // Empty: even or gamma levels.
+    std::string levelsAt; // empty for levels placed by `gamma`
     std::string gamma = "1";
     PictureLayout layout = PictureLayout::automatic;
     bool json = false;
@@ -33,7 +33,7 @@ struct LutOptions {
     std::vector<float> levels() const;
 };
 
-// From "0,0.1,1" or "0, 0.1, 1"; what is no number gives NaN.
+// The numbers in "0,0.1,1" or "0, 0.1, 1"; NaN for what is not a number.
 std::vector<float> parseLevels(const std::string& text) {
     std::vector<float> levels;
     for (size_t at = 0; at <= text.size();) {
@@ -69,37 +69,37 @@ std::vector<float> LutOptions::levels() const {
     return levelsAt.empty() ? gammaLevels(levelCount, parsedNumber(gamma)) : parseLevels(levelsAt);
 }
 
-void writeLut(const LutOptions& options, const LutTable& table) {
+void writeLut(const LutOptions& options, const ColorTable& table) {
     OutputFile(options.output, lutFileBytes(table)).commit();
 }
 
 void bake(const LutOptions& options) {
-    checkTarget(options.output, options.overwrite, ".lut");
+    checkOutput(options.output, options.overwrite, ".lut");
     Clamping clamping;
-    const LutTable table = bakeLut(options.input, options.levels(), options.layout, clamping);
+    const ColorTable table = bakeLut(options.input, options.levels(), options.layout, clamping);
     writeLut(options, table);
     warnOfClamping(options.input, clamping, table);
 }
 
 void showInfo(const LutOptions& options) {
-    const LutTable table = readLutFile(options.input);
+    const ColorTable table = readLutFile(options.input);
     std::cout << (options.json ? reportJson(table) : reportText(table));
     warnOfLevels(options.input, table);
 }
 
 void exportCube(const LutOptions& options) {
-    checkTarget(options.output, options.overwrite, ".cube");
-    const LutTable table = readRisingLutFile(options.input);
+    checkOutput(options.output, options.overwrite, ".cube");
+    const ColorTable table = readRisingLutFile(options.input);
     const std::string text = cubeText(table);
     OutputFile(options.output, {text.begin(), text.end()}).commit();
-    if (!hasEvenLevels(table))
+    if (!hasUniformLevels(table.levels))
         printError("warning: " + options.input + ": its levels are not uniform; resampled to " +
                    std::to_string(table.isThreeDimensional ? kResampledLevels : kResampledLevels1D) +
                    " uniform ones");
 }
 
 void writeIdentity(const LutOptions& options) {
-    checkTarget(options.output, options.overwrite, ".lut");
+    checkOutput(options.output, options.overwrite, ".lut");
     writeLut(options, identityTable(options.levels()));
 }
 
@@ -150,9 +150,8 @@ void addBake(CLI::App& lut, const Options& options) {
     command
         ->add_option_function<std::string>(
             "--layout", [options, layouts](const std::string& name) { options->layout = layouts.at(name); },
-            "Kind of a picture: lookup (tiles, 8x8 of them in 512x512), hald, or auto, which takes the one "
-            "that is "
-            "smoother")
+            "Kind of a picture: lookup (tiles, 8x8 of them in 512x512), hald, or auto, which takes the "
+            "one that is smoother")
         ->check(CLI::IsMember({"auto", "lookup", "hald"}))
         ->default_str("auto");
 }

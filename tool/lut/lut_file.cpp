@@ -1,33 +1,34 @@
 #include "tool/lut/lut_file.h"
 
 #include "effects/lut/lut_file_reader.h"
+#include "effects/lut/lut_format.h"
 #include "host/library_log.h"
 #include "tool/errors.h"
 #include "tool/files/file_name.h"
 #include "tool/files/input_file.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace ze::tool {
-
 namespace {
 
-constexpr char kSignature[] = ".QX-LUT ";
-constexpr uint32_t kVersion = 1;
-constexpr uint64_t kHeaderSize = 48;
+using namespace lut_format;
 
-void append(std::vector<uint8_t>& bytes, uint64_t value, size_t size) {
-    for (size_t i = 0; i < size; ++i)
-        bytes.push_back(static_cast<uint8_t>(value >> (8 * i)));
+// Numbers are little-endian.
+template <class Unsigned>
+void put(std::vector<uint8_t>& bytes, size_t at, Unsigned value) {
+    for (size_t i = 0; i < sizeof value; ++i)
+        bytes[at + i] = static_cast<uint8_t>(value >> (8 * i));
 }
 
 } // namespace
 
 bool isLutFile(const std::string& path) {
-    return readInput(path, sizeof kSignature - 1) == kSignature;
+    return readInput(path, kSignature.size()) == kSignature;
 }
 
-LutTable readLutFile(const std::string& path) {
+ColorTable readLutFile(const std::string& path) {
     if (!isLutFile(path))
         throw Failure(ExitCode::badInput, path,
                       "is no LUT file: it lacks the signature (zebeauty lut bake makes one of other tables)");
@@ -48,17 +49,23 @@ LutTable readLutFile(const std::string& path) {
             {reader.colorData(), reader.colorData() + colorBytes}};
 }
 
-std::vector<uint8_t> lutFileBytes(const LutTable& table) {
-    std::vector<uint8_t> bytes(kSignature, kSignature + sizeof kSignature - 1);
-    append(bytes, kVersion, 4);
-    append(bytes, table.levelCount(), 4);
-    append(bytes, 0, 4);
-    append(bytes, table.isThreeDimensional ? 1 : 0, 4);
-    append(bytes, 0, 8);
-    append(bytes, kHeaderSize, 8); // the levels follow at once
-    append(bytes, 0, 8);
-    for (const float level : table.levels)
-        append(bytes, std::bit_cast<uint32_t>(level), 4);
+ColorTable readRisingLutFile(const std::string& path) {
+    ColorTable table = readLutFile(path);
+    if (!areRising(table.levels))
+        throw Failure(ExitCode::badInput, path, "its levels do not rise");
+    return table;
+}
+
+std::vector<uint8_t> lutFileBytes(const ColorTable& table) {
+    const size_t levelCount = table.levelCount();
+    std::vector<uint8_t> bytes(kHeaderSize + levelCount * sizeof(uint32_t));
+    std::copy(kSignature.begin(), kSignature.end(), bytes.begin());
+    put(bytes, kVersionAt, kVersion);
+    put(bytes, kLevelCountAt, static_cast<uint32_t>(levelCount));
+    put(bytes, kDimensionFlagAt, table.isThreeDimensional ? 1u : 0u);
+    put(bytes, kLevelsOffsetAt, static_cast<uint64_t>(kHeaderSize)); // the levels follow at once
+    for (size_t i = 0; i < levelCount; ++i)
+        put(bytes, kHeaderSize + i * sizeof(uint32_t), std::bit_cast<uint32_t>(table.levels[i]));
     bytes.insert(bytes.end(), table.colors.begin(), table.colors.end());
     return bytes;
 }

@@ -7,17 +7,16 @@
 #include <cstdlib>
 
 namespace ze::tool {
-
 namespace {
 
 constexpr size_t kMagicSize = 12;
-constexpr size_t kLargestRoot = 16; // 256 levels: all that 8 bits have
+constexpr size_t kLargestRoot = 16; // for 256 levels, all that 8 bits have
 
-// Along a line of the lattice a channel may go from black to white and back this many times, on average over
-// all lines and channels. A table that changes nothing has a third of one, photos have 4 and more.
-constexpr double kMostSwings = 2;
+// The most that a channel may change along a line of the lattice, on average, in ranges from black to white.
+// A table that changes nothing has a third (one channel of three changes, once), photos have 4 and more.
+constexpr double kMaxMeanChange = 2;
 
-// The t of a picture with sides of t³; 0 when there is none.
+// t for a square with sides of t³; 0 for other pictures.
 size_t rootOf(const Picture& picture) {
     for (size_t root = 2; root <= kLargestRoot; ++root)
         if (static_cast<size_t>(picture.width) == root * root * root && picture.height == picture.width)
@@ -25,9 +24,9 @@ size_t rootOf(const Picture& picture) {
     return 0;
 }
 
-LutTable readAs(PictureLayout layout, const Picture& picture, size_t root) {
+ColorTable readAs(PictureLayout layout, const Picture& picture, size_t root) {
     const size_t n = root * root;
-    LutTable table{evenLevels(n), true, {}};
+    ColorTable table{evenLevels(n), true, {}};
     table.colors.reserve(3 * n * n * n);
     for (size_t r = 0; r < n; ++r)
         for (size_t g = 0; g < n; ++g)
@@ -41,8 +40,8 @@ LutTable readAs(PictureLayout layout, const Picture& picture, size_t root) {
     return table;
 }
 
-// How often, on average, a channel goes from black to white or back along a line of the lattice.
-double swingsOf(const LutTable& table) {
+// How much a channel changes along a line of the lattice, on average, in ranges from black to white.
+double meanChangeOf(const ColorTable& table) {
     const size_t n = table.levelCount();
     const size_t strides[] = {3, 3 * n, 3 * n * n};
     int64_t sum = 0;
@@ -64,7 +63,7 @@ bool isPictureFile(const std::string& path) {
            beginsWith("MM\0*"s) || (beginsWith("RIFF") && start.find("WEBP") == 8);
 }
 
-LutTable tableFromPicture(const Picture& picture, PictureLayout layout) {
+ColorTable tableFromPicture(const Picture& picture, PictureLayout layout) {
     const size_t root = rootOf(picture);
     if (root == 0)
         throw Failure(ExitCode::badInput,
@@ -74,14 +73,14 @@ LutTable tableFromPicture(const Picture& picture, PictureLayout layout) {
     if (layout != PictureLayout::automatic)
         return readAs(layout, picture, root);
 
-    LutTable lookup = readAs(PictureLayout::lookup, picture, root);
-    LutTable hald = readAs(PictureLayout::hald, picture, root);
-    const double lookupSwings = swingsOf(lookup);
-    const double haldSwings = swingsOf(hald);
-    if (std::min(lookupSwings, haldSwings) > kMostSwings)
+    ColorTable lookup = readAs(PictureLayout::lookup, picture, root);
+    ColorTable hald = readAs(PictureLayout::hald, picture, root);
+    const double lookupChange = meanChangeOf(lookup);
+    const double haldChange = meanChangeOf(hald);
+    if (std::min(lookupChange, haldChange) > kMaxMeanChange)
         throw Failure(ExitCode::badInput, "does not look like a look-up table but like any other picture; "
                                           "--layout lookup or hald takes it as it is");
-    return haldSwings < lookupSwings ? hald : lookup;
+    return haldChange < lookupChange ? hald : lookup;
 }
 
 } // namespace ze::tool

@@ -2,16 +2,17 @@
 
 #pragma once
 
-#include "tool/lut/lut_table.h"
+#include "tool/lut/color_table.h"
 #include "tool/pictures/picture.h"
 
 #include <string>
 
 namespace ze::tool {
 
-/// Both kinds are squares with a side of t³ pixels, t from 2 to 16, for the t² even levels of a channel.
+/// How a picture holds a table. Pictures are squares with sides of t³ pixels, t from 2 to 16, for t² even
+/// levels of each channel.
 enum class PictureLayout {
-    automatic, ///< The kind in which neighbors on the lattice differ less.
+    automatic, ///< Whichever of the two makes the smoother table.
     lookup,    ///< t × t tiles: blue chooses the tile, row by row, red the column in it, green the row.
     hald,      ///< Pixels row by row: red changes fastest, blue slowest.
 };
@@ -20,8 +21,8 @@ enum class PictureLayout {
 /// it cannot be read.
 bool isPictureFile(const std::string& path);
 
-/// The table in `picture`; transparency is ignored. Throws `Failure` (`badInput`) when the size fits none,
-/// and for `automatic` when in neither kind neighbors are alike, as in a photo.
-LutTable tableFromPicture(const Picture& picture, PictureLayout layout);
+/// Returns the table in `picture`, ignoring transparency. Throws `Failure` (`badInput`) when the size fits no
+/// table, and for `automatic` when the table would be rough either way, as it is of a photo.
+ColorTable tableFromPicture(const Picture& picture, PictureLayout layout);
 
 } // namespace ze::tool

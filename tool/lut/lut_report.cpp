@@ -1,15 +1,16 @@
 #include "tool/lut/lut_report.h"
 
-#include "tool/lut/lut_cube.h"
-#include "tool/lut/number_text.h"
+#include "effects/lut/lut_format.h"
+#include "effects/lut/lut_tables.h"
+#include "tool/number_text.h"
 
 #include <cmath>
 
 namespace ze::tool {
-
 namespace {
 
-constexpr int kVersion = 1; // The only one that the library reads.
+using lut_format::kVersion; // The only one that the library reads.
+
 constexpr int kDecimals = 3;
 
 template <class Values>
@@ -22,12 +23,12 @@ std::string joined(const Values& values, const char* separator) {
 
 } // namespace
 
-std::string reportText(const LutTable& table) {
+std::string reportText(const ColorTable& table) {
     const Difference difference = differenceFromIdentity(table);
-    const bool isEven = hasEvenLevels(table);
+    const bool isUniform = hasUniformLevels(table.levels);
     std::string text = "version: " + std::to_string(kVersion);
-    text += "\nlevels: " + std::to_string(table.levelCount()) + (isEven ? ", uniform" : ", not uniform");
-    if (!isEven)
+    text += "\nlevels: " + std::to_string(table.levelCount()) + (isUniform ? ", uniform" : ", not uniform");
+    if (!isUniform)
         text += "\nlevel values: " + joined(table.levels, " ");
     text += std::string("\ndimension: ") + (table.isThreeDimensional ? "3" : "1");
     text += "\nlargest difference from identity: " + std::to_string(difference.largest) + " of 255";
@@ -36,11 +37,11 @@ std::string reportText(const LutTable& table) {
     return text + "\nmean difference from identity: " + numberText(difference.mean, kDecimals) + " of 255\n";
 }
 
-std::string reportJson(const LutTable& table) {
+std::string reportJson(const ColorTable& table) {
     const Difference difference = differenceFromIdentity(table);
     return "{\"version\": " + std::to_string(kVersion) +
            ", \"levels\": " + std::to_string(table.levelCount()) +
-           ", \"uniform\": " + (hasEvenLevels(table) ? "true" : "false") + ", \"levelValues\": [" +
+           ", \"uniform\": " + (hasUniformLevels(table.levels) ? "true" : "false") + ", \"levelValues\": [" +
            joined(table.levels, ", ") + "], \"dimension\": " + (table.isThreeDimensional ? "3" : "1") +
            ", \"largestDifference\": " + std::to_string(difference.largest) + ", \"largestDifferenceAt\": [" +
            joined(difference.largestAt, ", ") +

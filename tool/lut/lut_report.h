@@ -1,17 +1,17 @@
-// What there is to say about a table.
+// What `zebeauty lut info` says about a table.
 
 #pragma once
 
-#include "tool/lut/lut_table.h"
+#include "tool/lut/color_table.h"
 
 #include <string>
 
 namespace ze::tool {
 
-/// A line for each fact, for people: version, levels, dimension, differences from identity.
-std::string reportText(const LutTable& table);
+/// Version, levels, dimension and differences from identity, a line for each.
+std::string reportText(const ColorTable& table);
 
-/// The same as one JSON object and an end of line. Levels that are no finite numbers are null.
-std::string reportJson(const LutTable& table);
+/// The same as one JSON object and a newline. Levels that are not finite are null.
+std::string reportJson(const ColorTable& table);
 
 } // namespace ze::tool

@@ -7,7 +7,6 @@
 #include <sstream>
 
 namespace ze::tool {
-
 namespace {
 
 const char* afterSign(const std::string& word) {
@@ -18,10 +17,10 @@ bool isNumber(const std::string& word) {
     double value = 0;
     const auto result = std::from_chars(afterSign(word), word.data() + word.size(), value);
     return result.ec == std::errc() && result.ptr == word.data() + word.size() &&
-           std::abs(value) <= double{std::numeric_limits<float>::max()}; // which NaN is not
+           std::abs(value) <= static_cast<double>(std::numeric_limits<float>::max()); // false for NaN
 }
 
-// Also where it has become something else on the way.
+// Also true for malformed numbers.
 bool isMeantAsNumber(const std::string& word) {
     if (word == "1D" || word == "3D") // the kinds of a .csp
         return false;
@@ -31,11 +30,11 @@ bool isMeantAsNumber(const std::string& word) {
            std::from_chars(afterSign(word), word.data() + word.size(), ignored).ec == std::errc();
 }
 
-// The word that spoils a line of numbers; empty when there is none, or another kind of line.
+// The first word on a line of numbers that is not one; empty when all are, or when the line has other words.
 std::string badNumberIn(const std::string& line) {
     std::istringstream words(line);
     std::string bad;
-    for (std::string word; words >> word && word[0] != '#';) { // a comment, unlike "1.#QNAN"
+    for (std::string word; words >> word && word[0] != '#';) { // "1.#QNAN" is no comment
         if (!isMeantAsNumber(word))
             return "";
         if (bad.empty() && !isNumber(word))
@@ -51,7 +50,7 @@ void blankOut(std::string& text, size_t from, size_t to) {
         [](char c) { return c != '\n'; }, ' ');
 }
 
-// XML has its tables in elements named Array.
+// In XML, tables are the content of elements named Array.
 void blankOutAllButArrays(std::string& text) {
     for (size_t at = 0; at < text.size();) {
         const size_t inside = text.find('>', text.find("<Array", at));

@@ -1,4 +1,4 @@
-// Numbers in text files that other programs would half read.
+// Finds numbers in text files that OpenColorIO would read in part or as 0.
 
 #pragma once
 
@@ -6,9 +6,10 @@
 
 namespace ze::tool {
 
-/// Looks at the lines of a look-up table as text or XML in which everything is meant to be a number, and
-/// names the first that is none or not finite, with its line: "0,5" and "nan", which OpenColorIO takes for 0.
-/// Empty when there is no such line. Comments, metadata and lines with words are left to OpenColorIO.
+/// Looks at those lines of a look-up table, text or XML, on which every word is meant to be a number. Returns
+/// a sentence with the first word that is malformed or not finite and its line, such as "0,5" or "nan", which
+/// OpenColorIO takes for 0; empty when there is none. Comments, metadata and lines with other words are left
+/// to OpenColorIO.
 std::string findBadNumber(std::string text);
 
 } // namespace ze::tool

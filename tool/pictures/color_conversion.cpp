@@ -8,7 +8,6 @@ extern "C" {
 }
 
 namespace ze::tool {
-
 namespace {
 
 // Exact arithmetic, the same on every processor. Area averages four pixels into one chroma sample on the way

@@ -4,7 +4,6 @@
 #include <cstdio>
 
 namespace ze::tool {
-
 namespace {
 
 std::string g_firstError; // As FFmpeg spells it: with an end of line when it is whole.

@@ -10,7 +10,6 @@ extern "C" {
 }
 
 namespace ze::tool {
-
 namespace {
 
 bool hasFlag(const AVPixFmtDescriptor& description, uint64_t flag) {

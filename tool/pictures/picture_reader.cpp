@@ -13,7 +13,6 @@
 #include <unistd.h>
 
 namespace ze::tool {
-
 namespace {
 
 // What a run needs at its peak: the decoded frame, the pictures before and after, the planes, the library's

@@ -1,14 +1,12 @@
 #include "tool/pictures/picture_writer.h"
 
 #include "tool/errors.h"
+#include "tool/files/file_name.h"
 #include "tool/pictures/color_conversion.h"
 
-#include <algorithm>
 #include <cstring>
-#include <filesystem>
 
 namespace ze::tool {
-
 namespace {
 
 // 2 (coarse) … 31 is the scale of FFmpeg's encoder; 2 gives about what other programs call quality 95.
@@ -91,13 +89,6 @@ std::vector<uint8_t> encode(AVCodecID id, const AVFrame& frame) {
 }
 
 } // namespace
-
-std::string extensionOf(const std::string& path) {
-    std::string extension = std::filesystem::path(path).extension();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return extension;
-}
 
 std::optional<PictureFormat> pictureFormatOf(const std::string& path) {
     const std::string extension = extensionOf(path);

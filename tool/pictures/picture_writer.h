@@ -11,9 +11,6 @@ namespace ze::tool {
 
 enum class PictureFormat { png, jpeg };
 
-/// The extension of `path` with its dot, in small letters.
-std::string extensionOf(const std::string& path);
-
 /// The format that the extension of `path` asks for, in small or capital letters; none for other extensions.
 std::optional<PictureFormat> pictureFormatOf(const std::string& path);
 

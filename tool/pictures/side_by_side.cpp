@@ -3,7 +3,6 @@
 #include <algorithm>
 
 namespace ze::tool {
-
 namespace {
 
 void copyInto(Picture& both, const Picture& part, int left) {

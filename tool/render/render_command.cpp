@@ -1,13 +1,13 @@
 #include "tool/commands.h"
 #include "tool/errors.h"
+#include "tool/files/output_check.h"
 #include "tool/files/output_file.h"
-#include "tool/files/targets.h"
 #include "tool/info/gl_info.h"
-#include "tool/lut/number_text.h"
+#include "tool/lut/temporary_lut.h"
+#include "tool/number_text.h"
 #include "tool/pictures/picture_reader.h"
 #include "tool/pictures/side_by_side.h"
 #include "tool/render/render_session.h"
-#include "tool/render/temporary_lut.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -15,16 +15,15 @@
 #include <optional>
 
 namespace ze::tool {
-
 namespace {
 
 struct RenderOptions {
     std::string input;
     std::string output;
-    std::string compare; // Empty: no picture of before and after.
+    std::string compare; // empty for no picture of before and after
     float smooth = 0.8f;
     float whiten = 0.2f;
-    std::string lut; // Empty: no grading.
+    std::string lut; // empty for no grading
     float intensity = 1;
     bool beautify = true;
     bool gradeFirst = false;
@@ -39,7 +38,7 @@ struct RenderOptions {
                 range == "video" ? ColorRange::video : ColorRange::full};
     }
 
-    // `table` is there when a LUT is named.
+    // `table` is set when the command line names a LUT.
     zebeauty::Settings settings(const std::optional<TemporaryLut>& table) const {
         zebeauty::Settings settings;
         if (beautify) {
@@ -88,32 +87,32 @@ Picture rendered(const RenderOptions& options, const std::optional<TemporaryLut>
 }
 
 std::vector<uint8_t> encoded(const std::string& file, const Picture& picture, PictureFormat format) {
-    return inNameOf(file, [&] { return encodePicture(picture, format); });
+    return withFileInError(file, [&] { return encodePicture(picture, format); });
 }
 
 void render(const RenderOptions& options) {
-    const PictureFormat outputFormat = checkTarget(options.output, options.overwrite);
+    const PictureFormat outputFormat = checkOutput(options.output, options.overwrite);
     PictureFormat compareFormat = outputFormat;
     if (!options.compare.empty()) {
-        compareFormat = checkTarget(options.compare, options.overwrite);
+        compareFormat = checkOutput(options.compare, options.overwrite);
         if (isSameFile(options.output, options.compare))
             throw Failure(ExitCode::usage, options.compare, "is named as OUTPUT already");
     }
 
-    const Picture before = inNameOf(options.input, [&] { return readPicture(options.input); });
+    const Picture before = withFileInError(options.input, [&] { return readPicture(options.input); });
     std::optional<TemporaryLut> lut;
     if (!options.lut.empty())
         lut.emplace(options.lut);
-    const Picture after = inNameOf(options.input, [&] { return rendered(options, lut, before); });
+    const Picture after = withFileInError(options.input, [&] { return rendered(options, lut, before); });
     OutputFile output(options.output, encoded(options.output, after, outputFormat));
     if (!options.compare.empty()) {
-        const Picture both = inNameOf(options.compare, [&] { return sideBySide(before, after); });
+        const Picture both = withFileInError(options.compare, [&] { return sideBySide(before, after); });
         OutputFile(options.compare, encoded(options.compare, both, compareFormat)).commit();
     }
     output.commit();
 }
 
-// Unlike CLI::Range this does not let "nan" through.
+// CLI::Range would let "nan" through.
 std::string checkAmount(const std::string& text) {
     const float amount = parsedNumber(text);
     return amount >= 0 && amount <= 1 ? "" : "'" + text + "' is no number from 0 to 1";

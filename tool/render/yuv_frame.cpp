@@ -6,10 +6,9 @@
 #include <cstring>
 
 namespace ze::tool {
-
 namespace {
 
-// FFmpeg's kernels work on pairs of pixels and rows, so frames go to them with even sizes.
+// FFmpeg works on pairs of pixels and rows, so it gets frames with even sizes.
 int evenUp(int size) {
     return (size + 1) / 2 * 2;
 }
@@ -25,7 +24,7 @@ FfmpegPtr<AVFrame> makeYuvFrame(int width, int height, const YuvDescription& des
     return frame;
 }
 
-// Repeats the last of the `size` elements in `row`, each of `bytes`, up to the even size.
+// Doubles the last of the `size` elements of `row`, each of `bytes`, when `size` is odd.
 void repeatLast(uint8_t* row, int size, ptrdiff_t bytes) {
     if (size % 2 != 0)
         std::memcpy(row + size * bytes, row + (size - 1) * bytes, static_cast<size_t>(bytes));

@@ -1,4 +1,4 @@
-// A semi-planar 4:2:0 frame as a camera delivers it, made from a picture and turned back into one.
+// Semi-planar 4:2:0 frames as cameras deliver them, from pictures and back.
 
 #pragma once
 
@@ -7,7 +7,7 @@
 
 namespace ze::tool {
 
-// The numbers are those of ZecRender.
+// The values are those that ZecRender takes.
 enum class ChromaOrder { nv12 = 0, nv21 = 1 };
 enum class ColorStandard { bt601 = 0, bt709 = 1 };
 enum class ColorRange { video = 0, full = 1 };
@@ -18,7 +18,7 @@ struct YuvDescription {
     ColorRange range = ColorRange::full;
 };
 
-/// Planes without padding between their rows.
+/// A frame whose rows follow each other without padding.
 struct YuvFrame {
     int width = 0;
     int height = 0;
@@ -33,8 +33,8 @@ struct YuvFrame {
     ZecImage image();
 };
 
-/// The colors of `picture`; a chroma sample is the mean of its four pixels. At an odd right or lower edge
-/// the last pixels count twice. Transparency is left out.
+/// The colors of `picture`; a chroma sample is the mean of its four pixels. The last pixels at an odd right
+/// or lower edge count twice. Transparency is ignored.
 YuvFrame yuvFromPicture(const Picture& picture, YuvDescription description);
 
 /// The opaque picture that `frame` shows.

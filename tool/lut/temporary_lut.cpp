@@ -1,4 +1,4 @@
-#include "tool/render/temporary_lut.h"
+#include "tool/lut/temporary_lut.h"
 
 #include "tool/errors.h"
 #include "tool/lut/lut_bake.h"
@@ -8,12 +8,11 @@
 #include <unistd.h>
 
 namespace ze::tool {
-
 namespace {
 
-LutTable tableFor(const std::string& path) {
+ColorTable tableFor(const std::string& path) {
     if (isLutFile(path)) {
-        LutTable table = readLutFile(path);
+        ColorTable table = readLutFile(path);
         if (!table.isThreeDimensional)
             throw Failure(ExitCode::badInput, path,
                           "is one-dimensional, of which the library draws none; zebeauty lut bake makes a "
@@ -22,7 +21,7 @@ LutTable tableFor(const std::string& path) {
         return table;
     }
     Clamping clamping;
-    LutTable table = bakeLut(path, evenLevels(kDefaultLevels), PictureLayout::automatic, clamping);
+    ColorTable table = bakeLut(path, evenLevels(kDefaultLevels), PictureLayout::automatic, clamping);
     warnOfClamping(path, clamping, table);
     return table;
 }
@@ -30,7 +29,7 @@ LutTable tableFor(const std::string& path) {
 } // namespace
 
 TemporaryLut::TemporaryLut(const std::string& path) {
-    const LutTable table = tableFor(path);
+    const ColorTable table = tableFor(path);
     m_levelCount = static_cast<int>(table.levelCount());
     const std::vector<uint8_t> bytes = lutFileBytes(table);
     m_file = memfd_create("zebeauty.lut", MFD_CLOEXEC);

@@ -1,4 +1,4 @@
-#include "tool/lut/lut_table.h"
+#include "tool/lut/color_table.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,10 +6,9 @@
 #include <utility>
 
 namespace ze::tool {
-
 namespace {
 
-// Farther outside than float arithmetic on the way to exactly 0 or 1 ends up.
+// More than float arithmetic strays from an exact 0 or 1.
 constexpr float kNoise = 1e-5f;
 
 // NaN becomes 0.
@@ -17,7 +16,7 @@ uint8_t roundedTo8Bits(float value) {
     return static_cast<uint8_t>(std::lround(255 * (value > 0 ? std::min(value, 1.0f) : 0.0f)));
 }
 
-// A place between two neighboring levels; at the ends it lies on the outer one.
+// A position between two neighboring levels, or on an outer one for values beyond it.
 struct Place {
     size_t lower = 0;
     size_t upper = 0;
@@ -69,27 +68,27 @@ std::vector<Color> latticeOf(const std::vector<float>& levels) {
     return lattice;
 }
 
-LutTable quantized(std::vector<float> levels, const std::vector<Color>& colors, Clamping& clamping) {
-    LutTable table{std::move(levels), true, {}};
+ColorTable quantized(std::vector<float> levels, const std::vector<Color>& colors, Clamping& clamping) {
+    ColorTable table{std::move(levels), true, {}};
     table.colors.reserve(3 * colors.size());
     for (const Color& color : colors)
         for (const float value : color) {
             if (!(value >= -kNoise && value <= 1 + kNoise))
                 ++clamping.count;
-            clamping.lowest = std::min(clamping.lowest, value); // in this order NaN changes neither
+            clamping.lowest = std::min(clamping.lowest, value); // NaN as second argument changes nothing
             clamping.highest = std::max(clamping.highest, value);
             table.colors.push_back(roundedTo8Bits(value));
         }
     return table;
 }
 
-LutTable identityTable(std::vector<float> levels) {
+ColorTable identityTable(std::vector<float> levels) {
     Clamping none;
     const std::vector<Color> lattice = latticeOf(levels);
     return quantized(std::move(levels), lattice, none);
 }
 
-Color lookUp(const LutTable& table, const Color& input) {
+Color lookUp(const ColorTable& table, const Color& input) {
     const Place r = placeOf(input[0], table.levels);
     const Place g = placeOf(input[1], table.levels);
     const Place b = placeOf(input[2], table.levels);
@@ -113,7 +112,7 @@ Color lookUp(const LutTable& table, const Color& input) {
     return output;
 }
 
-Difference differenceFromIdentity(const LutTable& table) {
+Difference differenceFromIdentity(const ColorTable& table) {
     const size_t n = table.levelCount();
     const size_t entryCount = table.colors.size() / 3;
     Difference difference;

@@ -1,4 +1,4 @@
-#include "tool/lut/number_text.h"
+#include "tool/number_text.h"
 
 #include <charconv>
 #include <cmath>

@@ -1,4 +1,4 @@
-// Numbers as text, with a decimal point in every locale.
+// Numbers to and from text, with a decimal point in every locale.
 
 #pragma once
 
@@ -7,12 +7,12 @@
 
 namespace ze::tool {
 
-/// The fewest digits that give the same number again: "0.1", "1e-05", "nan".
+/// The shortest text that reads back as the same number: "0.1", "1e-05", "nan".
 std::string numberText(float value);
 /// With `decimals` digits after the point.
 std::string numberText(double value, int decimals);
 
-/// The finite number that is all of `text`; NaN when it is none.
+/// The number that `text` is from end to end; NaN when it is not a finite number.
 float parsedNumber(std::string_view text);
 
 } // namespace ze::tool

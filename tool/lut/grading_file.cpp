@@ -1,4 +1,4 @@
-#include "tool/lut/color_file.h"
+#include "tool/lut/grading_file.h"
 
 #include "tool/errors.h"
 #include "tool/files/input_file.h"
@@ -14,15 +14,15 @@
 #include <string_view>
 
 namespace ze::tool {
-
 namespace {
 
 namespace ocio = OCIO_NAMESPACE;
 
 constexpr size_t kLongestReason = 200;
 
-// A file by another name while this lives. OpenColorIO would take "$" and "%" in the user's name for
-// variables, and repeats names in its messages. The extension, by which it chooses the reader, is the same.
+// A link to the user's file under a name of ours, as long as this object lives: OpenColorIO takes "$" and "%"
+// in a name for variables and repeats the name in its messages. The link keeps the extension, by which
+// OpenColorIO chooses its reader.
 class Alias {
 public:
     explicit Alias(const std::string& path) {
@@ -58,7 +58,7 @@ private:
     std::filesystem::path m_path;
 };
 
-// Without the name of the format and the alias, which go before the reason proper, and on one line.
+// The reason proper, on one line: without the names of the format and the alias before it.
 std::string tidied(std::string reason, const std::string& alias) {
     const size_t name = reason.find(alias + ")");
     if (reason.rfind("Error parsing ", 0) == 0 && name != reason.npos)
@@ -74,14 +74,14 @@ std::string tidied(std::string reason, const std::string& alias) {
     return text.substr(0, kLongestReason);
 }
 
-// The line that a reason names; one that names none is about the whole file.
+// The line that a reason names. A reason without one is about the whole file and counts as the furthest.
 int lineIn(const std::string& reason) {
     const size_t at = reason.find("line (");
     return at == reason.npos ? INT_MAX : std::atoi(reason.c_str() + at + 6);
 }
 
-// OpenColorIO tries all its readers and tells of those for the extension "'NAME' failed with: REASON", one
-// after the other. Those that came furthest into the file are told, and what two say alike once.
+// OpenColorIO tries all its readers, and for each that the extension fits it reports "'NAME' failed with:
+// REASON". Only the readers that came furthest into the file are repeated, and the same reason only once.
 std::string reasonsIn(const std::string& message, const std::string& alias) {
     constexpr std::string_view kBetween = "' failed with: ";
     std::string reasons;
@@ -109,7 +109,7 @@ ocio::ConstCPUProcessorRcPtr processorOf(const std::string& path) {
     const Alias alias(path);
     const ocio::FileTransformRcPtr transform = ocio::FileTransform::Create();
     transform->setSrc(alias.path().c_str());
-    transform->setInterpolation(ocio::INTERP_BEST); // tetrahedra where there are three dimensions
+    transform->setInterpolation(ocio::INTERP_BEST); // tetrahedral in three dimensions
     try {
         return ocio::Config::CreateRaw()
             ->getProcessor(ocio::Context::Create(), transform, ocio::TRANSFORM_DIR_FORWARD)
@@ -126,7 +126,7 @@ ocio::ConstCPUProcessorRcPtr processorOf(const std::string& path) {
 
 } // namespace
 
-void applyColorFile(const std::string& path, std::vector<Color>& colors) {
+void applyGradingFile(const std::string& path, std::vector<Color>& colors) {
     const std::string bytes = readInput(path);
     if (bytes.find('\0') == bytes.npos) { // text
         const std::string reason = findBadNumber(bytes);

@@ -1,16 +1,15 @@
-#include "tool/lut/lut_cube.h"
+#include "tool/lut/cube_file.h"
 
 #include "effects/lut/lut_tables.h"
-#include "tool/lut/number_text.h"
+#include "tool/number_text.h"
 
 namespace ze::tool {
-
 namespace {
 
 constexpr int kDecimals = 6;
 
-// The same table on even levels.
-LutTable resampled(const LutTable& table) {
+// `table` on even levels.
+ColorTable resampled(const ColorTable& table) {
     Clamping none;
     if (table.isThreeDimensional) {
         std::vector<Color> colors = latticeOf(evenLevels(kResampledLevels));
@@ -21,7 +20,7 @@ LutTable resampled(const LutTable& table) {
     std::vector<Color> colors;
     for (const float level : evenLevels(kResampledLevels1D))
         colors.push_back(lookUp(table, {level, level, level}));
-    LutTable even = quantized(evenLevels(kResampledLevels1D), colors, none);
+    ColorTable even = quantized(evenLevels(kResampledLevels1D), colors, none);
     even.isThreeDimensional = false;
     return even;
 }
@@ -31,7 +30,7 @@ void appendColor(std::string& text, const uint8_t* color) {
         text += numberText(color[i] / 255.0, kDecimals) + (i < 2 ? ' ' : '\n');
 }
 
-std::string textOfEven(const LutTable& table) {
+std::string textOfEven(const ColorTable& table) {
     const size_t n = table.levelCount();
     std::string text =
         (table.isThreeDimensional ? "LUT_3D_SIZE " : "LUT_1D_SIZE ") + std::to_string(n) + '\n';
@@ -49,12 +48,8 @@ std::string textOfEven(const LutTable& table) {
 
 } // namespace
 
-bool hasEvenLevels(const LutTable& table) {
-    return hasUniformLevels(table.levels);
-}
-
-std::string cubeText(const LutTable& table) {
-    return textOfEven(hasEvenLevels(table) ? table : resampled(table));
+std::string cubeText(const ColorTable& table) {
+    return textOfEven(hasUniformLevels(table.levels) ? table : resampled(table));
 }
 
 } // namespace ze::tool

@@ -1,11 +1,11 @@
-#include "tool/files/targets.h"
+#include "tool/files/output_check.h"
 
 #include "tool/errors.h"
+#include "tool/files/file_name.h"
 
 #include <filesystem>
 
 namespace ze::tool {
-
 namespace {
 
 void checkPlace(const std::string& path, bool overwrite) {
@@ -18,7 +18,7 @@ void checkPlace(const std::string& path, bool overwrite) {
 
 } // namespace
 
-PictureFormat checkTarget(const std::string& path, bool overwrite) {
+PictureFormat checkOutput(const std::string& path, bool overwrite) {
     const std::optional<PictureFormat> format = pictureFormatOf(path);
     if (!format)
         throw Failure(ExitCode::usage, path, "unknown extension; .png, .jpg and .jpeg can be written");
@@ -26,7 +26,7 @@ PictureFormat checkTarget(const std::string& path, bool overwrite) {
     return *format;
 }
 
-void checkTarget(const std::string& path, bool overwrite, const std::string& extension) {
+void checkOutput(const std::string& path, bool overwrite, const std::string& extension) {
     if (extensionOf(path) != extension)
         throw Failure(ExitCode::usage, path, "unknown extension; " + extension + " can be written");
     checkPlace(path, overwrite);

@@ -1,4 +1,4 @@
-// Look-up tables in host memory, as the library's LUT files hold them.
+// Color look-up tables, as LUT files hold them.
 
 #pragma once
 
@@ -13,10 +13,10 @@ namespace ze::tool {
 /// Red, green and blue, black 0 and white 1.
 using Color = std::array<float, 3>;
 
-/// Output colors on a lattice of input colors. In three dimensions the entry of the level indices (r, g, b)
-/// is number (r × N + g) × N + b; in one, each channel goes through the N entries by itself.
-struct LutTable {
-    std::vector<float> levels; ///< The N inputs of a channel that have entries, rising.
+/// Output colors for a lattice of input colors. In three dimensions the entry for the level indices (r, g, b)
+/// is number (r × N + g) × N + b. In one dimension each channel is looked up in the N entries by itself.
+struct ColorTable {
+    std::vector<float> levels; ///< The N inputs of a channel that have entries. They are meant to rise.
     bool isThreeDimensional = true;
     std::vector<uint8_t> colors; ///< Red, green and blue of each entry.
 
@@ -32,29 +32,30 @@ std::vector<float> evenLevels(size_t count);
 /// The even levels to the power of `gamma`: above 1 they are dense in the shadows, below 1 in the highlights.
 std::vector<float> gammaLevels(size_t count, float gamma);
 
-/// Each level lies above the one before it; none is NaN.
+/// Whether each level is above the one before it. NaN never is.
 bool areRising(std::span<const float> levels);
 
 /// The input colors of a three-dimensional table with these levels, in the order of its entries.
 std::vector<Color> latticeOf(const std::vector<float>& levels);
 
-/// Where the values of a table had to be cut to lie in 0 to 1. NaN, which becomes 0, counts as well.
+/// The values of a table that had to be clamped to 0 to 1. NaN, which becomes 0, counts as well.
 struct Clamping {
     size_t count = 0;
     float lowest = 0;
     float highest = 1;
 };
 
-/// The three-dimensional table with an entry for each of the `colors`, one per point of its lattice, rounded
-/// to 8 bits. Values outside 0 to 1 are cut and told in `clamping`, but for the noise of float arithmetic.
-LutTable quantized(std::vector<float> levels, const std::vector<Color>& colors, Clamping& clamping);
+/// The three-dimensional table of `colors`, one for each point of its lattice, rounded to 8 bits. Values
+/// outside 0 to 1 are clamped and reported in `clamping`, unless they are outside by the noise of float
+/// arithmetic only.
+ColorTable quantized(std::vector<float> levels, const std::vector<Color>& colors, Clamping& clamping);
 
 /// The table of `levels` that changes nothing, up to rounding.
-LutTable identityTable(std::vector<float> levels);
+ColorTable identityTable(std::vector<float> levels);
 
-/// What `table` makes of `input`: between levels by linear interpolation along each axis, as the library
-/// draws it, beyond the outer ones what these have.
-Color lookUp(const LutTable& table, const Color& input);
+/// What `table` makes of `input`: interpolated linearly along each axis, as the library draws it; inputs
+/// beyond the outer levels get what those have.
+Color lookUp(const ColorTable& table, const Color& input);
 
 /// How far a table is from one that changes nothing, in steps of 8-bit channels.
 struct Difference {
@@ -64,6 +65,6 @@ struct Difference {
 };
 
 /// Compares `table` with the rounded identity on its own levels. A level that is NaN counts as 0.
-Difference differenceFromIdentity(const LutTable& table);
+Difference differenceFromIdentity(const ColorTable& table);
 
 } // namespace ze::tool
