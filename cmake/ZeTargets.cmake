@@ -64,13 +64,13 @@ endfunction()
 
 # ze_set_test_environment(<test> <var=value>...)
 # Adds the variables, the emulator that programs of a cross build need to start themselves again, and for
-# sanitizer builds the options with the suppressions that tests/ keeps.
+# ThreadSanitizer the suppressions that tests/ keeps.
 function(ze_set_test_environment name)
   if(CMAKE_CROSSCOMPILING_EMULATOR)
     list(APPEND ARGN ZE_EMULATOR=${CMAKE_CROSSCOMPILING_EMULATOR})
   endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT
-    "${ARGN};LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
+    "${ARGN};TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp")
 endfunction()
 
 # ze_add_bench(<name> SOURCES <file>... [LIBRARIES <target>...])
