@@ -22,8 +22,8 @@ std::vector<ZecEffect*> activeEffects(const std::vector<ZecEffect*>& effects) {
     return active;
 }
 
-/// Makes the core's context current, creating it on the first frame. A context that could not be created stays
-/// in the core, and every later frame fails here without a message.
+/// Makes the core's context current, creating it on the first frame. A context that could not be created
+/// stays in the core, and every later frame fails here without a message.
 bool enterContext(ZecRenderCore& core) {
     if (core.context)
         return makeContextCurrent(*core.context);

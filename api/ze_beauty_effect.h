@@ -78,7 +78,9 @@ ZE_EXPORT bool ZecSetLutParams(ZecEffect* handle, const std::string& lutPath, fl
 /// right now!"; with no active effect four messages are logged, nothing is copied and the result is true).
 /// `colorStandard`: 0 is BT.601, any other value BT.709. `colorRange`: 1 is full range, any other value video
 /// range. `width`, `height`: pixels, 1 to GL_MAX_TEXTURE_SIZE; 0 and less is refused without a message.
-/// `extra` is recorded and has no effect.
+/// `extra` is recorded and has no effect. A core keeps the matrix of its first pixel format as long as
+/// standard and range stay the same: after a change of the format alone U and V come out swapped. Use a core
+/// for each.
 ///
 /// Pitches are at least a row's bytes. The output and the plain copy honor any; with an active effect the
 /// input's pitch is honored when it is the row size rounded up to a multiple of 1, 2, 4 or 8 bytes; any other
