@@ -44,6 +44,16 @@ TEST(TextCodec, ConvertsBothWaysOrWarns) {
     EXPECT_EQ(log.entries().at(0).priority, 5);
 }
 
+TEST(TextCodec, KeepsASequenceForTheNextPiece) {
+    CZeTextCodec::State state;
+    const auto decode = [&state](const char* piece) { return CZeTextCodec::decode(106, piece, -1, &state); };
+    EXPECT_EQ(shown(decode("\xF0\x9F\x98")), "");
+    EXPECT_EQ(units(decode("\x80")), u"\U0001F600"); // more units than the piece has bytes
+    EXPECT_EQ(units(decode("\xC3") + decode("a\xC3")), u"\uFFFDa");
+    EXPECT_EQ(units(CZeTextCodec::finish(state)), u"\uFFFD");
+    EXPECT_EQ(shown(CZeTextCodec::finish(state)), "");
+}
+
 std::u16string decodedByIcu(const std::string& bytes) {
     const bool hasMark = bytes.starts_with("\xEF\xBB\xBF"); // which the library drops
     std::u16string units(bytes.size() + 1, u'\0');
@@ -98,8 +108,8 @@ TEST(Utf8, EveryKindOfSequenceDecodesAsByIcuInAnyTwoPieces) {
 
 TEST(Utf8, LongTextsConvertAsByIcu) {
     // clang-format off
-    const std::string runs[] = {"a", "plain text of more than thirty-two bytes, ", "\xC3\xA9", "\xD0\x96",
-                                "\xE2\x82\xAC", "\xE4\xB8\xAD", "\xF0\x9F\x98\x80", "\xEF\xBB\xBF",
+    const std::string runs[] = {"a", "plain text of more than thirty-two bytes, ", "\xE0\xA0\x80", "\xD0\x96",
+                                "\xE1\x80\x80", "\xE4\xB8\xAD", "\xF0\x9F\x98\x80", "\xEF\xBB\xBF",
                                 "\xED\xA0\x80", "\xC0", "\xE0\x9F", "\xF4\x90", "\xF0\x9F\x98", "\x80", "\xFF"};
     // clang-format on
     const std::u16string more[] = {u"", u"", u"", u"\xD800", u"\xDC00", std::u16string(1, u'\0')};
