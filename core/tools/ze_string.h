@@ -22,15 +22,16 @@ using CZeStringList = CZeList<CZeString>;
 /// What splitting into views gives.
 using CZeStringRefList = CZeList<CZeStringRef>;
 
-/// UTF-16 text in one shared block. Copies are cheap and independent: a change first takes a private copy of
-/// a shared block. Sizes and positions count units, not code points. A zero unit, not counted in the size,
-/// always follows the last unit (except in a string that wraps foreign memory). A null string is an empty one
-/// that was never given contents; one made empty by an operation is not null. Both compare equal.
+/// UTF-16 text in one shared block. Copies are cheap and independent: changing a string whose block is shared
+/// first makes a private copy. Sizes and positions count units, not code points. A zero unit, not counted in
+/// the size, always follows the last unit (except in a string that wraps foreign memory). A null string is an
+/// empty one that was never given contents; an operation that leaves nothing gives an empty string that is
+/// not null. The two compare equal.
 ///
-/// Sizes are at most about 2^30. Nothing throws: a change that cannot get its memory, or would pass that
-/// size, leaves the string as it was; a construction or conversion gives a null result. Different objects may
-/// be used on different threads at once, also when they are copies of each other. Units passed by pointer may
-/// lie inside the string that is changed.
+/// Sizes are at most about 2^30. Nothing throws: when there is no memory, or the size would be too large, a
+/// change leaves the string as it was, and a construction or conversion gives a null result. Different
+/// objects may be used on different threads at once, even when they are copies of each other. Units passed by
+/// pointer may belong to the string that is changed.
 class ZE_EXPORT CZeString {
 public:
     /// What splitting does with parts that have no units.
@@ -56,9 +57,9 @@ public:
     CZeString& operator=(CZeChar unit) { return *this = CZeString(unit); }
     CZeString& operator=(CZeLatin1String text) { return *this = CZeString(text); }
 
-    /// Wraps `size` units without copying them; they must outlive the string and its copies and stay
-    /// unchanged. The string does not write to them: a change takes a private copy, except that cutting the
-    /// end off only shortens the view. A null pointer gives the null string, a size below 1 the empty one.
+    /// Wraps `size` units without copying them. They must outlive the string and its copies and stay
+    /// unchanged. The string never writes to them: cutting off its end shortens the view, any other change
+    /// takes a private copy. A null pointer gives the null string, a size below 1 the empty one.
     static CZeString fromRawData(const CZeChar* units, int size);
     CZeString& setRawData(const CZeChar* units, int size) { return *this = fromRawData(units, size); }
     /// Replaces the contents by a copy of `units`, as the constructor takes them.
@@ -69,22 +70,22 @@ public:
     int length() const { return m_array.size(); }
     /// Units that fit into the block, terminator included; 0 for null, empty and wrapping strings.
     int capacity() const { return static_cast<int>(m_array.capacity()); }
-    /// There are no units.
+    /// Whether there are no units.
     bool isEmpty() const { return m_array.size() == 0; }
-    /// The string was never given contents.
+    /// Whether the string was never given contents.
     bool isNull() const { return m_array.isNull(); }
 
     /// The units, valid until the string changes.
     const CZeChar* unicode() const { return m_array.units(); }
     const CZeChar* constData() const { return m_array.units(); }
     const CZeChar* data() const { return m_array.units(); }
-    /// The units for writing, `size()` of them. Null when a private copy was needed and there is no memory.
+    /// The same for writing. Null when this takes a private copy and there is no memory for it.
     CZeChar* data() { return m_array.detach() ? m_array.units() : nullptr; }
     /// The range of the units.
     const CZeChar* begin() const { return m_array.units(); }
     const CZeChar* end() const { return m_array.units() + m_array.size(); }
-    /// The units with a terminating zero. A string that wraps foreign memory first takes a private copy for
-    /// that, which counts as a change; null when there is no memory.
+    /// The units with a terminating zero. A string that wraps foreign memory takes a private copy for this,
+    /// which counts as a change; null when there is no memory.
     const char16_t* utf16() const;
 
     /// The unit at `index`, from 0 to `size()` − 1.
@@ -100,21 +101,21 @@ public:
     void resize(int size) { m_array.resize(size); }
     /// The same with `fill` in every new unit.
     void resize(int size, CZeChar fill);
-    /// Keeps room for `size` units, through later cuts as well.
+    /// Makes room for `size` units and keeps it when the string gets shorter.
     void reserve(int size);
     /// Moves the units into a private block of `capacity` units, terminator included, dropping those that do
     /// not fit. With `grow` the capacity is rounded up geometrically.
     void reallocData(uint32_t capacity, bool grow);
-    /// Makes sure that there is a unit at `position`, by adding spaces.
+    /// Adds spaces until there is a unit at `position`.
     void expand(int position);
     /// Cuts the string at `position` when it is longer; a negative one counts as 0.
     void truncate(int position);
     /// Removes the last `count` units, all of them when there are fewer.
     void chop(int count);
-    /// Sets every unit to `unit`, after a change to `size` units unless that is negative.
+    /// Sets every unit to `unit`, after resizing to `size` unless that is negative.
     CZeString& fill(CZeChar unit, int size = -1);
-    /// No unit lies in a block of the scripts that are written from right to left or need shaping. Half pairs
-    /// are not looked into: code points above U+FFFF count as simple.
+    /// Whether no unit belongs to a script that is written from right to left or needs shaping. Code points
+    /// above U+FFFF count as simple.
     bool isSimpleText() const;
 
     // Conversion in: `size` counts the elements of the source, a negative one means up to its terminating
@@ -148,16 +149,16 @@ public:
 
     // Editing
 
-    /// Inserts at `position`; one behind the end is first reached with spaces, a negative one refused.
+    /// Inserts at `position`. Spaces fill the string up to a position behind the end; for a negative one
+    /// nothing happens.
     CZeString& insert(int position, const CZeChar* units, int size);
     CZeString& insert(int position, const CZeString& text);
     CZeString& insert(int position, const CZeStringRef& text);
     CZeString& insert(int position, CZeLatin1String text);
     CZeString& insert(int position, CZeChar unit) { return insert(position, &unit, 1); }
 
-    /// Appends. Nothing happens for a null string, and nothing for other arguments without units. Appending a
-    /// string to the null string makes it a shared copy; appending an empty one gives this string a block of
-    /// its own.
+    /// Appends. Arguments without units change nothing, except that an empty string that is not null gives
+    /// this string a block of its own. Appending a string to the null string makes that a shared copy.
     CZeString& append(const CZeString& text);
     CZeString& append(const CZeChar* units, int size) {
         CZeChar* const room = units ? m_array.extend(size) : nullptr;
@@ -190,10 +191,10 @@ public:
     template <class Character, ze::IfCharacters<Character> = 0>
     CZeString& remove(Character position, int count) = delete;
 
-    /// Puts `after` in place of the range that `remove` would remove.
+    /// Replaces the range that `remove` would remove by `after`.
     CZeString& replace(int position, int count, const ze::TextArgument& after);
-    /// Puts `after` in place of every occurrence of `before`, from the left. Occurrences do not overlap, and
-    /// what was put in is not searched. Nothing happens for an empty `before`.
+    /// Replaces every occurrence of `before` by `after`, from the left. Occurrences do not overlap, and what
+    /// was put in is not searched. Nothing happens for an empty `before`.
     CZeString& replace(const ze::TextArgument& before, const ze::TextArgument& after,
                        Ze::CaseSensitivity cs = Ze::CaseSensitive);
     template <class Before, class After, ze::IfCharacters<Before, After> = 0>
@@ -205,13 +206,13 @@ public:
     template <class Character, ze::IfCharacters<Character> = 0>
     CZeString& replace(Character position, int count, const ze::TextArgument& after) = delete;
 
-    /// The text so many times, nothing for a count below 1. An empty string stays what it is.
+    /// The text `times` times in a row; the empty string for a count below 1. Null stays null.
     CZeString repeated(int times) const;
-    /// With `fill` behind (left) or before (right) the text up to `width` units. A longer text is returned
-    /// whole, or with `truncate` its first `width` units.
+    /// The text padded to `width` units with `fill` at its end (left) or start (right). A longer text is
+    /// returned whole, or with `truncate` cut to its first `width` units.
     CZeString leftJustified(int width, CZeChar fill = ' ', bool truncate = false) const;
     CZeString rightJustified(int width, CZeChar fill = ' ', bool truncate = false) const;
-    /// With &lt; &gt; &amp; and &quot; in place of the four characters.
+    /// The text with &lt; &gt; &amp; and &quot; in place of these four characters.
     CZeString toHtmlEscaped() const;
 
     /// As `append`.
@@ -219,7 +220,7 @@ public:
     CZeString& operator+=(const CZeStringRef& text) { return append(text); }
     CZeString& operator+=(CZeLatin1String text) { return append(text); }
     CZeString& operator+=(CZeChar unit) { return append(unit); }
-    /// Both texts in a row. A sum that there is no memory for is its left side.
+    /// Both texts in a row; the left one alone when there is no memory.
     friend CZeString operator+(CZeString left, const CZeString& right) {
         return std::move(left.append(right));
     }
@@ -301,9 +302,8 @@ public:
     CZeStringRefList splitRef(CZeChar separator, SplitBehavior behavior = KeepEmptyParts,
                               Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
 
-    /// The text from the part `first` to the part `last` of those that `split` gives, with the separators
-    /// between them. Parts count from 0, or from −1 backwards from the last. The null string when the range
-    /// has no part.
+    /// Of the parts that `split` gives, those from `first` to `last` with the separators between them. Parts
+    /// count from 0, or backwards from −1 for the last. The null string when the range contains no part.
     CZeString section(const CZeString& separator, int first, int last = -1,
                       Ze::CaseSensitivity cs = Ze::CaseSensitive) const;
     CZeString section(CZeChar separator, int first, int last = -1,
@@ -311,18 +311,17 @@ public:
 
     // Cleaning
 
-    /// Without the white space (CZeChar::isSpace) at both ends. A temporary string with a block of its own
-    /// lends it to the result.
+    /// The text without the white space (CZeChar::isSpace) at both ends. A temporary string gives its block
+    /// to the result if it alone owns it, here and below.
     CZeString trimmed() const& { return trimmed_helper(*this); }
     CZeString trimmed() && { return trimmed_helper(std::move(*this)); }
 
-    /// Trimmed, with one space in place of each run of white space.
+    /// The trimmed text with one space in place of each run of white space.
     CZeString simplified() const& { return simplified_helper(*this); }
     CZeString simplified() && { return simplified_helper(std::move(*this)); }
 
-    /// Each code point by its simple case mapping in Unicode (core/tools/case_table.cpp names the version),
-    /// so that the size stays. What has no counterpart, and a surrogate without its other half, stays as it
-    /// is.
+    /// The text with each code point in its simple case mapping in Unicode (core/tools/case_table.cpp names
+    /// the version), so the size stays. Unpaired surrogates and what has no counterpart stay as they are.
     CZeString toLower() const& { return toLower_helper(*this); }
     CZeString toLower() && { return toLower_helper(std::move(*this)); }
     CZeString toUpper() const& { return toUpper_helper(*this); }
@@ -330,11 +329,11 @@ public:
 
     // Numbers in
 
-    /// The number that the text is. All of it must be one as strtoll, strtoull and strtod in the "C" locale
-    /// read it, white space (CZeChar::isSpace) at both ends aside; base 0 looks at the prefix "0" or "0x".
-    /// Otherwise, and when the number does not fit the type, `ok` (unless null) becomes false and the result
-    /// is 0. A minus sign before an unsigned number negates within 64 bits. "inf" and "nan" are numbers. A
-    /// number too small for a double fails; one that only a float cannot hold becomes 0.
+    /// The text as a number. Apart from white space (CZeChar::isSpace) at both ends, all of it must be a
+    /// number as strtoll, strtoull and strtod read it in the "C" locale; base 0 goes by the prefix "0" or
+    /// "0x". If it is not, or does not fit the type, `ok` (unless null) becomes false and the result is 0. A
+    /// minus sign before an unsigned number negates within 64 bits. "inf" and "nan" are numbers. A number too
+    /// small for a double fails; one that only a float cannot hold becomes 0.
     long long toLongLong(bool* ok = nullptr, int base = 10) const;
     unsigned long long toULongLong(bool* ok = nullptr, int base = 10) const;
     long toLong(bool* ok = nullptr, int base = 10) const;
@@ -374,8 +373,8 @@ public:
 
     // Formatting
 
-    /// A copy in which every occurrence of the lowest escape %0 to %99 gives way to the argument, so that
-    /// chained calls fill %1, %2 and so on. `fill` pads the argument to the field width, before it when that
+    /// A copy with the argument in place of every occurrence of the lowest escape, %0 to %99, so that chained
+    /// calls fill %1, %2 and so on. `fill` pads the argument to the field width, before it when that
     /// is positive, behind it when negative. Without an escape the copy is unchanged and a warning with the
     /// text and the argument is logged, integers in decimal. A result that would be too long is the null
     /// string.
