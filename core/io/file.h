@@ -20,9 +20,9 @@ public:
     void setFileName(const CZeString& fileName);
 
     /// Opens the file with bits of Ze::OpenModeFlag: ReadOnly needs an existing file, every other mode
-    /// creates a missing one; WriteOnly without ReadOnly or Append, and Truncate, empty it. The position is
-    /// 0, with Append the end. Refused with a warning while it is open, without an access bit and without a
-    /// name. A failure leaves it closed.
+    /// creates a missing one; WriteOnly without ReadOnly or Append, and Truncate without Append, empty it.
+    /// The position is 0, with Append the end. Refused with a warning while it is open, without an access bit
+    /// and without a name. A failure leaves it closed.
     bool open(int mode) override;
 
     /// There is something of that name, be it a directory. A query that finds nothing is logged.

@@ -31,6 +31,13 @@ bool isSameEntry(const char* left, const char* right) {
     return lstat(left, &l) == 0 && lstat(right, &r) == 0 && isSameFile(l, r);
 }
 
+/// `name` leads to the file that `source` has open.
+bool isStillNamed(const CZeGenericFileEngine& source, const CZeString& name) {
+    struct stat open = {}, named = {};
+    return fstat(source.descriptor(), &open) == 0 && stat(ze::NativePath(name).get(), &named) == 0 &&
+           isSameFile(open, named);
+}
+
 /// Puts a random tail behind `name`, at `end`, until nothing has that name.
 bool findFreeName(const char* name, char* end) {
     constexpr int kAttempts = 16;
@@ -70,11 +77,11 @@ void copyAttributes(int source, int target) {
     futimens(target, times);
 }
 
-/// The new file is in its directory for good. Some file systems have no such promise to give, and a
-/// directory that may not be read cannot be asked for it.
+/// The new file is in its directory for good. False when the disk failed: some file systems have no such
+/// promise to give, and a directory that may not be read cannot be asked for it.
 bool syncDirectory(int directory) {
     const int result = ze::restarting([&] { return fsync(directory); });
-    return result == 0 || errno == EINVAL || errno == EBADF;
+    return result == 0 || (errno != EIO && errno != ENOSPC && errno != EDQUOT);
 }
 
 /// A copy of a file at a place that nothing has. It is written through the descriptor that has made it, so
@@ -86,11 +93,11 @@ public:
         constexpr int kNewFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
         if (!source.open(Ze::ReadOnly) || !m_place.open(path))
             return false;
-        const int target =
-            ze::restarting([&] { return openat(m_place.directory(), m_place.name(), kNewFile, 0600); });
-        if (target < 0)
+        m_target = ze::Descriptor(
+            ze::restarting([&] { return openat(m_place.directory(), m_place.name(), kNewFile, 0600); }));
+        if (!m_target)
             return false;
-        if (fill(source, target) && syncDirectory(m_place.directory()) && isInPlace())
+        if (fill(source) && syncDirectory(m_place.directory()) && isInPlace())
             return true;
         remove();
         return false;
@@ -103,25 +110,28 @@ public:
     }
 
 private:
-    bool fill(CZeGenericFileEngine& source, int target) {
-        CZeGenericFileEngine engine{CZeString()};
-        engine.adoptDescriptor(target, Ze::WriteOnly);
-        const bool isKnown = fstat(target, &m_identity) == 0;
-        if (!isKnown || !copyBlocks(source, engine))
+    bool fill(CZeGenericFileEngine& source) {
+        const int descriptor = fcntl(m_target.get(), F_DUPFD_CLOEXEC, 0);
+        if (descriptor < 0)
             return false;
-        copyAttributes(source.descriptor(), target);
+        CZeGenericFileEngine engine{CZeString()};
+        engine.adoptDescriptor(descriptor, Ze::WriteOnly);
+        if (!copyBlocks(source, engine))
+            return false;
+        copyAttributes(source.descriptor(), descriptor);
         // The source is going to be removed, so this must survive a loss of power.
         return engine.sync() && engine.close();
     }
 
     bool isInPlace() const {
-        struct stat status = {};
-        return fstatat(m_place.directory(), m_place.name(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-               isSameFile(status, m_identity);
+        struct stat own = {}, named = {};
+        return fstat(m_target.get(), &own) == 0 &&
+               fstatat(m_place.directory(), m_place.name(), &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+               isSameFile(own, named);
     }
 
     ze::Place m_place;
-    struct stat m_identity = {};
+    ze::Descriptor m_target; ///< Open to the end: some file systems number a file anew after it was closed.
 };
 
 } // namespace
@@ -193,6 +203,11 @@ bool CZeFile::renameOrCopy(const CZeString& newName, const char* newPath) {
     Copy copy;
     if (!copy.make(source, newPath))
         return failRename("Error while renaming.");
+    // Another process may have put a newer file in the source's place.
+    if (!isStillNamed(source, m_fileName)) {
+        copy.remove();
+        return failRename("Error while renaming.");
+    }
     if (source.remove())
         return true;
     copy.remove();

@@ -12,6 +12,8 @@ NativePath::NativePath(const CZeString& name) {
     const int count = std::min(name.size(), PATH_MAX);
     char* const end = encodeUtf8(name.unicode(), count, m_bytes);
     *end = '\0';
+    if (count < name.size())
+        end[-1] = '?'; // A cut between slashes would name a directory once they are taken off.
     if (std::memchr(m_bytes, 0, static_cast<size_t>(end - m_bytes)))
         m_bytes[0] = '\0';
 }

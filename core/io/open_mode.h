@@ -11,8 +11,8 @@ enum OpenModeFlag : int {
     WriteOnly = 0x2,                  ///< Writing is allowed. Alone it also empties a file.
     ReadWrite = ReadOnly | WriteOnly, ///< Both; a file keeps its contents.
     Append = 0x4,                     ///< Every write goes to the end.
-    Truncate = 0x8,                   ///< A file is emptied when it is opened; needs WriteOnly.
-    Text = 0x10,                      ///< Carriage returns (13) are dropped on reading.
+    Truncate = 0x8, ///< A file is emptied when it is opened; needs WriteOnly, not with Append.
+    Text = 0x10,    ///< Carriage returns (13) are dropped on reading.
 };
 
 } // namespace Ze

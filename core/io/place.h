@@ -22,7 +22,7 @@ public:
 
 private:
     Descriptor m_directory;
-    char m_name[NAME_MAX + 1] = "";
+    char m_name[PATH_MAX] = ""; // Some file systems have names of more than NAME_MAX bytes.
 };
 
 } // namespace ze

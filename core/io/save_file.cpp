@@ -54,6 +54,7 @@ bool followLinks(char (&path)[PATH_MAX]) {
 /// What is to be replaced, and the file that is to do it.
 struct CZeSaveFile::Target {
     ze::Place place;
+    struct stat old = {}; ///< All zero for a file that is new.
     /// Beside it. Empty before it is made and after it has gone.
     char temporary[sizeof kTemporaryPrefix + kRandomCharacters] = "";
 
@@ -143,7 +144,7 @@ bool CZeSaveFile::openTemporary(int mode) {
     const int directory = m_target->place.directory();
     const char* const name = m_target->place.name();
 
-    struct stat old = {};
+    struct stat& old = m_target->old;
     const bool isNew = fstatat(directory, name, &old, AT_SYMLINK_NOFOLLOW) != 0;
     if (isNew && errno != ENOENT)
         return failOpen(errno);
@@ -178,6 +179,9 @@ bool CZeSaveFile::commit() {
 /// Puts the temporary file, which is complete, in the place of the old one.
 bool CZeSaveFile::replaceTarget() {
     auto& file = static_cast<CZeGenericFileEngine&>(*engine());
+    // Writing costs a file its set-user-ID and set-group-ID bits, but for root.
+    if (m_target->old.st_mode & (S_ISUID | S_ISGID))
+        ze::copyPermissions(m_target->old, file.descriptor());
     if (!file.sync())
         return fail(file);
     if (!CZeFileDevice::close())

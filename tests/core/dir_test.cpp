@@ -84,8 +84,9 @@ TEST(Dir, RemoveRecursivelyStaysInsideTheTree) {
     fs::create_directory_symlink(root / "outside", root / "tree/.a/link");
     fs::create_symlink("../outside/file", root / "tree/file link");
     fs::create_directory_symlink(root / "tree", root / "link");
-    for (const std::string& path : std::vector<std::string>{"link", "link/", "link/.", "link/..//", "tree/.",
-                                                            "tree/.a/..", "outside/file", "tree\0"s}) {
+    for (const std::string& path :
+         std::vector<std::string>{"link", "link/", "link/.", "link/..//", "tree/.", "tree/.a/..",
+                                  "outside/file", "tree\0"s, "tree" + std::string(PATH_MAX, '/') + "x"}) {
         EXPECT_FALSE(removeRecursively(root / path)) << path;
         EXPECT_TRUE(fs::exists(root / "tree/.a/b/file")) << path;
     }
