@@ -15,7 +15,7 @@ class CZeStringRef;
 namespace ze {
 class TextArgument;
 CZeString sharedText(SZeArrayData& block);
-}
+} // namespace ze
 
 /// What splitting gives.
 using CZeStringList = CZeList<CZeString>;
