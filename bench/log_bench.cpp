@@ -35,7 +35,7 @@ constexpr auto kPause = std::chrono::milliseconds(15); // for the writers to cat
 using Clock = std::chrono::steady_clock;
 
 double nanoseconds(Clock::duration duration) {
-    return double(std::chrono::duration_cast<std::chrono::nanoseconds>(duration).count());
+    return std::chrono::duration<double, std::nano>(duration).count();
 }
 
 /// spdlog with one writer, writing lines as the library does.
@@ -88,7 +88,7 @@ void measure(size_t threads, Call call, Series& series) {
         }
     });
     series.medians.push_back(median(times));
-    const auto p99 = times.begin() + ptrdiff_t(times.size() / 100 * 99);
+    const auto p99 = times.begin() + static_cast<ptrdiff_t>(times.size() / 100 * 99);
     std::nth_element(times.begin(), p99, times.end());
     series.p99s.push_back(*p99);
 
@@ -101,7 +101,7 @@ void measure(size_t threads, Call call, Series& series) {
     });
     const auto duration =
         *std::max_element(ends.begin(), ends.end()) - *std::min_element(starts.begin(), starts.end());
-    series.means.push_back(nanoseconds(duration) / double(threads * kBurst));
+    series.means.push_back(nanoseconds(duration) / static_cast<double>(threads * kBurst));
 }
 
 double medianRatio(const std::vector<double>& baseline, const std::vector<double>& library) {
@@ -187,8 +187,9 @@ std::string linesWithoutStamps(const std::string& content) {
 bool agree() {
     const TempDirectory directory;
     {
-        ze::FileLogger library;
-        library.setRootDirectory(CZeString::fromLocal8Bit(directory.path().c_str()));
+        ze::RootDirectory root;
+        root.set(CZeString::fromLocal8Bit(directory.path().c_str()));
+        ze::FileLogger library(root);
         const Spdlog other(directory / "spdlog");
         for (int i = 0; i < 1000; ++i) {
             library.enqueue(std::to_string(i).c_str());
@@ -214,7 +215,7 @@ int main() {
     ZeSetLogRootDirectory(directory.path().c_str());
     const Spdlog other(directory / "spdlog");
     std::printf("%-26s %9s %9s %9s\n", "ns a line", "library", "spdlog", "of spdlog");
-    for (const size_t threads : {size_t{1}, size_t{2}})
+    for (const size_t threads : {1U, 2U})
         compareEnqueue(threads, *other.logger);
     compareDropped(*other.logger);
     return 0;

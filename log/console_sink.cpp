@@ -1,6 +1,6 @@
 #include "log/console_sink.h"
 
-#include "log/settings.h"
+#include "log/settings_store.h"
 
 #include <android/log.h>
 

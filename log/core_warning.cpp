@@ -3,7 +3,7 @@
 #include "core/tools/ze_string.h"
 #include "log/emit.h"
 #include "log/log_stream.h"
-#include "log/settings.h"
+#include "log/settings_store.h"
 
 namespace ze {
 

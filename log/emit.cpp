@@ -2,11 +2,11 @@
 
 #include "log/console_sink.h"
 #include "log/file_sink.h"
+#include "log/joined_text.h"
 #include "log/log_stream.h"
-#include "log/settings.h"
+#include "log/settings_store.h"
 
 #include <cstdio>
-#include <string>
 
 namespace ze {
 namespace {
@@ -35,7 +35,8 @@ void emit(const char* text, int level, const SZeLogContext& context) {
     char prefix[kBufferSize];
     std::snprintf(prefix, sizeof prefix, "%s(%d), %s: ", context.fileName, context.line,
                   context.functionName ? context.functionName : "(null)");
-    writeToSinks((std::string(prefix) + text).c_str(), level, toFile);
+    const auto line = joinedText(prefix, text);
+    writeToSinks(line ? line.get() : text, level, toFile); // rather without its prefix than not at all
 }
 
 void emitFormatted(int level, const SZeLogContext& context, const char* format, std::va_list arguments) {

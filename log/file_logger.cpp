@@ -1,11 +1,9 @@
 #include "log/file_logger.h"
 
 #include <chrono>
-#include <ctime>
+#include <csignal>
 #include <string_view>
 #include <system_error>
-
-#include <unistd.h>
 
 namespace ze {
 namespace {
@@ -14,9 +12,29 @@ namespace {
 /// would find it asleep, and waking it costs the thread that logs fifty times as much as queueing a line.
 constexpr std::chrono::microseconds kGatherTime{200};
 
+/// Blocks all signals on this thread while it lives. A thread inherits that when it is started: signals are
+/// for the host's threads, which may have blocked some in order to wait for them.
+class SignalBlock {
+public:
+    SignalBlock() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &m_before);
+    }
+    ~SignalBlock() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
+    SignalBlock(const SignalBlock&) = delete;
+    SignalBlock& operator=(const SignalBlock&) = delete;
+
+private:
+    sigset_t m_before;
+};
+
 } // namespace
 
-FileLogger::FileLogger() : m_file(CZeString::fromLatin1("glowkitlog")), m_process(getpid()) {
+FileLogger::FileLogger(const RootDirectory& rootDirectory, LogDuration flushInterval, Clock& clock)
+    : m_file(CZeString::fromLatin1("glowkitlog"), rootDirectory, flushInterval),
+      m_flushInterval(flushInterval), m_clock(clock) {
+    const SignalBlock block;
     try {
         m_thread = std::thread(&FileLogger::run, this);
     } catch (const std::system_error& error) {
@@ -33,34 +51,24 @@ FileLogger::~FileLogger() {
     m_thread.join();
 }
 
-void FileLogger::enqueue(const char* text) {
+void FileLogger::enqueue(const char* text) noexcept {
     const std::string_view line(text);
     {
         // One lock for both: a second one would cost more than it takes off this one, which formats a time
         // once a second. So the stamps are in order, too.
         const std::lock_guard lock(m_mutex);
-        m_queue.append(m_timeStamp.of(std::time(nullptr)), line);
+        m_queue.append(m_timeStamp.of(m_clock(nullptr)), line);
     }
     m_wake.notify_one();
 }
 
-void FileLogger::setRootDirectory(const CZeString& directory) {
-    const std::lock_guard lock(m_mutex);
-    m_rootDirectory = directory;
-}
-
-bool FileLogger::isOfThisProcess() const {
-    return m_process == getpid();
-}
-
 void FileLogger::run() {
-    LogLines lines;
     std::unique_lock lock(m_mutex);
     while (!m_stop) {
         LogDuration waited = {};
         if (m_queue.isEmpty()) {
             const LogTime start = std::chrono::steady_clock::now();
-            m_wake.wait_until(lock, std::chrono::system_clock::now() + kFlushInterval);
+            m_wake.wait_until(lock, std::chrono::system_clock::now() + m_flushInterval);
             waited = std::chrono::steady_clock::now() - start;
         }
         if (m_stop)
@@ -70,17 +78,16 @@ void FileLogger::run() {
             std::this_thread::sleep_for(kGatherTime);
 
         const LogTime now = std::chrono::steady_clock::now();
-        const std::tm today = localTime(std::time(nullptr)).value_or(std::tm());
+        const std::tm today = localTime(m_clock(nullptr)).value_or(std::tm());
         m_file.flushIfDue(waited, now, today);
 
         lock.lock();
-        lines.swap(m_queue);
-        const CZeString rootDirectory = m_rootDirectory;
+        m_batch.swap(m_queue);
         lock.unlock();
 
-        if (!lines.isEmpty())
-            m_file.write(lines, rootDirectory, now, today);
-        lines.clear();
+        if (!m_batch.isEmpty())
+            m_file.write(m_batch, now, today);
+        m_batch.clear();
         lock.lock();
     }
     lock.unlock();

@@ -18,9 +18,13 @@ struct LogMessage {
     bool alwaysToFile = false;
     CZeString text = {};
     bool enabled = true;
+    bool isComplete = true; ///< There was memory for every piece; without one the text might mislead.
 };
 
-/// Gives up one owner. The last one emits the message, if it is enabled, and frees the record.
-void release(LogMessage* message);
+/// Adds a piece; a null one stands for one that there was no memory to make.
+void append(LogMessage& message, const CZeString& piece) noexcept;
+
+/// Gives up one owner. The last one emits the message, if it is enabled and complete, and frees the record.
+void release(LogMessage* message) noexcept;
 
 } // namespace ze

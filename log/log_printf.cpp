@@ -3,7 +3,7 @@
 
 #include "log/emit.h"
 #include "log/log_stream.h"
-#include "log/settings.h"
+#include "log/settings_store.h"
 
 void ZeLogInfof(const SZeLogContext& context, const char* format, ...) {
     if (!ze::isLogLevelEnabled(ze::kLogInfo))

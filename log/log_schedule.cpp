@@ -2,22 +2,16 @@
 
 namespace ze {
 
-bool mustFlush(LogDuration waited, LogTime lastFlush, LogTime now) {
-    return waited > kFlushInterval || now - lastFlush > kFlushInterval;
-}
-
-bool mayOpen(const std::optional<LogTime>& lastFailure, LogTime now) {
-    return !lastFailure || now - *lastFailure >= kRetryPause;
-}
-
 bool isAnotherDay(const std::tm& date, const std::tm& other) {
     return date.tm_mday != other.tm_mday || date.tm_mon != other.tm_mon || date.tm_year != other.tm_year;
 }
 
 CZeString logFileName(const CZeString& loggerName, const std::tm& date) {
-    char day[64] = "";
-    std::strftime(day, sizeof day, "%Y-%m-%d", &date);
-    return CZeString(CZeLatin1String("%1(%2).log")).arg(loggerName).arg(CZeString::fromLatin1(day));
+    char ending[64] = "";
+    std::strftime(ending, sizeof ending, "(%Y-%m-%d).log", &date);
+    CZeString name = loggerName;
+    name.append(CZeLatin1String(ending));
+    return !loggerName.isEmpty() && name.size() > loggerName.size() ? name : CZeString();
 }
 
 std::optional<std::tm> localTime(std::time_t time) {
@@ -25,14 +19,14 @@ std::optional<std::tm> localTime(std::time_t time) {
     return localtime_r(&time, &result) ? std::optional(result) : std::nullopt;
 }
 
-const std::string& TimeStamp::of(std::time_t time) {
+std::string_view TimeStamp::of(std::time_t time) {
     if (m_time == time)
         return m_text;
-    char text[64] = "";
-    if (const std::optional<std::tm> local = localTime(time))
-        std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &*local);
+    const std::optional<std::tm> local = localTime(time);
+    const std::size_t size =
+        local ? std::strftime(m_buffer, sizeof m_buffer, "[%Y-%m-%d %H:%M:%S] ", &*local) : 0;
+    m_text = size > 0 ? std::string_view(m_buffer, size) : "[] ";
     m_time = time;
-    m_text = text;
     return m_text;
 }
 

@@ -1,4 +1,4 @@
-// When the log file is opened, flushed and changed, and what it is called: rules of given times only.
+// When the log file is flushed and changed, and what it is called: rules of given times only.
 
 #pragma once
 
@@ -7,7 +7,7 @@
 #include <chrono>
 #include <ctime>
 #include <optional>
-#include <string>
+#include <string_view>
 
 namespace ze {
 
@@ -17,16 +17,10 @@ using LogDuration = std::chrono::nanoseconds;
 constexpr LogDuration kFlushInterval{9'999'999'999};
 constexpr LogDuration kRetryPause{30'000'000'000};
 
-/// Whether an open file is to be flushed, after the writer waited for `waited`. Both limits are exclusive.
-bool mustFlush(LogDuration waited, LogTime lastFlush, LogTime now);
-
-/// Whether a file may be opened: not within 30 seconds after an attempt failed.
-bool mayOpen(const std::optional<LogTime>& lastFailure, LogTime now);
-
 /// Whether two times lie on different days.
 bool isAnotherDay(const std::tm& date, const std::tm& other);
 
-/// The file name for a day, as in "glowkitlog(2024-03-05).log".
+/// The file name for a day, as in "glowkitlog(2024-03-05).log". Null when there is no memory for all of it.
 CZeString logFileName(const CZeString& loggerName, const std::tm& date);
 
 /// The local time; nothing when it cannot be converted.
@@ -36,12 +30,13 @@ std::optional<std::tm> localTime(std::time_t time);
 /// and most lines share their second with the one before.
 class TimeStamp {
 public:
-    /// As in "2024-03-05 23:59:59"; empty when the time cannot be converted.
-    const std::string& of(std::time_t time);
+    /// As in "[2024-03-05 23:59:59] ", or "[] " when the time cannot be converted. Valid until the next call.
+    std::string_view of(std::time_t time);
 
 private:
     std::optional<std::time_t> m_time;
-    std::string m_text;
+    std::string_view m_text;
+    char m_buffer[64];
 };
 
 } // namespace ze

@@ -2,7 +2,7 @@
 
 #include "core/tools/ze_string.h"
 #include "log/file_sink.h"
-#include "log/settings.h"
+#include "log/settings_store.h"
 
 void ZeSetLogFilter(int filter) {
     if (filter >= 0 && filter <= 3)
@@ -22,7 +22,9 @@ void ZeSetConsoleToStandardError(bool on) {
 }
 
 void ZeSetLogRootDirectory(const char* directory) {
-    ze::setLogRootDirectory(CZeString::fromLocal8Bit(directory));
+    const CZeString text = CZeString::fromLocal8Bit(directory);
+    if (!directory || !text.isNull()) // else no memory, which must not clear it
+        ze::setLogRootDirectory(text);
 }
 
 void ZeSetLogRootDirectory(const CZeString& directory) {

@@ -20,7 +20,7 @@ ZE_EXPORT bool ZeIsLogLevelEnabled(int level);
 /// file of the day, "glowkit/log/glowkitlog(YYYY-MM-DD).log" under the root directory. A thread of the
 /// library's own writes it, so lines show up a moment later and are flushed at most about every 10 seconds.
 /// Those that it has not taken when the library is unloaded or the program ends, a moment after the message,
-/// are lost.
+/// are lost. A process forked once the log file or its directory has been used has no log file.
 ZE_EXPORT void ZeSetFileLogging(bool on);
 
 /// Sends the console's messages to standard error, one line each, instead of the Android log (initially off).
@@ -28,9 +28,11 @@ ZE_EXPORT void ZeSetFileLogging(bool on);
 ZE_EXPORT void ZeSetConsoleToStandardError(bool on);
 
 /// Sets the directory under which log files are made: an absolute path in the local encoding (UTF-8); null
-/// clears it. The text is copied. It counts from the next file that is opened: a file that is already open
-/// stays in use until the date changes. Without a root directory no file can be opened; each attempt costs
-/// one warning in the Android log, the lines are dropped and the next attempt is made 30 seconds later.
+/// clears it. The text is copied; without memory for that nothing changes. It counts from the next file that
+/// is opened: a file that is already open stays in use until the date changes. Without a root directory no
+/// file can be opened; each attempt costs one warning in the Android log, the lines are dropped and the next
+/// attempt is made 30 seconds later. The same happens when anything but a regular file, be it a symbolic link
+/// to one, has the file's name.
 ZE_EXPORT void ZeSetLogRootDirectory(const char* directory);
 
 /// The same from a string; a null or empty string clears the directory.

@@ -1,7 +1,10 @@
 #include "log/log_stream.h"
 
 #include "log/log_message.h"
-#include "log/settings.h"
+#include "log/settings_store.h"
+
+#include <new>
+#include <utility>
 
 namespace {
 
@@ -11,103 +14,111 @@ CZeLogStream streamOf(ze::LogLevel level, const SZeLogContext& context) {
 
 } // namespace
 
-CZeLogStream ZeLogInfo(const SZeLogContext& context) {
+CZeLogStream ZeLogInfo(const SZeLogContext& context) noexcept {
     return streamOf(ze::kLogInfo, context);
 }
 
-CZeLogStream ZeLogWarning(const SZeLogContext& context) {
+CZeLogStream ZeLogWarning(const SZeLogContext& context) noexcept {
     return streamOf(ze::kLogWarning, context);
 }
 
-CZeLogStream ZeLogError(const SZeLogContext& context) {
+CZeLogStream ZeLogError(const SZeLogContext& context) noexcept {
     return streamOf(ze::kLogError, context);
 }
 
+// Without memory for the message the stream has none, and nothing is done with it.
 CZeLogStream::CZeLogStream(int level, int32_t line, const char* fileName, const char* functionName,
-                           bool alwaysToFile)
-    : m_message(new ze::LogMessage{.level = static_cast<std::uint32_t>(level),
-                                   .line = line,
-                                   .fileName = fileName,
-                                   .functionName = functionName,
-                                   .alwaysToFile = alwaysToFile}) {}
+                           bool alwaysToFile) noexcept
+    : m_message(new (std::nothrow) ze::LogMessage{.level = static_cast<std::uint32_t>(level),
+                                                  .line = line,
+                                                  .fileName = fileName,
+                                                  .functionName = functionName,
+                                                  .alwaysToFile = alwaysToFile}) {}
 
 CZeLogStream::CZeLogStream(const CZeLogStream& other) noexcept : m_message(other.m_message) {
-    ++m_message->refCount;
+    if (m_message)
+        ++m_message->refCount;
 }
 
 CZeLogStream& CZeLogStream::operator=(const CZeLogStream& other) noexcept {
-    ++other.m_message->refCount; // first, in case both are the same message
-    ze::release(m_message);
-    m_message = other.m_message;
+    CZeLogStream copy(other);
+    std::swap(m_message, copy.m_message);
     return *this;
 }
 
 CZeLogStream::~CZeLogStream() {
-    ze::release(m_message);
+    if (m_message)
+        ze::release(m_message);
 }
 
 void CZeLogStream::setEnabled(bool enabled) noexcept {
-    m_message->enabled = enabled;
+    if (m_message)
+        m_message->enabled = enabled;
 }
 
-CZeLogStream& CZeLogStream::operator<<(const char* text) {
-    return text ? *this << CZeString::fromUtf8(text) : *this;
-}
-
-CZeLogStream& CZeLogStream::operator<<(const CZeString& text) {
-    m_message->text.append(text);
+CZeLogStream& CZeLogStream::add(const CZeString& piece) noexcept {
+    if (m_message)
+        ze::append(*m_message, piece);
     return *this;
 }
 
-CZeLogStream& CZeLogStream::operator<<(bool value) {
+CZeLogStream& CZeLogStream::operator<<(const char* text) noexcept {
+    return text ? add(CZeString::fromUtf8(text)) : *this;
+}
+
+CZeLogStream& CZeLogStream::operator<<(const CZeString& text) noexcept {
+    return text.isNull() ? *this : add(text);
+}
+
+CZeLogStream& CZeLogStream::operator<<(bool value) noexcept {
     return *this << (value ? "true" : "false");
 }
 
-CZeLogStream& CZeLogStream::operator<<(std::nullptr_t) {
+CZeLogStream& CZeLogStream::operator<<(std::nullptr_t) noexcept {
     return *this << "(nullptr)";
 }
 
-CZeLogStream& CZeLogStream::operator<<(short value) {
-    return *this << long(value);
+CZeLogStream& CZeLogStream::operator<<(short value) noexcept {
+    return *this << static_cast<long>(value);
 }
 
-CZeLogStream& CZeLogStream::operator<<(unsigned short value) {
+CZeLogStream& CZeLogStream::operator<<(unsigned short value) noexcept {
     return *this << static_cast<unsigned long>(value);
 }
 
-CZeLogStream& CZeLogStream::operator<<(int value) {
-    return *this << long(value);
+CZeLogStream& CZeLogStream::operator<<(int value) noexcept {
+    return *this << static_cast<long>(value);
 }
 
-CZeLogStream& CZeLogStream::operator<<(unsigned int value) {
+CZeLogStream& CZeLogStream::operator<<(unsigned int value) noexcept {
     return *this << static_cast<unsigned long>(value);
 }
 
-CZeLogStream& CZeLogStream::operator<<(long value) {
-    return *this << CZeString::number(value);
+CZeLogStream& CZeLogStream::operator<<(long value) noexcept {
+    return add(CZeString::number(value));
 }
 
-CZeLogStream& CZeLogStream::operator<<(unsigned long value) {
-    return *this << CZeString::number(value);
+CZeLogStream& CZeLogStream::operator<<(unsigned long value) noexcept {
+    return add(CZeString::number(value));
 }
 
-CZeLogStream& CZeLogStream::operator<<(long long value) {
+CZeLogStream& CZeLogStream::operator<<(long long value) noexcept {
     static_assert(sizeof(long long) == sizeof(long));
     return *this << static_cast<long>(value);
 }
 
-CZeLogStream& CZeLogStream::operator<<(unsigned long long value) {
+CZeLogStream& CZeLogStream::operator<<(unsigned long long value) noexcept {
     return *this << static_cast<unsigned long>(value);
 }
 
-CZeLogStream& CZeLogStream::operator<<(char character) {
-    return *this << CZeString(CZeChar(character));
+CZeLogStream& CZeLogStream::operator<<(char character) noexcept {
+    return add(CZeString(CZeChar(character)));
 }
 
-CZeLogStream& CZeLogStream::operator<<(float value) {
-    return *this << double(value);
+CZeLogStream& CZeLogStream::operator<<(float value) noexcept {
+    return *this << static_cast<double>(value);
 }
 
-CZeLogStream& CZeLogStream::operator<<(double value) {
-    return *this << CZeString::number(value, 'g', 6);
+CZeLogStream& CZeLogStream::operator<<(double value) noexcept {
+    return add(CZeString::number(value, 'g', 6));
 }

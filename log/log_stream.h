@@ -23,12 +23,15 @@ struct SZeLogContext {
 };
 
 /// A message in the making. It is emitted when the last copy of the stream is destroyed, normally at the end
-/// of the statement: `ZeLogWarning() << "width " << width;`. Nothing is put between the pieces. A stream and
-/// its copies belong to one thread; different streams may be used on different threads.
+/// of the statement: `ZeLogWarning() << "width " << width;`. Nothing is put between the pieces. A message
+/// that there is no memory for, be it for one of its pieces, is dropped, or emitted without its prefix when
+/// only that is lacking; nothing throws. A stream and its copies belong to one thread; different streams may
+/// be used on different threads.
 class ZE_EXPORT CZeLogStream {
 public:
     /// A stream of `level` (0 info, 1 warning, 2 error).
-    CZeLogStream(int level, int32_t line, const char* fileName, const char* functionName, bool alwaysToFile);
+    CZeLogStream(int level, int32_t line, const char* fileName, const char* functionName,
+                 bool alwaysToFile) noexcept;
     /// A copy adds to the same message.
     CZeLogStream(const CZeLogStream& other) noexcept;
     CZeLogStream& operator=(const CZeLogStream& other) noexcept;
@@ -37,39 +40,41 @@ public:
     /// Whether the message, shared with the copies, is emitted at its end. True for a new stream.
     void setEnabled(bool enabled) noexcept;
 
-    CZeLogStream& operator<<(const char* text); ///< UTF-8; null appends nothing
+    CZeLogStream& operator<<(const char* text) noexcept; ///< UTF-8; null appends nothing
     /// Appends the text, or the number in decimal.
-    CZeLogStream& operator<<(const CZeString& text);
-    CZeLogStream& operator<<(bool value);     ///< "true" or "false"
-    CZeLogStream& operator<<(std::nullptr_t); ///< "(nullptr)"
+    CZeLogStream& operator<<(const CZeString& text) noexcept;
+    CZeLogStream& operator<<(bool value) noexcept;     ///< "true" or "false"
+    CZeLogStream& operator<<(std::nullptr_t) noexcept; ///< "(nullptr)"
     /// Appends the number in decimal.
-    CZeLogStream& operator<<(short value);
-    CZeLogStream& operator<<(unsigned short value);
-    CZeLogStream& operator<<(int value);
-    CZeLogStream& operator<<(unsigned int value);
-    CZeLogStream& operator<<(long value);
-    CZeLogStream& operator<<(unsigned long value);
-    CZeLogStream& operator<<(long long value);
-    CZeLogStream& operator<<(unsigned long long value);
-    CZeLogStream& operator<<(char character); ///< ASCII; any other byte is taken as Latin-1
-    CZeLogStream& operator<<(float value);    ///< as "%.6g" prints it
-    CZeLogStream& operator<<(double value);   ///< as "%.6g" prints it
+    CZeLogStream& operator<<(short value) noexcept;
+    CZeLogStream& operator<<(unsigned short value) noexcept;
+    CZeLogStream& operator<<(int value) noexcept;
+    CZeLogStream& operator<<(unsigned int value) noexcept;
+    CZeLogStream& operator<<(long value) noexcept;
+    CZeLogStream& operator<<(unsigned long value) noexcept;
+    CZeLogStream& operator<<(long long value) noexcept;
+    CZeLogStream& operator<<(unsigned long long value) noexcept;
+    CZeLogStream& operator<<(char character) noexcept; ///< ASCII; any other byte is taken as Latin-1
+    CZeLogStream& operator<<(float value) noexcept;    ///< as "%.6g" prints it
+    CZeLogStream& operator<<(double value) noexcept;   ///< as "%.6g" prints it
 
     /// A pointer to anything else is a mistake: it would be taken as a bool.
     template <class T>
     CZeLogStream& operator<<(const T* pointer) = delete;
 
 private:
-    ze::LogMessage* m_message;
+    CZeLogStream& add(const CZeString& piece) noexcept;
+
+    ze::LogMessage* m_message; // null when there was no memory for it
 };
 
 /// Streams of level info, warning and error.
-ZE_EXPORT CZeLogStream ZeLogInfo(const SZeLogContext& context = {});
-ZE_EXPORT CZeLogStream ZeLogWarning(const SZeLogContext& context = {});
-ZE_EXPORT CZeLogStream ZeLogError(const SZeLogContext& context = {});
+ZE_EXPORT CZeLogStream ZeLogInfo(const SZeLogContext& context = {}) noexcept;
+ZE_EXPORT CZeLogStream ZeLogWarning(const SZeLogContext& context = {}) noexcept;
+ZE_EXPORT CZeLogStream ZeLogError(const SZeLogContext& context = {}) noexcept;
 
-/// Emits one message of level info, warning or error, formatted as printf does and cut at 1023 bytes.
-/// A message that the filter drops is not formatted.
+/// Emits one message of level info, warning or error, formatted as printf does and cut at 1023 bytes. A
+/// message that the filter drops is not formatted; one without memory for its prefix is emitted without it.
 ZE_EXPORT void ZeLogInfof(const SZeLogContext& context, const char* format, ...)
     __attribute__((format(printf, 2, 3)));
 ZE_EXPORT void ZeLogWarningf(const SZeLogContext& context, const char* format, ...)

@@ -1,25 +1,27 @@
+#include "log/file_logger.h"
 #include "log/log_file.h"
+#include "tests/support/becomes_true.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/temp_directory.h"
 
 #include <gmock/gmock.h>
 
-#include <filesystem>
-#include <fstream>
-#include <limits>
+#include <csignal>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 
 namespace {
-
-using testing::ElementsAre;
-using testing::IsEmpty;
 
 std::tm dateOf(int year, int month, int day) {
     std::tm date = {};
     date.tm_year = year - 1900;
     date.tm_mon = month - 1;
     date.tm_mday = day;
+    date.tm_isdst = -1;
     return date;
 }
 
@@ -36,73 +38,127 @@ TEST(LogSchedule, ADayEndsWithItsLastSecond) {
         EXPECT_TRUE(ze::isAnotherDay(kFifth, other));
 }
 
-TEST(LogSchedule, StampsEveryTimeWithItsOwnText) {
-    std::tm date = kSixth;
-    date.tm_isdst = -1;
-    const std::time_t midnight = std::mktime(&date);
-    ze::TimeStamp stamp;
-    EXPECT_EQ(stamp.of(midnight - 2), "2024-03-05 23:59:58");
-    EXPECT_EQ(stamp.of(midnight), "2024-03-06 00:00:00");
-    EXPECT_EQ(stamp.of(std::numeric_limits<std::time_t>::max()), "");
-}
-
-ze::LogLines lines(std::initializer_list<std::string_view> texts) {
-    ze::LogLines result;
-    for (const std::string_view text : texts)
-        result.append("at", text);
-    return result;
+TEST(RootDirectory, IsACopyOfForeignMemory) {
+    CZeChar units[] = {u'/', u'a'};
+    ze::RootDirectory root;
+    root.set(CZeString::fromRawData(units, 2));
+    units[1] = u'b';
+    EXPECT_EQ(root.get(), CZeLatin1String("/a"));
 }
 
 class LogFileTest : public testing::Test {
 protected:
-    std::string fileOf(const char* day) const {
-        return directory / (std::string("root/glowkit/log/glowkitlog(") + day + ").log");
+    LogFileTest() { setRoot(directory.path()); }
+
+    void setRoot(const std::string& path) { root.set(CZeString::fromLocal8Bit(path.c_str())); }
+
+    void write(std::string_view line, ze::LogDuration time, const std::tm& day) {
+        ze::LogLines lines;
+        lines.append("[at] ", line);
+        file.write(lines, kStart + time, day);
     }
+
+    std::string fileOf(const char* day) const {
+        return directory / (std::string("glowkit/log/glowkitlog(") + day + ").log");
+    }
+    std::string contentOfDay(const char* day) const { return contentOf(fileOf(day)); }
 
     LogCapture log;
     TempDirectory directory;
-    CZeString root = CZeString::fromLocal8Bit((directory / "root").c_str());
-    ze::LogFile file{CZeString::fromLatin1("glowkitlog")};
+    ze::RootDirectory root;
+    ze::LogFile file{CZeString::fromLatin1("glowkitlog"), root, ze::kFlushInterval};
 };
 
 TEST_F(LogFileTest, ChangesWithTheDateOnceFlushed) {
-    file.write(lines({"before", "midnight"}), root, kStart, kFifth);
+    write("before", 0s, kFifth);
     file.flushIfDue(9'999'999'999ns, kStart + 9'999'999'999ns, kSixth);
-    file.write(lines({"after"}), root, kStart + 9'999'999'999ns, kSixth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-05")), "");
+    write("after", 9'999'999'999ns, kSixth);
+    EXPECT_EQ(contentOfDay("2024-03-05"), "");
     file.flushIfDue(0s, kStart + 10s, kSixth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-05")), "[at] before\n[at] midnight\n[at] after\n");
-    file.write(lines({"later"}), root, kStart + 10s, kSixth);
+    EXPECT_EQ(contentOfDay("2024-03-05"), "[at] before\n[at] after\n");
+    write("later", 10s, kSixth);
     file.flushIfDue(10s, kStart + 11s, kSixth); // the same day: flushed and kept open
-    EXPECT_EQ(contentOf(fileOf("2024-03-06")), "[at] later\n");
-    file.write(lines({"last"}), CZeString(), kStart + 12s, kSixth);
+    setRoot("");
+    write("last", 12s, kSixth);
     file.flushIfDue(0s, kStart + 21s - 1ns, kSixth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-06")), "[at] later\n");
+    EXPECT_EQ(contentOfDay("2024-03-06"), "[at] later\n");
     file.flushIfDue(0s, kStart + 21s, kSixth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-06")), "[at] later\n[at] last\n");
-    EXPECT_THAT(log.texts(), IsEmpty());
-}
-
-TEST_F(LogFileTest, AppendsToTheFileOfTheDay) {
-    for (int run = 0; run < 2; ++run)
-        ze::LogFile(CZeString::fromLatin1("glowkitlog")).write(lines({"line"}), root, kStart, kFifth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-05")), "[at] line\n[at] line\n");
+    EXPECT_EQ(contentOfDay("2024-03-06"), "[at] later\n[at] last\n");
 }
 
 TEST_F(LogFileTest, TriesAgainHalfAMinuteAfterAFailure) {
-    file.write(lines({"lost"}), CZeString(), kStart, kFifth);
-    file.write(lines({"lost"}), root, kStart + 30s - 1ns, kFifth);
-    EXPECT_FALSE(std::filesystem::exists(directory / "root"));
-    std::ofstream(directory / "root") << "in the way";
-    file.write(lines({"lost"}), root, kStart + 30s, kFifth);
-    std::filesystem::remove(directory / "root");
-    file.write(lines({"lost"}), root, kStart + 59s, kFifth);
-    file.write(lines({"kept"}), root, kStart + 60s, kFifth);
-    file.flushIfDue(10s, kStart + 60s, kFifth);
-    EXPECT_EQ(contentOf(fileOf("2024-03-05")), "[at] kept\n");
+    setRoot("");
+    write("lost", 0s, kFifth);
+    setRoot(directory.path());
+    write("lost", 30s - 1ns, kFifth);
+    EXPECT_TRUE(std::filesystem::is_empty(directory.path()));
+    std::ofstream(directory / "glowkit") << "in the way";
+    write("lost", 30s, kFifth);
+    std::filesystem::remove(directory / "glowkit");
+    write("lost", 59s, kFifth);
+    for (int i = 0; i < 2; ++i) {
+        write("kept", 60s, kFifth);
+        file.close();
+    }
+    EXPECT_EQ(contentOfDay("2024-03-05"), "[at] kept\n[at] kept\n");
     EXPECT_EQ(log.entries(), (std::vector<LogCapture::Entry>{
                                  {5, "glowfx", "Failed to create log file: "},
                                  {5, "glowfx", "Failed to create log file: " + fileOf("2024-03-05")}}));
+}
+
+TEST_F(LogFileTest, OpensRegularFilesOnlyAndNotForOtherPrograms) {
+    const std::string path = fileOf("2024-03-05");
+    std::filesystem::create_directories(directory / "glowkit/log");
+    std::filesystem::create_symlink(directory / "elsewhere", path);
+    write("lost", 0s, kFifth);
+    EXPECT_FALSE(std::filesystem::exists(directory / "elsewhere"));
+    std::filesystem::remove(path);
+    mkfifo(path.c_str(), 0600);
+    write("lost", 30s, kFifth); // would wait for a reader
+    const int reader = ::open(path.c_str(), O_RDONLY | O_NONBLOCK);
+    write("lost", 60s, kFifth);
+    EXPECT_EQ(log.texts(), std::vector<std::string>(3, "Failed to create log file: " + path));
+    std::filesystem::remove(path);
+    ::close(reader);
+    write("kept", 90s, kFifth); // under the lowest number, which was the reader's
+    EXPECT_EQ(fcntl(reader, F_GETFD), FD_CLOEXEC);
+}
+
+TEST_F(LogFileTest, IsFlushedAndChangedByItsWriterInTime) {
+    static std::atomic<std::time_t> now;
+    std::tm midnight = kSixth;
+    now = std::mktime(&midnight) - 1;
+    ze::FileLogger logger(
+        root, 1ms, *[](std::time_t*) { return now.load(); });
+    logger.enqueue("before");
+    EXPECT_TRUE(becomesTrue([&] { return contentOfDay("2024-03-05") == "[2024-03-05 23:59:59] before\n"; }));
+    ++now;
+    EXPECT_TRUE(becomesTrue([&] {
+        logger.enqueue("after");
+        return contentOfDay("2024-03-06").starts_with("[2024-03-06 00:00:00] after\n");
+    }));
+    now = std::numeric_limits<std::time_t>::max();
+    EXPECT_TRUE(becomesTrue([&] {
+        logger.enqueue("at no time");
+        return contentOfDay("1900-01-00").ends_with("[] at no time\n");
+    }));
+}
+
+TEST_F(LogFileTest, IsWrittenByAThreadWithoutSignals) {
+    ze::FileLogger logger(root, 1ms);
+    sigset_t signals;
+    pthread_sigmask(SIG_SETMASK, nullptr, &signals);
+    EXPECT_EQ(sigismember(&signals, SIGTERM), 0);
+    logger.enqueue("line");
+    ASSERT_TRUE(becomesTrue([this] { return std::filesystem::exists(directory / "glowkit"); }));
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    kill(getpid(), SIGTERM); // ends the program if the writer's thread takes it
+    int taken = 0;
+    sigwait(&signals, &taken);
+    EXPECT_EQ(taken, SIGTERM);
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 } // namespace

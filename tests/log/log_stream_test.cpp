@@ -45,7 +45,7 @@ TEST(LogStream, AppendsEveryKindOfPiece) {
                 << CZeString::fromUtf8("\xE2\x82\xAC") << true << false << nullptr << '\xE9';
     ZeLogInfo() << numeric_limits<std::int16_t>::min() << ' ' << numeric_limits<std::uint16_t>::max() << ' '
                 << numeric_limits<unsigned>::max() << ' ' << numeric_limits<std::int64_t>::min() << ' '
-                << numeric_limits<std::uint64_t>::max() << ' ' << std::int8_t(-5);
+                << numeric_limits<std::uint64_t>::max() << ' ' << static_cast<std::int8_t>(-5);
     ZeLogInfo() << 0.1f << ' ' << 1234567.0 << ' ' << -2.5e-7 << std::string(5000, 'x').c_str();
     EXPECT_THAT(log.texts(),
                 ElementsAre("caf\xC3\xA9|\xE2\x82\xACtruefalse(nullptr)\xC3\xA9",
@@ -89,17 +89,6 @@ TEST(LogPrintf, CutsAt1023BytesAndWarningsOfTheCoreToo) {
     ze::coreWarning("%s", text.c_str());
     EXPECT_EQ(log.entries(),
               (std::vector<LogCapture::Entry>{{4, "glowfx", "f(1), g: " + cut}, {5, "glowfx", cut}}));
-}
-
-TEST(LogConsole, MovesToStandardError) {
-    const LogCapture log;
-    testing::internal::CaptureStderr();
-    ZeSetConsoleToStandardError(true);
-    ZeLogError() << "100%s";
-    ZeLogInfof({}, "%s", "");
-    ZeSetConsoleToStandardError(false);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "100%s\n\n");
-    EXPECT_THAT(log.texts(), IsEmpty());
 }
 
 } // namespace

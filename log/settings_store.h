@@ -1,4 +1,4 @@
-// The levels of messages and the settings that decide what becomes of them.
+// The levels of messages, and where the settings of log/log_settings.h are kept.
 
 #pragma once
 
@@ -8,7 +8,7 @@ namespace ze {
 
 enum LogLevel : int { kLogInfo = 0, kLogWarning = 1, kLogError = 2 };
 
-/// The values behind log/log_settings.h. Each stands alone, so they are read and written relaxed.
+/// Each value stands alone and publishes nothing else, so they are read and written relaxed.
 struct LogSettings {
     std::atomic<int> filter{3};
     std::atomic<bool> fileLogging{false};
