@@ -64,7 +64,8 @@ struct Settings {
 /// called on any thread; an OpenGL ES context of the caller's is never touched. Calls of `process` and
 /// `reset` at the same time take turns. The thread, the core and the effects come with the first frame that
 /// needs them; as long as the settings change nothing there is neither a thread nor any use of EGL and GL.
-/// The thread blocks all signals. Do not use an object in a process that was forked after its first frame.
+/// The thread blocks all signals but those of its own faults. Do not use an object in a process that was
+/// forked after its first frame.
 ///
 /// Tables stay loaded, up to eight of them: going back to one costs nothing, and a new one the loading of its
 /// file. The ninth has everything made anew, which takes as long as the first frame. A file is read once;

@@ -29,10 +29,13 @@ void WorkerThread::run(const std::function<void()>& task) {
 }
 
 void WorkerThread::start() {
-    // A thread inherits the signal mask of its creator, and so do those that the driver starts on it.
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before);
+    // A thread inherits the signal mask of its creator, and so do those that the driver starts on it. Signals
+    // that tell of a fault of the thread itself stay, for the host's crash reporter.
+    sigset_t blocked, before;
+    sigfillset(&blocked);
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
+        sigdelset(&blocked, fault);
+    pthread_sigmask(SIG_SETMASK, &blocked, &before);
     try {
         m_thread = std::thread([this] { runTasks(); });
     } catch (...) {

@@ -10,7 +10,7 @@
 
 namespace zebeauty {
 
-/// Started by its first task, with all signals blocked, so that none of the host's is delivered there.
+/// Started by its first task, with signals blocked, so that none of the host's is delivered there.
 class WorkerThread {
 public:
     WorkerThread() = default;

@@ -17,8 +17,11 @@ void coreWarning(const char* format, ...) {
 }
 
 void coreWarning(const CZeString& text) {
-    if (isLogLevelEnabled(kLogWarning))
-        emit(text.toUtf8().constData(), kLogWarning, SZeLogContext());
+    if (!isLogLevelEnabled(kLogWarning))
+        return;
+    const CZeByteArray bytes = text.toUtf8();
+    if (!bytes.isEmpty()) // there was memory for it
+        emit(bytes.constData(), kLogWarning, SZeLogContext());
 }
 
 } // namespace ze

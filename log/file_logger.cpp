@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <new>
 #include <string_view>
 #include <system_error>
 
@@ -12,14 +13,17 @@ namespace {
 /// would find it asleep, and waking it costs the thread that logs fifty times as much as queueing a line.
 constexpr std::chrono::microseconds kGatherTime{200};
 
-/// Blocks all signals on this thread while it lives. A thread inherits that when it is started: signals are
-/// for the host's threads, which may have blocked some in order to wait for them.
+/// Blocks the signals on this thread while it lives. A thread inherits that when it is started: signals are
+/// for the host's threads, which may have blocked some in order to wait for them. Those that tell of a fault
+/// of the thread itself stay, for the host's crash reporter.
 class SignalBlock {
 public:
     SignalBlock() {
-        sigset_t all;
-        sigfillset(&all);
-        pthread_sigmask(SIG_SETMASK, &all, &m_before);
+        sigset_t blocked;
+        sigfillset(&blocked);
+        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGSYS, SIGABRT})
+            sigdelset(&blocked, fault);
+        pthread_sigmask(SIG_SETMASK, &blocked, &m_before);
     }
     ~SignalBlock() { pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
     SignalBlock(const SignalBlock&) = delete;
@@ -29,11 +33,19 @@ private:
     sigset_t m_before;
 };
 
+/// The first part of the file names. Without memory for it the logger must not start: files of another name
+/// would be written for the rest of the process.
+CZeString loggerName() {
+    CZeString name = CZeString::fromLatin1("glowkitlog");
+    if (name.isNull())
+        throw std::bad_alloc();
+    return name;
+}
+
 } // namespace
 
 FileLogger::FileLogger(const RootDirectory& rootDirectory, LogDuration flushInterval, Clock& clock)
-    : m_file(CZeString::fromLatin1("glowkitlog"), rootDirectory, flushInterval),
-      m_flushInterval(flushInterval), m_clock(clock) {
+    : m_file(loggerName(), rootDirectory, flushInterval), m_flushInterval(flushInterval), m_clock(clock) {
     const SignalBlock block;
     try {
         m_thread = std::thread(&FileLogger::run, this);
@@ -62,6 +74,10 @@ void FileLogger::enqueue(const char* text) noexcept {
     m_wake.notify_one();
 }
 
+std::tm FileLogger::today() const {
+    return localTime(m_clock(nullptr)).value_or(std::tm());
+}
+
 void FileLogger::run() {
     std::unique_lock lock(m_mutex);
     while (!m_stop) {
@@ -77,16 +93,14 @@ void FileLogger::run() {
         if (waited < kGatherTime)
             std::this_thread::sleep_for(kGatherTime);
 
-        const LogTime now = std::chrono::steady_clock::now();
-        const std::tm today = localTime(m_clock(nullptr)).value_or(std::tm());
-        m_file.flushIfDue(waited, now, today);
+        m_file.flushIfDue(waited, std::chrono::steady_clock::now(), today());
 
         lock.lock();
         m_batch.swap(m_queue);
         lock.unlock();
 
-        if (!m_batch.isEmpty())
-            m_file.write(m_batch, now, today);
+        if (!m_batch.isEmpty()) // Times of now: a flush may have taken long, and a line be of the next day.
+            m_file.write(m_batch, std::chrono::steady_clock::now(), today());
         m_batch.clear();
         lock.lock();
     }

@@ -40,6 +40,7 @@ public:
 
 private:
     void run();
+    std::tm today() const;
 
     // The thread's own; here rather than on its stack, where a leak checker would miss it in a forked child.
     LogFile m_file;

@@ -20,7 +20,8 @@ void emitMessage(const LogMessage& message) {
 
 void append(LogMessage& message, const CZeString& piece) noexcept {
     const int sizeBefore = message.text.size();
-    message.text.append(piece);
+    message.text.append(piece.unicode(),
+                        piece.size()); // a copy, as the piece may be a view of foreign memory
     if (piece.isNull() || message.text.size() - sizeBefore != piece.size())
         message.isComplete = false;
 }

@@ -20,8 +20,8 @@ struct ZE_EXPORT SZeArrayData {
         GrowGeometric = 0x8,   ///< Rounds the block up and records the capacity that this yields.
     };
 
-    static constexpr int32_t kStatic = -1;
-    static constexpr int32_t kNonShared = 0;
+    static constexpr int32_t kStatic = -1;   ///< The count of a block that is never freed.
+    static constexpr int32_t kNonShared = 0; ///< The count of a block with exactly one owner for life.
 
     std::atomic<int32_t> refCount; ///< kStatic, kNonShared, otherwise the number of owners.
     int32_t size;                  ///< Elements in use, without the terminating zero element.

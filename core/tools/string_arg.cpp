@@ -97,7 +97,13 @@ void warnOfText(const CZeString& text, const CZeString& argument) {
 
 /// The warning for integers and characters, which gives text and value in full and without a gap.
 void warnOfValue(const CZeString& text, const CZeString& value) {
-    ze::coreWarning(CZeLatin1String("CZeString::arg: Argument missing:") + text + value);
+    constexpr char kWarning[] = "CZeString::arg: Argument missing:";
+    const CZeString shown = text.left(text.indexOf(CZeChar())); // a zero would end the whole warning
+    const CZeString warning = CZeLatin1String(kWarning) + shown + value;
+    if (warning.endsWith(value) && warning.startsWith(CZeLatin1String(kWarning)))
+        ze::coreWarning(warning);
+    else
+        ze::coreWarning(kWarning); // no memory for the rest
 }
 
 template <class Integer>

@@ -86,9 +86,10 @@ namespace ze {
 template <class T>
 constexpr bool isCharacter = std::is_same_v<T, char> || std::is_same_v<T, char16_t>;
 
-/// Template parameters of such overloads: enable them for characters, or for integers that are not.
+/// A template parameter of such overloads that enables them for characters.
 template <class... T>
 using IfCharacters = std::enable_if_t<(isCharacter<T> && ...), int>;
+/// The same for integers that are no characters.
 template <class T>
 using IfInteger = std::enable_if_t<std::is_integral_v<T> && !isCharacter<T>, int>;
 

@@ -14,6 +14,7 @@ class CZeString;
 class CZeStringRef;
 namespace ze {
 class TextArgument;
+/// A string that shares the static `block`. Takes no memory.
 CZeString sharedText(SZeArrayData& block);
 } // namespace ze
 
@@ -405,6 +406,7 @@ public:
     /// A character is no base.
     template <class Integer, class Fill, ze::IfInteger<Integer> = 0, ze::IfCharacters<Fill> = 0>
     CZeString arg(Integer argument, int fieldWidth, Fill fill) const = delete;
+    /// With the number formatted as `number` does it.
     CZeString arg(double argument, int fieldWidth = 0, char format = 'g', int precision = 6,
                   CZeChar fill = ' ') const;
 
