@@ -73,7 +73,7 @@ void copyRows(const Frame& frame, const Planes& output) {
 std::optional<std::string> whatIsWrong(const Frame& frame, const Planes& output) {
     if (frame.width < 1 || frame.height < 1)
         return "the frame has " + std::to_string(frame.width) + "x" + std::to_string(frame.height) +
-               " pixels";
+               " pixels; both must be at least 1";
     if (frame.format != PixelFormat::nv12 && frame.format != PixelFormat::nv21)
         return "the pixel format is neither NV12 nor NV21";
     for (int i : {0, 1}) {

@@ -106,6 +106,8 @@ TEST(Arg, WarnsWithoutAnEscape) {
     EXPECT_EQ(log.entries().at(0).priority, 5);
     text(u"long").leftJustified(2000).arg(42);
     EXPECT_THAT(log.texts().back(), testing::EndsWith("   42")); // nothing is cut
+    text({u"a\0b", 3}).arg(5);
+    EXPECT_EQ(log.texts().back(), start + "a5"); // nor lost behind a zero
 }
 
 } // namespace

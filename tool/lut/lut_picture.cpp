@@ -79,7 +79,7 @@ ColorTable tableFromPicture(const Picture& picture, PictureLayout layout) {
     const double haldChange = meanChangeOf(hald);
     if (std::min(lookupChange, haldChange) > kMaxMeanChange)
         throw Failure(ExitCode::badInput, "does not look like a look-up table but like any other picture; "
-                                          "--layout lookup or hald takes it as it is");
+                                          "'zebeauty lut bake --layout lookup' (or hald) takes it as it is");
     return haldChange < lookupChange ? hald : lookup;
 }
 

@@ -122,7 +122,7 @@ std::string checkAmount(const std::string& text) {
 
 void addRenderCommand(CLI::App& program) {
     CLI::App* command =
-        program.add_subcommand("render", "Smooth and whiten the skin in a picture, and grade its colors");
+        program.add_subcommand("render", "Smooth the skin in a picture, brighten it and grade its colors");
     const auto options = std::make_shared<RenderOptions>();
     command->add_option("INPUT", options->input, "Picture to read: PNG, JPEG or what else FFmpeg reads")
         ->required();
