@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace ze::tool {
@@ -9,5 +10,13 @@ namespace ze::tool {
 /// Returns the bytes of the regular file `path`, at most the first `maxBytes`. Throws `Failure` (`badInput`)
 /// when it cannot be read or has more than 256 MiB, which no look-up table needs.
 std::string readInput(const std::string& path, size_t maxBytes = std::string::npos);
+
+/// The name that means standard input, or standard output.
+inline constexpr char kStandardStream[] = "-";
+
+/// Returns all bytes of `path`, opened once and read to the end, so that pipes and devices can be read as
+/// well; "-" is standard input. Throws `Failure` (`badInput`) when it cannot be read or has more than
+/// `maxBytes`.
+std::string readWholeInput(const std::string& path, size_t maxBytes);
 
 } // namespace ze::tool
