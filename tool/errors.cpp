@@ -1,5 +1,7 @@
 #include "tool/errors.h"
 
+#include "tool/status_line.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -12,6 +14,7 @@ void printError(std::string_view text) {
     std::replace_if(
         line.begin(), line.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, ' ');
     line += '\n';
+    clearStatus();
     std::fputs(line.c_str(), stderr);
 }
 

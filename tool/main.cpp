@@ -2,6 +2,7 @@
 
 #include "tool/commands.h"
 #include "tool/errors.h"
+#include "tool/files/interruption.h"
 #include "tool/render/headless.h"
 
 #include <iostream>
@@ -58,6 +59,7 @@ ExitCode run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     prepareEnvironment();
+    prepareForInterruptions();
     ExitCode code = ExitCode::failed;
     try {
         code = run(argc, argv);

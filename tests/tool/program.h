@@ -3,8 +3,9 @@
 #pragma once
 
 #include "tests/support/temp_directory.h"
-#include "tool/pictures/picture_reader.h"
-#include "tool/pictures/picture_writer.h"
+#include "tool/files/file_name.h"
+#include "tool/pictures/photo_reader.h"
+#include "tool/pictures/photo_writer.h"
 
 #include <gmock/gmock.h>
 
@@ -20,9 +21,8 @@ protected:
     }
 
     void write(const std::string& name, const ze::tool::Picture& picture) {
-        const std::vector<uint8_t> bytes =
-            ze::tool::encodePicture(picture, ze::tool::pictureFormatOf(name).value());
-        write(name, std::string(bytes.begin(), bytes.end()));
+        using namespace ze::tool;
+        write(name, encodePhoto(photoOf(picture), *photoFormatOf(extensionOf(name))));
     }
 
     // Runs the program in the directory, with a shell's quoting, and returns its exit code.
@@ -37,7 +37,7 @@ protected:
     std::string errorText() const { return contentOf(m_streams / "err"); }
     std::string outputText() const { return contentOf(m_streams / "out"); }
     ze::tool::Picture read(const std::string& name) const {
-        return ze::tool::readPicture(m_directory / name);
+        return ze::tool::pixelsOf(ze::tool::readPhoto(m_directory / name));
     }
 
     std::set<std::string> fileNames() const {

@@ -1,8 +1,8 @@
 #include "tool/chart/chart.h"
 #include "tool/commands.h"
 #include "tool/errors.h"
-#include "tool/files/output_check.h"
 #include "tool/files/output_file.h"
+#include "tool/pictures/photo_options.h"
 
 #include <charconv>
 #include <memory>
@@ -15,7 +15,7 @@ constexpr int kLargestSide = 16384;
 struct ChartOptions {
     std::string output;
     std::string size = "640x480";
-    bool overwrite = false;
+    PhotoOptions photo;
 };
 
 struct Size {
@@ -42,11 +42,11 @@ std::string checkSize(const std::string& text) {
 }
 
 void writeChart(const ChartOptions& options) {
-    const PictureFormat format = checkOutput(options.output, options.overwrite);
+    options.photo.checkedFormat(options.output);
     const Size size = parseSize(options.size);
-    const std::vector<uint8_t> bytes = withFileInError(options.output, [&] {
-        return encodePicture(drawChart(size.width, size.height, ChartNoise::speckled), format);
-    });
+    const Photo chart = withFileInError(
+        options.output, [&] { return photoOf(drawChart(size.width, size.height, ChartNoise::speckled)); });
+    const std::string bytes = options.photo.encoded(options.output, chart);
     OutputFile(options.output, bytes).commit();
 }
 
@@ -59,7 +59,7 @@ void addChartCommand(CLI::App& program) {
     command->add_option("--size", options->size, "Width and height in pixels")
         ->check(checkSize)
         ->capture_default_str();
-    command->add_flag("-y", options->overwrite, "Overwrite OUTPUT");
+    options->photo.addOutputOptions(*command);
     command->callback([options] { writeChart(*options); });
 }
 

@@ -61,10 +61,11 @@ private:
 
 std::string readWholeInput(const std::string& path, size_t maxBytes) {
     const Descriptor file(path);
-    std::string bytes;
+    std::string bytes(std::min(file.size(), maxBytes) + 1, '\0');
     size_t size = 0;
     for (ssize_t count = 1; count > 0; size += static_cast<size_t>(count)) {
-        bytes.resize(std::max(size + kBlockSize, std::min(file.size(), maxBytes) + 1));
+        if (size == bytes.size())
+            bytes.resize(size + kBlockSize);
         count = file.read(bytes.data() + size, bytes.size() - size);
         if (count < 0)
             throw unreadable(path);

@@ -4,7 +4,7 @@
 #include "tool/lut/grading_file.h"
 #include "tool/lut/lut_file.h"
 #include "tool/number_text.h"
-#include "tool/pictures/picture_reader.h"
+#include "tool/pictures/photo_reader.h"
 
 namespace ze::tool {
 namespace {
@@ -22,7 +22,7 @@ ColorTable bakeLut(const std::string& path, const std::vector<float>& levels, Pi
     if (isLutFile(path))
         applyTable(readRisingLutFile(path), colors);
     else if (isPictureFile(path))
-        applyTable(withFileInError(path, [&] { return tableFromPicture(readPicture(path), layout); }),
+        applyTable(withFileInError(path, [&] { return tableFromPicture(pixelsOf(readPhoto(path)), layout); }),
                    colors);
     else
         applyGradingFile(path, colors);

@@ -91,7 +91,7 @@ void exportCube(const LutOptions& options) {
     checkOutput(options.output, options.overwrite, ".cube");
     const ColorTable table = readRisingLutFile(options.input);
     const std::string text = cubeText(table);
-    OutputFile(options.output, {text.begin(), text.end()}).commit();
+    OutputFile(options.output, text).commit();
     if (!hasUniformLevels(table.levels))
         printError("warning: " + options.input + ": its levels are not uniform; resampled to " +
                    std::to_string(table.isThreeDimensional ? kResampledLevels : kResampledLevels1D) +

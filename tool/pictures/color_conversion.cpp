@@ -2,6 +2,8 @@
 
 #include "tool/errors.h"
 
+#include <string>
+
 extern "C" {
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>

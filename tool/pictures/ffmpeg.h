@@ -4,11 +4,9 @@
 
 #include <memory>
 #include <new>
-#include <string>
 
 extern "C" {
-#include <libavcodec/avcodec.h>
-#include <libavformat/avformat.h>
+#include <libavutil/frame.h>
 #include <libswscale/swscale.h>
 }
 
@@ -16,10 +14,6 @@ namespace ze::tool {
 
 struct FfmpegDeleter {
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
-    void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
-    void operator()(AVFormatContext* format) const { avformat_close_input(&format); }
-    void operator()(AVIOContext* stream) const { avio_closep(&stream); }
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };
 
@@ -36,12 +30,5 @@ FfmpegPtr<T> owned(T* object) {
 
 /// A frame with memory for its pixels, padded as FFmpeg's kernels want it. Throws `std::bad_alloc`.
 FfmpegPtr<AVFrame> makeFrame(AVPixelFormat format, int width, int height);
-
-/// From here on FFmpeg's messages stay off standard error; the first error among them is remembered, and
-/// forgotten again by the next call.
-void startFfmpegLog();
-
-/// The remembered error; where there is none, FFmpeg's words for `error`, one of its negative codes.
-std::string ffmpegReason(int error);
 
 } // namespace ze::tool

@@ -1,4 +1,4 @@
-// A picture in host memory: 8 bits per channel, RGB with an optional plane of transparency.
+// A picture in host memory, 8 bits per channel.
 
 #pragma once
 
@@ -16,16 +16,15 @@ struct Rgb {
     friend bool operator==(const Rgb&, const Rgb&) = default;
 };
 
-/// Pixels, the first row on top. Rows follow each other without padding.
+/// Opaque pixels, the first row on top. Rows follow each other without padding.
 struct Picture {
     int width = 0;
     int height = 0;
-    std::vector<uint8_t> rgb;   ///< `height` rows of 3 × `width` bytes.
-    std::vector<uint8_t> alpha; ///< `height` rows of `width` bytes, 255 opaque; empty when all are opaque.
+    std::vector<uint8_t> rgb; ///< `height` rows of 3 × `width` bytes.
 
     Picture() = default;
 
-    /// A black, opaque picture. Both sizes are at least 1.
+    /// A black picture. Both sizes are at least 1.
     Picture(int pictureWidth, int pictureHeight)
         : width(pictureWidth), height(pictureHeight),
           rgb(3 * static_cast<size_t>(pictureWidth) * static_cast<size_t>(pictureHeight)) {}

@@ -1,13 +1,12 @@
+#include "tool/batch/batch_run.h"
 #include "tool/commands.h"
 #include "tool/errors.h"
-#include "tool/files/output_check.h"
 #include "tool/files/output_file.h"
-#include "tool/info/gl_info.h"
 #include "tool/lut/temporary_lut.h"
 #include "tool/number_text.h"
-#include "tool/pictures/picture_reader.h"
-#include "tool/pictures/side_by_side.h"
-#include "tool/render/render_session.h"
+#include "tool/pictures/photo_options.h"
+#include "tool/render/photo_effect.h"
+#include "tool/render/texture_limit.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -18,8 +17,9 @@ namespace ze::tool {
 namespace {
 
 struct RenderOptions {
-    std::string input;
-    std::string output;
+    std::vector<std::string> files; // INPUT and OUTPUT, or with `into` inputs alone
+    std::string into;               // empty for one picture
+    bool recursive = false;
     std::string compare; // empty for no picture of before and after
     float smooth = 0.8f;
     float whiten = 0.2f;
@@ -27,15 +27,20 @@ struct RenderOptions {
     float intensity = 1;
     bool beautify = true;
     bool gradeFirst = false;
+    std::string detail; // empty for what suits the effects
     std::string format = "nv12";
     std::string standard = "bt601";
     std::string range = "full";
-    bool overwrite = false;
+    PhotoOptions photo;
 
     YuvDescription description() const {
         return {format == "nv21" ? ChromaOrder::nv21 : ChromaOrder::nv12,
                 standard == "bt709" ? ColorStandard::bt709 : ColorStandard::bt601,
                 range == "video" ? ColorRange::video : ColorRange::full};
+    }
+
+    Detail detailOfEffect() const {
+        return detail == "frame" || !lut.empty() ? Detail::frame : Detail::photo;
     }
 
     // `table` is set when the command line names a LUT.
@@ -61,55 +66,72 @@ bool isSameFile(const std::string& first, const std::string& second) {
     return resolved(first) == resolved(second);
 }
 
-void checkSize(const Picture& picture, const std::optional<TemporaryLut>& lut) {
-    const int limit = queryGl().maxTextureSize;
-    const auto checkSide = [&](int width, int height, const std::string& what) {
-        if (width > limit || height > limit)
-            throw Failure(ExitCode::failed, std::to_string(width) + "x" + std::to_string(height) + what +
-                                                " are too many for the GPU, whose limit is " +
-                                                std::to_string(limit) + " in each direction");
-    };
-    checkSide(picture.width, picture.height, " pixels");
-    if (lut)
-        checkSide(lut->levelCount() * lut->levelCount(), lut->levelCount(), " texels of the look-up table");
+// The effects of a command line, with the table that they draw with.
+struct Effects {
+    explicit Effects(const RenderOptions& options) {
+        if (!options.lut.empty())
+            lut.emplace(options.lut);
+        const zebeauty::Settings settings = options.settings(lut);
+        if (lut && settings.isActive())
+            withFileInError(options.lut, [this] {
+                checkTextureSize(lut->levelCount() * lut->levelCount(), lut->levelCount(),
+                                 "texels of the look-up table");
+            });
+        photo.emplace(settings, options.description(), options.detailOfEffect());
+    }
+
+    std::optional<TemporaryLut> lut;
+    std::optional<PhotoEffect> photo;
+};
+
+void checkOutputs(const RenderOptions& options, const std::string& output) {
+    options.photo.checkedFormat(output);
+    if (options.compare.empty())
+        return;
+    options.photo.checkedFormat(options.compare);
+    if (isSameFile(output, options.compare))
+        throw Failure(ExitCode::usage, options.compare, "is named as OUTPUT already");
 }
 
-Picture rendered(const RenderOptions& options, const std::optional<TemporaryLut>& lut,
-                 const Picture& before) {
-    const zebeauty::Settings settings = options.settings(lut);
-    if (settings.isActive())
-        checkSize(before, lut);
-    YuvFrame frame = yuvFromPicture(before, options.description());
-    RenderSession(settings).render(frame);
-    Picture after = pictureFromYuv(frame);
-    after.alpha = before.alpha;
-    return after;
+void renderOne(const RenderOptions& options, const std::string& input, const std::string& output) {
+    checkOutputs(options, output);
+    const Photo before = options.photo.read(input);
+    Effects effects(options);
+    const Photo after = withFileInError(input, [&] {
+        PhotoFrames frames = effects.photo->prepare(before);
+        effects.photo->render(frames);
+        return PhotoEffect::finish(frames);
+    });
+    const std::string bytes = options.photo.encoded(output, after);
+    std::string compareBytes;
+    if (!options.compare.empty())
+        compareBytes = options.photo.encoded(options.compare, sideBySide(before, after));
+
+    OutputFile file(output, bytes);
+    if (!options.compare.empty())
+        OutputFile(options.compare, compareBytes).commit();
+    file.commit();
 }
 
-std::vector<uint8_t> encoded(const std::string& file, const Picture& picture, PictureFormat format) {
-    return withFileInError(file, [&] { return encodePicture(picture, format); });
+void renderMany(const RenderOptions& options) {
+    const std::vector<BatchJob> jobs =
+        planBatch(options.files, options.into, options.recursive, options.photo);
+    Effects effects(options);
+    runBatch(jobs, *effects.photo, options.photo);
 }
 
 void render(const RenderOptions& options) {
-    const PictureFormat outputFormat = checkOutput(options.output, options.overwrite);
-    PictureFormat compareFormat = outputFormat;
-    if (!options.compare.empty()) {
-        compareFormat = checkOutput(options.compare, options.overwrite);
-        if (isSameFile(options.output, options.compare))
-            throw Failure(ExitCode::usage, options.compare, "is named as OUTPUT already");
-    }
-
-    const Picture before = withFileInError(options.input, [&] { return readPicture(options.input); });
-    std::optional<TemporaryLut> lut;
-    if (!options.lut.empty())
-        lut.emplace(options.lut);
-    const Picture after = withFileInError(options.input, [&] { return rendered(options, lut, before); });
-    OutputFile output(options.output, encoded(options.output, after, outputFormat));
-    if (!options.compare.empty()) {
-        const Picture both = withFileInError(options.compare, [&] { return sideBySide(before, after); });
-        OutputFile(options.compare, encoded(options.compare, both, compareFormat)).commit();
-    }
-    output.commit();
+    if (options.detail == "photo" && !options.lut.empty())
+        throw Failure(ExitCode::usage, "--detail photo: a grading cannot be added to a photo; with --lut it "
+                                       "is --detail frame");
+    if (!options.into.empty())
+        renderMany(options);
+    else if (options.files.size() == 2)
+        renderOne(options, options.files.front(), options.files.back());
+    else
+        throw Failure(ExitCode::usage, options.files.size() < 2
+                                           ? "OUTPUT is missing, or --into DIR"
+                                           : "one INPUT and one OUTPUT are possible; more need --into DIR");
 }
 
 // CLI::Range would let "nan" through.
@@ -124,13 +146,16 @@ void addRenderCommand(CLI::App& program) {
     CLI::App* command =
         program.add_subcommand("render", "Smooth the skin in a picture, brighten it and grade its colors");
     const auto options = std::make_shared<RenderOptions>();
-    command->add_option("INPUT", options->input, "Picture to read: PNG, JPEG or what else FFmpeg reads")
-        ->required();
     command
-        ->add_option(
-            "OUTPUT", options->output,
-            "Picture to write, .png, .jpg or .jpeg. PNG keeps transparency, JPEG gets a white ground")
+        ->add_option("FILES", options->files,
+                     "INPUT OUTPUT: a picture to read and one to write; with --into pictures and folders to "
+                     "read. \"-\" is standard input or output. Formats are what libvips reads and writes: "
+                     "PNG, JPEG, WebP, TIFF, AVIF, HEIC and others")
         ->required();
+    command->add_option("--into", options->into,
+                        "Folder to write many pictures to, under their own names; it is made if need be");
+    command->add_flag("-r", options->recursive, "Also take the pictures in folders of folders")
+        ->needs("--into");
     CLI::Option* smooth = command->add_option("--smooth", options->smooth, "How much to smooth skin, 0 to 1")
                               ->check(checkAmount)
                               ->capture_default_str();
@@ -149,6 +174,13 @@ void addRenderCommand(CLI::App& program) {
         ->check(checkAmount)
         ->needs(lut)
         ->capture_default_str();
+    command
+        ->add_option("--detail", options->detail,
+                     "photo adds what the effects change to the untouched picture, which keeps fine detail, "
+                     "16 bits and every pixel that the effects leave alone; frame makes exactly what a "
+                     "camera frame becomes, 8-bit 4:2:0. photo is the default; with --lut there is only "
+                     "frame, because a grading cannot be added")
+        ->check(CLI::IsMember({"photo", "frame"}));
     command->add_option("--format", options->format, "Frame layout")
         ->check(CLI::IsMember({"nv12", "nv21"}))
         ->capture_default_str();
@@ -158,9 +190,11 @@ void addRenderCommand(CLI::App& program) {
     command->add_option("--range", options->range, "Color range")
         ->check(CLI::IsMember({"full", "video"}))
         ->capture_default_str();
-    command->add_option("--compare", options->compare,
-                        "Also write before and after, side by side, to this file");
-    command->add_flag("-y", options->overwrite, "Overwrite OUTPUT and the --compare file");
+    command
+        ->add_option("--compare", options->compare, "Also write before and after, side by side, to this file")
+        ->excludes("--into");
+    options->photo.addInputOptions(*command);
+    options->photo.addOutputOptions(*command);
     command->callback([=] {
         const std::vector<CLI::Option*>& named = command->parse_order();
         const auto placeOf = [&](const CLI::Option* option) {

@@ -5,12 +5,12 @@
 
 namespace ze::tool {
 
-RenderSession::RenderSession(const zebeauty::Settings& settings)
-    : m_beautifier(settings, zebeauty::takeLibraryError) {
+RenderSession::RenderSession() : m_beautifier({}, zebeauty::takeLibraryError) {
     zebeauty::catchLibraryErrors(false);
 }
 
-void RenderSession::render(YuvFrame& frame) {
+void RenderSession::render(YuvFrame& frame, const zebeauty::Settings& settings) {
+    m_beautifier.set(settings);
     const ZecImage image = frame.image();
     zebeauty::Frame view;
     view.planes = {image.planes[0], image.planes[1], image.pitches[0], image.pitches[1]};

@@ -10,11 +10,11 @@ namespace ze::tool {
 /// Beautifies frames; the library's log goes into the program's error line.
 class RenderSession {
 public:
-    explicit RenderSession(const zebeauty::Settings& settings);
+    RenderSession();
 
     /// Changes `frame` in place; with settings that change nothing it keeps every byte. Throws `Failure`
     /// (`failed`) with the library's reason, also when the library has logged an error and gone on.
-    void render(YuvFrame& frame);
+    void render(YuvFrame& frame, const zebeauty::Settings& settings);
 
 private:
     zebeauty::Beautifier m_beautifier;

@@ -1,0 +1,35 @@
+#include "tool/batch/progress.h"
+
+#include "tool/status_line.h"
+
+#include <unistd.h>
+
+namespace ze::tool {
+namespace {
+
+std::string clockText(std::chrono::seconds time) {
+    const auto seconds = time.count();
+    const std::string rest = std::to_string(seconds % 60);
+    return std::to_string(seconds / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
+}
+
+} // namespace
+
+Progress::Progress(size_t count)
+    : m_isShown(isatty(STDERR_FILENO) == 1), m_count(count), m_start(std::chrono::steady_clock::now()) {}
+
+Progress::~Progress() {
+    clearStatus();
+}
+
+void Progress::advance(const std::string& name) {
+    ++m_done;
+    if (!m_isShown)
+        return;
+    const auto elapsed = std::chrono::steady_clock::now() - m_start;
+    const auto left = elapsed / m_done * (m_count - m_done);
+    showStatus(name + "  " + std::to_string(m_done) + " of " + std::to_string(m_count) + "  " +
+               clockText(std::chrono::ceil<std::chrono::seconds>(left)) + " left");
+}
+
+} // namespace ze::tool

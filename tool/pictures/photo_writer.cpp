@@ -1,0 +1,92 @@
+#include "tool/pictures/photo_writer.h"
+
+#include "tool/pictures/vips.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace ze::tool {
+namespace {
+
+using vips::VImage;
+
+constexpr double kWhite = 255;
+
+constexpr PhotoFormat kFormats[] = {
+    // extension, suffix, quality, losslessness
+    {".png", ".png", false, true},  {".jpg", ".jpg", true, false},  {".jpeg", ".jpg", true, false},
+    {".webp", ".webp", true, true}, {".tif", ".tif", false, true},  {".tiff", ".tif", false, true},
+    {".avif", ".heic", true, true}, {".heic", ".heic", true, true}, {".jp2", ".jp2", true, true},
+    {".jxl", ".jxl", true, true},   {".gif", ".gif", false, false}, {".ppm", ".ppm", false, true},
+};
+
+// The class of the operation that saves `format`; null when libvips has none here.
+const VipsOperationClass* saverOf(const PhotoFormat& format) {
+    startVips();
+    const char* const name = vips_foreign_find_save_target(format.suffix);
+    return name ? VIPS_OPERATION_CLASS(vips_class_find("VipsOperation", name)) : nullptr;
+}
+
+bool isWritable(const PhotoFormat& format) {
+    const VipsOperationClass* const saver = saverOf(format);
+    return saver && (saver->flags & VIPS_OPERATION_BLOCKED) == 0;
+}
+
+vips::VOption* saverOptions(const PhotoFormat& format, const SaveOptions& options) {
+    vips::VOption* const result = VImage::option()->set("background", kWhite)->set("strip", options.strip);
+    if (std::string_view(format.extension) == ".avif")
+        result->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1);
+    if (options.quality)
+        result->set("Q", *options.quality);
+    if (options.lossless && format.hasQuality)
+        result->set("lossless", true);
+    return result;
+}
+
+} // namespace
+
+const PhotoFormat* photoFormatOf(const std::string& extension) {
+    const auto* const found = std::find_if(std::begin(kFormats), std::end(kFormats),
+                                           [&](const PhotoFormat& f) { return f.extension == extension; });
+    return found == std::end(kFormats) ? nullptr : found;
+}
+
+std::string writableExtensions() {
+    std::string names;
+    for (const PhotoFormat& format : kFormats)
+        if (isWritable(format))
+            names += (names.empty() ? "" : ", ") + std::string(format.extension);
+    return names;
+}
+
+void checkSaveOptions(const PhotoFormat& format, const SaveOptions& options) {
+    const std::string name = format.extension;
+    const VipsOperationClass* const saver = saverOf(format);
+    if (!saver)
+        throw Failure(ExitCode::usage, "libvips writes no " + name + " on this machine");
+    if ((saver->flags & VIPS_OPERATION_BLOCKED) != 0)
+        throw Failure(ExitCode::usage,
+                      "libvips does not trust its writer of " + name + "; --untrusted uses it");
+    if (options.quality && !format.hasQuality)
+        throw Failure(ExitCode::usage, name + " has no --quality");
+    if (options.lossless && !format.canBeLossless)
+        throw Failure(ExitCode::usage, name + " cannot be --lossless");
+}
+
+std::string encodePhoto(const Photo& photo, const PhotoFormat& format, const SaveOptions& options) {
+    try {
+        const vips::VTarget target = vips::VTarget::new_to_memory();
+        photo.write_to_target(format.suffix, target, saverOptions(format, options));
+        VipsBlob* blob = nullptr;
+        g_object_get(target.get_target(), "blob", &blob, nullptr);
+        size_t size = 0;
+        const void* const bytes = vips_blob_get(blob, &size);
+        std::string result(static_cast<const char*>(bytes), size);
+        vips_area_unref(VIPS_AREA(blob));
+        return result;
+    } catch (const vips::VError& error) {
+        throw Failure(ExitCode::failed, "cannot be encoded (" + vipsReason(error) + ")");
+    }
+}
+
+} // namespace ze::tool

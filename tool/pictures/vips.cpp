@@ -1,0 +1,42 @@
+#include "tool/pictures/vips.h"
+
+#include <string_view>
+
+namespace ze::tool {
+namespace {
+
+constexpr char kBlocked[] = "operation is blocked";
+
+bool initialize() {
+    if (VIPS_INIT("zebeauty") != 0)
+        throw Failure(ExitCode::failed, "libvips cannot be started: " + std::string(vips_error_buffer()));
+    g_log_set_default_handler([](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
+    vips_cache_set_max(0);
+    vips_block_untrusted_set(TRUE);
+    return true;
+}
+
+} // namespace
+
+void startVips() {
+    [[maybe_unused]] static const bool isStarted = initialize();
+}
+
+void allowUntrustedFormats() {
+    startVips();
+    vips_block_untrusted_set(FALSE);
+}
+
+std::string vipsReason(const vips::VError& error) {
+    std::string text = error.what();
+    text.erase(text.find_last_not_of(" \n") + 1);
+    for (size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at))
+        text.replace(at, 1, "; ");
+    return text;
+}
+
+bool isAboutBlockedFormat(const vips::VError& error) {
+    return std::string_view(error.what()).find(kBlocked) != std::string_view::npos;
+}
+
+} // namespace ze::tool

@@ -1,0 +1,24 @@
+// The picture library libvips, set up once, and its errors.
+
+#pragma once
+
+#include "tool/errors.h"
+
+#include <vips/vips8>
+
+namespace ze::tool {
+
+/// Starts libvips, once; any thread may call. Its warnings stay off standard error and nothing is cached.
+/// Loaders and savers that libvips calls untrusted are blocked until `allowUntrustedFormats`.
+void startVips();
+
+/// Lifts the block, for the whole process.
+void allowUntrustedFormats();
+
+/// What libvips says about its last failure on this thread, as one line.
+std::string vipsReason(const vips::VError& error);
+
+/// Whether `error` is about a format that is blocked.
+bool isAboutBlockedFormat(const vips::VError& error);
+
+} // namespace ze::tool

@@ -1,0 +1,47 @@
+#include "tool/render/photo_effect.h"
+
+#include "tool/render/texture_limit.h"
+
+namespace ze::tool {
+namespace {
+
+// Runs all passes of smoothing and changes no pixel: what it leaves behind is the library's conversions.
+const zebeauty::Settings kNeutral = {0.001f, 0};
+
+} // namespace
+
+PhotoEffect::PhotoEffect(const zebeauty::Settings& settings, YuvDescription description, Detail detail)
+    : m_settings(settings), m_description(description), m_detail(detail) {}
+
+void PhotoEffect::set(const zebeauty::Settings& settings) {
+    m_settings = settings;
+}
+
+PhotoFrames PhotoEffect::prepare(const Photo& photo) const {
+    PhotoFrames frames = {photo, {}, {}};
+    if (!m_settings.isActive() && m_detail == Detail::photo)
+        return frames;
+    frames.frame = yuvFromPicture(pixelsOf(photo), m_description);
+    if (m_detail == Detail::photo)
+        frames.neutral = frames.frame;
+    return frames;
+}
+
+void PhotoEffect::render(PhotoFrames& frames) {
+    if (!frames.frame || !m_settings.isActive())
+        return;
+    checkTextureSize(frames.frame->width, frames.frame->height, "pixels");
+    if (frames.neutral)
+        m_session.render(*frames.neutral, kNeutral);
+    m_session.render(*frames.frame, m_settings);
+}
+
+Photo PhotoEffect::finish(const PhotoFrames& frames) {
+    if (!frames.frame)
+        return frames.before;
+    const Picture after = pictureFromYuv(*frames.frame);
+    return frames.neutral ? withChange(frames.before, pictureFromYuv(*frames.neutral), after)
+                          : withPixels(frames.before, after);
+}
+
+} // namespace ze::tool
