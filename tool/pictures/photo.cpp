@@ -43,6 +43,7 @@ Photo inPlaceOf(const Photo& photo, const VImage& colors) {
         return nullptr;
     };
     vips_image_map(photo.get_image(), copyField, whole.get_image());
+    vips_autorot_remove_angle(whole.get_image()); // libvips finds the mark again in the EXIF block
     removeThumbnail(whole);
     return whole;
 }
