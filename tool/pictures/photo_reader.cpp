@@ -16,8 +16,8 @@ namespace {
 using vips::VImage;
 
 // What a run needs at its peak: the planes, the library's textures (in main memory where the driver draws in
-// software), pictures of 8 bits, and copies of the photo in its own depth, in the encoder for example. 41 to 68
-// bytes a pixel were measured with llvmpipe, from JPEG to JPEG and from RGBA of 16 bits to WebP.
+// software), pictures of 8 bits, and copies of the photo in its own depth, in the encoder for example. 41 to
+// 68 bytes a pixel were measured with llvmpipe, from JPEG to JPEG and from RGBA of 16 bits to WebP.
 constexpr int64_t kBytesPerPixel = 48;
 constexpr int64_t kCopies = 4;
 
@@ -83,7 +83,8 @@ Failure unreadable(const vips::VError& error) {
     if (says("Unsupported codec"))
         return {ExitCode::badInput, "needs a decoder that the libheif of this machine lacks "
                                     "(libde265 for HEIC, dav1d or libaom for AVIF)"};
-    return {ExitCode::badInput, "is no valid picture (" + reason + ")"};
+    return {ExitCode::badInput,
+            "is no valid picture (" + (reason.empty() ? "damaged or cut short" : reason) + ")"};
 }
 
 void checkMemory(const VImage& image, int64_t memory) {
