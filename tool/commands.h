@@ -10,6 +10,9 @@ namespace ze::tool {
 /// `zebeauty render INPUT OUTPUT`
 void addRenderCommand(CLI::App& program);
 
+/// `zebeauty sheet PHOTO SHEET`
+void addSheetCommand(CLI::App& program);
+
 /// `zebeauty lut bake|info|export|identity`
 void addLutCommand(CLI::App& program);
 

@@ -37,6 +37,7 @@ ExitCode run(int argc, char** argv) {
     program.footer("Exit codes: 0 done, 1 processing failed, 2 usage, 3 input not readable or not valid, "
                    "4 no EGL or OpenGL ES");
     addRenderCommand(program);
+    addSheetCommand(program);
     addLutCommand(program);
     addInfoCommand(program);
     addChartCommand(program);

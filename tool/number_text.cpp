@@ -24,4 +24,9 @@ float parsedNumber(std::string_view text) {
     return isWhole && std::isfinite(value) ? value : kNone;
 }
 
+std::string checkAmount(const std::string& text) {
+    const float amount = parsedNumber(text);
+    return amount >= 0 && amount <= 1 ? "" : "'" + text + "' is no number from 0 to 1";
+}
+
 } // namespace ze::tool

@@ -15,4 +15,7 @@ std::string numberText(double value, int decimals);
 /// The number that `text` is from end to end; NaN when it is not a finite number.
 float parsedNumber(std::string_view text);
 
+/// Empty when `text` is a number from 0 to 1, otherwise a sentence that says it is none.
+std::string checkAmount(const std::string& text);
+
 } // namespace ze::tool

@@ -79,6 +79,17 @@ Photo withChange(const Photo& photo, const Picture& before, const Picture& after
     return inPlaceOf(photo, (colorsOf(photo) + change).cast(photo.format()));
 }
 
+Photo withProfileOf(const Photo& photo, const Photo& pixels) {
+    const Photo result = pixels.copy();
+    GValue profile = G_VALUE_INIT;
+    if (photo.get_typeof(VIPS_META_ICC_NAME) != 0 &&
+        vips_image_get(photo.get_image(), VIPS_META_ICC_NAME, &profile) == 0) {
+        vips_image_set(result.get_image(), VIPS_META_ICC_NAME, &profile);
+        g_value_unset(&profile);
+    }
+    return result;
+}
+
 void removeThumbnail(Photo& photo) {
     vips_image_remove(photo.get_image(), "jpeg-thumbnail-data");
 }

@@ -32,6 +32,9 @@ Photo withChange(const Photo& photo, const Picture& before, const Picture& after
 /// belongs to the file of `left`.
 Photo sideBySide(const Photo& left, const Photo& right);
 
+/// `pixels` with the color profile of `photo`, if it has one.
+Photo withProfileOf(const Photo& photo, const Photo& pixels);
+
 /// Takes away the small preview that cameras put into a photo, since it shows the photo as it was.
 void removeThumbnail(Photo& photo);
 

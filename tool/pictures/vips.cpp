@@ -1,5 +1,6 @@
 #include "tool/pictures/vips.h"
 
+#include <clocale>
 #include <string_view>
 
 namespace ze::tool {
@@ -10,6 +11,7 @@ constexpr char kBlocked[] = "operation is blocked";
 bool initialize() {
     if (VIPS_INIT("zebeauty") != 0)
         throw Failure(ExitCode::failed, "libvips cannot be started: " + std::string(vips_error_buffer()));
+    std::setlocale(LC_ALL, "C"); // as it was: libvips takes the user's, with a decimal comma perhaps
     g_log_set_default_handler([](const gchar*, GLogLevelFlags, const gchar*, gpointer) {}, nullptr);
     vips_cache_set_max(0);
     vips_block_untrusted_set(TRUE);

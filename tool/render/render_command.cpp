@@ -134,12 +134,6 @@ void render(const RenderOptions& options) {
                                            : "one INPUT and one OUTPUT are possible; more need --into DIR");
 }
 
-// CLI::Range would let "nan" through.
-std::string checkAmount(const std::string& text) {
-    const float amount = parsedNumber(text);
-    return amount >= 0 && amount <= 1 ? "" : "'" + text + "' is no number from 0 to 1";
-}
-
 } // namespace
 
 void addRenderCommand(CLI::App& program) {
