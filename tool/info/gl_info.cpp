@@ -1,6 +1,7 @@
 #include "tool/info/gl_info.h"
 
 #include "tool/errors.h"
+#include "tool/render/headless.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -87,6 +88,7 @@ private:
 } // namespace
 
 GlInfo queryGl() {
+    avoidDeadDisplay();
     const ProbeContext context;
     GlInfo info = {context.eglString(EGL_VENDOR), context.eglString(EGL_VERSION), context.glString(GL_VENDOR),
                    context.glString(GL_RENDERER), context.glString(GL_VERSION)};

@@ -1,5 +1,6 @@
 #include "tool/render/photo_effect.h"
 
+#include "tool/render/headless.h"
 #include "tool/render/texture_limit.h"
 
 namespace ze::tool {
@@ -11,7 +12,10 @@ const zebeauty::Settings kNeutral = {0.001f, 0};
 } // namespace
 
 PhotoEffect::PhotoEffect(const zebeauty::Settings& settings, YuvDescription description, Detail detail)
-    : m_settings(settings), m_description(description), m_detail(detail) {}
+    : m_settings(settings), m_description(description), m_detail(detail) {
+    if (settings.isActive())
+        avoidDeadDisplay(); // while a batch has no threads yet
+}
 
 void PhotoEffect::set(const zebeauty::Settings& settings) {
     m_settings = settings;
