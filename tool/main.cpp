@@ -3,67 +3,94 @@
 #include "tool/commands.h"
 #include "tool/errors.h"
 #include "tool/files/interruption.h"
+#include "tool/help_format.h"
 #include "tool/render/headless.h"
-
-#include <iostream>
+#include "tool/standard_streams.h"
 
 namespace {
 
 using namespace ze::tool;
 
-// Refuses a word that is not a command. CLI11 would call it an unexpected argument.
-void checkCommand(const CLI::App& program, int argc, char** argv) {
-    const CLI::App* group = &program;
-    std::string words;
-    for (int i = 1; !group->get_subcommands({}).empty(); ++i) {
-        const std::string word = i < argc ? argv[i] : "";
-        if (word.rfind('-', 0) == 0)
-            return;
-        if (word.empty())
-            throw Failure(ExitCode::usage, "no command is named; see zebeauty" + words + " --help");
-        const auto named =
-            group->get_subcommands([&](const CLI::App* command) { return command->get_name() == word; });
-        if (named.empty())
-            throw Failure(ExitCode::usage,
-                          "unknown command '" + word + "'; see zebeauty" + words + " --help");
-        words += " " + word;
-        group = named.front();
+// What the first words of a command line name.
+struct NamedCommand {
+    const CLI::App* app = nullptr;
+    std::string name; // as in "zebeauty lut"
+    std::string next; // the word after it; empty when there is none
+};
+
+NamedCommand namedCommand(const CLI::App& program, int argc, char** argv) {
+    NamedCommand named = {&program, program.get_name(), ""};
+    for (int i = 1; i < argc; ++i) {
+        named.next = argv[i];
+        const auto found = named.app->get_subcommands(
+            [&](const CLI::App* command) { return command->get_name() == named.next; });
+        if (found.empty())
+            return named;
+        named = {found.front(), named.name + " " + named.next, ""};
     }
+    return named;
 }
 
-ExitCode run(int argc, char** argv) {
-    CLI::App program("Beautifies and grades still pictures with libZeBeautyEffect.", "zebeauty");
-    program.set_version_flag("--version", "zebeauty " ZE_VERSION);
-    program.footer("Exit codes: 0 done, 1 processing failed, 2 usage, 3 input not readable or not valid, "
-                   "4 no EGL or OpenGL ES");
+// Refuses a word that is not a command. CLI11 would call it an unexpected argument.
+void checkCommand(const NamedCommand& named) {
+    if (named.app->get_subcommands({}).empty() || named.next.rfind('-', 0) == 0)
+        return;
+    throw Failure(ExitCode::usage,
+                  named.next.empty() ? "no command is named" : "unknown command '" + named.next + "'");
+}
+
+void addCommands(CLI::App& program) {
     addRenderCommand(program);
     addSheetCommand(program);
     addLutCommand(program);
     addInfoCommand(program);
     addChartCommand(program);
-    checkCommand(program, argc, argv);
+}
+
+void runCommand(CLI::App& program, const NamedCommand& named, int argc, char** argv) {
     try {
+        checkCommand(named);
         program.parse(argc, argv);
+    } catch (const CLI::Success& helpOrVersion) {
+        program.exit(helpOrVersion);
     } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) {
-            program.exit(error);
-            return ExitCode::done;
-        }
         throw Failure(ExitCode::usage, error.what());
     }
-    if (!std::cout.flush())
-        throw Failure(ExitCode::failed, "cannot write to standard output");
-    return ExitCode::done;
+    flushStandardOutput();
+}
+
+void run(int argc, char** argv) {
+    CLI::App program("Beautifies and grades still pictures with libZeBeautyEffect", "zebeauty");
+    program.formatter(std::make_shared<HelpFormatter>());
+    program.set_version_flag("-V,--version", "zebeauty " ZE_VERSION, "Print the version and exit");
+    program.set_help_flag("-h,--help", "Print this help and exit");
+    program.footer("Exit status:\n"
+                   "  0  done\n"
+                   "  1  processing or writing failed\n"
+                   "  2  the command line asks for something that cannot be done\n"
+                   "  3  the input cannot be read or is not valid\n"
+                   "  4  there is no EGL or no OpenGL ES");
+    addCommands(program);
+    const NamedCommand named = namedCommand(program, argc, argv);
+    try {
+        runCommand(program, named, argc, argv);
+    } catch (const Failure& failure) {
+        if (failure.code() != ExitCode::usage)
+            throw;
+        throw Failure(ExitCode::usage, failure.what() + ("; see " + named.name + " --help"));
+    }
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    reserveStandardStreams();
     prepareEnvironment();
     prepareForInterruptions();
     ExitCode code = ExitCode::failed;
     try {
-        code = run(argc, argv);
+        run(argc, argv);
+        code = ExitCode::done;
     } catch (const Failure& failure) {
         code = failure.code();
         printError(failure.what());
