@@ -22,4 +22,7 @@ void addInfoCommand(CLI::App& program);
 /// `zebeauty chart OUTPUT`
 void addChartCommand(CLI::App& program);
 
+/// `zebeauty completion`. It prints the commands that `program` has when it runs.
+void addCompletionCommand(CLI::App& program);
+
 } // namespace ze::tool

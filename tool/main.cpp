@@ -45,6 +45,7 @@ void addCommands(CLI::App& program) {
     addLutCommand(program);
     addInfoCommand(program);
     addChartCommand(program);
+    addCompletionCommand(program);
 }
 
 void runCommand(CLI::App& program, const NamedCommand& named, int argc, char** argv) {

@@ -32,4 +32,10 @@ LD_LIBRARY_PATH=$(dirname "$pc") "$work/consumer/consumer"
 
 if [ -x "$prefix/bin/zebeauty" ]; then
     "$prefix/bin/zebeauty" chart "$work/chart.png" && [ -s "$work/chart.png" ]
+    grep -q "^complete .* zebeauty$" "$prefix/share/bash-completion/completions/zebeauty"
+    if command -v help2man >/dev/null; then
+        for page in zebeauty zebeauty-render zebeauty-lut-bake; do
+            grep -qx ".SH NAME" "$prefix/share/man/man1/$page.1" || { echo "no manual page $page"; exit 1; }
+        done
+    fi
 fi

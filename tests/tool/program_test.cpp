@@ -30,7 +30,10 @@ TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
         const char* environment = "";
     } cases[] = {
         {"", 2, "no command"},
+        {"help", 2, "unknown command 'help'; see zebeauty --help"},
         {"lut frob", 2, "unknown command 'frob'; see zebeauty lut --help"},
+        {"render --frob a b", 2, "The following argument was not expected: --frob; see zebeauty render --help"},
+        {"chart -- -x.frob", 2, "-x.frob: unknown extension"},
         {"render in.png", 2, ".+"},
         {"render in.png out.png --smooth 1.01", 2, "--smooth: "},
         {"render in.png out.gir", 2, "out.gir: unknown extension; .png, .jpg, "},
@@ -51,12 +54,66 @@ TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
     for (const auto& c : cases) {
         EXPECT_EQ(run(c.arguments, c.environment), c.code) << c.arguments;
         EXPECT_THAT(errorText(), MatchesRegex("zebeauty: "s + c.reason + "[^\n]*\n")) << c.arguments;
+        EXPECT_EQ(errorText().find("; see zebeauty") != std::string::npos, c.code == 2) << c.arguments;
         EXPECT_EQ(outputText(), "") << c.arguments;
         EXPECT_EQ(fileNames(), before) << c.arguments;
     }
     EXPECT_EQ(contentOf(m_directory / "in.png"), png);
-    EXPECT_EQ(run("--version"), 0);
-    EXPECT_THAT(outputText(), MatchesRegex("zebeauty [0-9]+[.][0-9]+[.][0-9]+\n"));
+    for (const char* version : {"--version", "-V"}) {
+        EXPECT_EQ(run(version), 0);
+        EXPECT_THAT(outputText(), MatchesRegex("zebeauty [0-9]+[.][0-9]+[.][0-9]+\n"));
+    }
+}
+
+TEST_F(Program, SaysSoWhenStandardOutputIsClosedOrFull) {
+    for (const char* arguments : {"--help", "completion"}) {
+        for (const char* output : {">/dev/full", ">&-"}) {
+            EXPECT_EQ(run(arguments + " "s + output + " 2>err #"), 1) << arguments << output;
+            EXPECT_THAT(contentOf(m_directory / "err"),
+                        MatchesRegex("zebeauty: standard output: cannot be written: .+\n"));
+        }
+    }
+}
+
+TEST_F(Program, DrawsWithoutADisplayUnlessThePlatformIsNamed) {
+    if (run("info --json") == 4)
+        GTEST_SKIP() << "there is no OpenGL ES here";
+    EXPECT_THAT(outputText(), MatchesRegex("[{]\"version\":\"[0-9.]+\",\"eglVendor\":.*"
+                                           "\"maxTextureSize\":[0-9]+,\"libraries\":[{].+[}][}]\n"));
+    const std::string plain = "env -u EGL_PLATFORM -u DISPLAY -u WAYLAND_DISPLAY ";
+    for (const char* display :
+         {"DISPLAY=", "DISPLAY=:9999", "DISPLAY=no.such.host:0", "WAYLAND_DISPLAY=none"})
+        EXPECT_EQ(run("info", plain + display), 0) << display << ": " << errorText();
+    EXPECT_EQ(run("info", plain + "DISPLAY=:9999 EGL_PLATFORM=x11"), 4);
+}
+
+TEST_F(Program, CompletesCommandsOptionsValuesAndFiles) {
+    // clang-format off
+    const struct {
+        const char* words; // The last is being typed.
+        const char* replies;
+    } cases[] = {
+        {"lut i", "info identity"},
+        {"l", "lut"},
+        {"completi", ""},
+        {"lut bake --lev", "--levels --levels-at"},
+        {"render a b --fo", "--format"},
+        {"render --format = nv1", "nv12"},
+        {"render --format =", "nv12 nv21"},
+        {"render --smooth ''", ""},
+        {"render --lut ''", "FILES"},
+        {"render -- -", "FILES"},
+        {"info ''", ""},
+    };
+    // clang-format on
+    ASSERT_EQ(run("completion"), 0);
+    write("completion", outputText() + "compopt() { COMPREPLY=(FILES); }\n"
+                                       "COMP_WORDS=(zebeauty \"$@\") COMP_CWORD=$#\n"
+                                       "_zebeauty; echo \"${COMPREPLY[*]}\" >replies\n");
+    for (const auto& c : cases) {
+        EXPECT_EQ(run("-V >version && bash completion "s + c.words), 0) << errorText();
+        EXPECT_EQ(contentOf(m_directory / "replies"), c.replies + "\n"s) << c.words;
+    }
 }
 
 TEST_F(Program, WritesTheSamePixelsInBothLayoutsWithoutAnEffectAndWithoutGl) {
