@@ -59,12 +59,25 @@ struct EncodedPhoto {
     VImage image;
 };
 
+// Asking for a loader that does not exist leaves an error behind, which is no answer to a later question.
+bool hasSourceLoader(const vips::VSource& source) {
+    const bool found = vips_foreign_find_load_source(source.get_source()) != nullptr;
+    vips_error_clear();
+    return found;
+}
+
+bool hasBufferLoader(const std::string& bytes) {
+    const bool found = vips_foreign_find_load_buffer(bytes.data(), bytes.size()) != nullptr;
+    vips_error_clear();
+    return found;
+}
+
 // libvips has three kinds of loaders; few formats have all of them.
 void open(const std::string& bytes, EncodedPhoto& photo) {
     photo.source.emplace(vips::VSource::new_from_memory(bytes.data(), bytes.size()));
-    if (vips_foreign_find_load_source(photo.source->get_source())) {
+    if (hasSourceLoader(*photo.source)) {
         photo.image = VImage::new_from_source(*photo.source, "", loadOptions());
-    } else if (vips_foreign_find_load_buffer(bytes.data(), bytes.size())) {
+    } else if (hasBufferLoader(bytes)) {
         photo.image = VImage::new_from_buffer(bytes.data(), bytes.size(), "", loadOptions());
     } else {
         photo.file.emplace(bytes);
@@ -182,9 +195,8 @@ Photo readPhoto(const std::string& path, ColorProfiles profiles) {
 
 bool looksLikePhoto(const std::string& start) {
     startVips();
-    const vips::VSource source = vips::VSource::new_from_memory(start.data(), start.size());
-    return vips_foreign_find_load_source(source.get_source()) ||
-           vips_foreign_find_load_buffer(start.data(), start.size());
+    return hasSourceLoader(vips::VSource::new_from_memory(start.data(), start.size())) ||
+           hasBufferLoader(start);
 }
 
 } // namespace ze::tool
