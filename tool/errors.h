@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -48,7 +49,14 @@ auto withFileInError(const std::string& file, Work work) {
     }
 }
 
-/// Writes "zebeauty: `text`" to standard error as one line, whatever control characters `text` holds.
+/// `text` on one line and safe for a terminal: line ends and tabs become spaces; other control characters, C1
+/// included, and what is not UTF-8 become question marks.
+std::string printable(std::string_view text);
+
+/// `text`, or its first `longest` bytes at most and "...", cut between two characters.
+std::string shortened(std::string text, size_t longest);
+
+/// Writes "zebeauty: `text`" to standard error as one line, printable whatever `text` holds.
 void printError(std::string_view text);
 
 /// The system's words for `errno`.
