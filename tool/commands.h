@@ -13,7 +13,7 @@ void addRenderCommand(CLI::App& program);
 /// `zebeauty sheet PHOTO SHEET`
 void addSheetCommand(CLI::App& program);
 
-/// `zebeauty lut bake|info|export|identity`
+/// `zebeauty lut bake|info|apply|export|identity`
 void addLutCommand(CLI::App& program);
 
 /// `zebeauty info`

@@ -5,14 +5,13 @@
 #include "tool/chart/chart.h"
 #include "tool/info/gl_info.h"
 #include "tool/lut/lut_bake.h"
-#include "tool/lut/lut_file.h"
-#include "tool/lut/lut_picture.h"
 #include "tool/number_text.h"
 
 #include <functional>
 
 using namespace ze::tool;
 using namespace std::string_literals;
+using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
 
@@ -43,6 +42,13 @@ std::string lines(const Grade& grade, const std::vector<float>& levels, bool red
         text.back() = '\n';
     }
     return text;
+}
+
+std::string withLineEnds(const std::string& end, const std::string& text) {
+    std::string result;
+    for (const char c : text)
+        result += c == '\n' ? end : std::string(1, c);
+    return result;
 }
 
 std::string cube(const Grade& grade, size_t n, const std::string& before = "") {
@@ -76,8 +82,10 @@ Picture pictureOf(const Grade& grade, int root, PictureLayout layout) {
 class Lut : public Program {
 protected:
     ColorTable baked(const std::string& name, const std::vector<float>& levels) {
-        return bakeLut(m_directory / name, levels, PictureLayout::automatic, m_clamping);
+        return bakeLut(readChain({m_directory / name}), levels, m_clamping);
     }
+
+    ColorTable lutFile(const std::string& name) { return readTransform(m_directory / name).table.value(); }
 
     void expectNear(const std::vector<uint8_t>& actual, const std::vector<uint8_t>& expected, int most) {
         ASSERT_EQ(actual.size(), expected.size());
@@ -107,6 +115,9 @@ TEST_F(Lut, EveryFamilyOfFilesGivesItsTable) {
         {"$HOME %d.CUBE", cube(strange, 4), strange},
         {"1.cube", "LUT_1D_SIZE 4\n0 0 0\n0.1111111 0.1111111 0.1111111\n0.4444444 0.4444444 0.4444444\n1 1 1\n", squared},
         {"a.3dl", "0 341 682 1023\n" + lines(strange, even, false, 4095), strange},
+        {"l.3dl", "3DMESH\nMesh 2 12\n0 341 682 1023\n" + lines(strange, even, false, 4095) + "\nLUT8\ngamma 1.0\n", strange},
+        {"crlf.spi3d", withLineEnds("\r\n", "SPILUT 1.0\n3 3\n4 4 4\n" + lines(strange, even, false, 1, true)), strange},
+        {"mark.cube", "\xef\xbb\xbf" + withLineEnds("\r", cube(strange, 4)), strange},
         {"a.csp", "CSPLUTV100\n3D\n\nBEGIN METADATA\n1,5\nEND METADATA\n\n" + range + range + range + "\n4 4 4\n" +
                   lines(strange, even, true), strange},
         {"a.spi1d", "Version 1\nFrom 0.0 1.0\nLength 4\nComponents 1\n{\n0.0\n0.1111111\n0.4444444\n1.0\n}\n", squared},
@@ -124,6 +135,51 @@ TEST_F(Lut, EveryFamilyOfFilesGivesItsTable) {
         expectNear(baked(c.name, even).colors, tableOf(c.grade, even).colors, c.name[2] == '3' ? 1 : 0);
     }
     EXPECT_EQ(m_clamping.count, 0u);
+    ASSERT_EQ(run("lut bake - piped.lut --levels 4 <3.cube"), 0) << errorText();
+    expectNear(lutFile("piped.lut").colors, tableOf(strange, even).colors, 0);
+}
+
+TEST_F(Lut, TakesTheColorCorrectionThatIsNamed) {
+    const auto correction = [](const std::string& id, const std::string& slope) {
+        return "<ColorCorrection" + id + "><SOPNode><Slope>" + slope +
+               "</Slope><Offset>0 0 0</Offset><Power>1 1 1</Power></SOPNode></ColorCorrection>\n";
+    };
+    // OpenColorIO takes "0" for an index as well, here of another correction.
+    const std::string three = correction(" id='a&amp;b'", "0.5 1 1") + "<!-- <ColorCorrection id=\"x\"> -->" +
+                              correction(" id=\"0\"", "1 0.5 1") + correction("", "1 1 0.5");
+    write("in.ccc",
+          "<?xml version=\"1.0\"?>\n<ColorCorrectionCollection>" + three + "</ColorCorrectionCollection>");
+    write("in.cdl", "<ColorDecisionList><ColorDecision>" + three + "</ColorDecision></ColorDecisionList>");
+    write("one.cc", correction(" id='c'", "1 1 0.5"));
+    const std::string first = "zebeauty: in.c..: took the color correction 'a&b', the first of 3; .*\n";
+    const struct {
+        std::string arguments, output, error;
+    } cases[] = {
+        {"in.ccc", "0.500000 1.000000 1.000000 #80ffff\n", first},
+        {"in.ccc --id 'a&b'", "0.500000 1.000000 1.000000 #80ffff\n", ""},
+        {"in.ccc --id 0", "1.000000 0.500000 1.000000 #ff80ff\n", ""},
+        {"one.cc in.cdl --id 0", "1.000000 0.500000 0.500000 #ff8080\n", ""},
+        {"- --id '#3' <in.cdl", "1.000000 1.000000 0.500000 #ffff80\n", ""},
+        {"in.ccc --id 1", "", "zebeauty: in.ccc: has no color correction '1'; it has 'a&b', '0', '#3'\n"},
+        {"one.cc --id 0", "", "zebeauty: one.cc: has no color correction '0'; it has 'c'\n"},
+    };
+    for (const auto& c : cases)
+        for (const char* color : {"1,1,1 ", "'#FFffff' "}) {
+            EXPECT_EQ(run("lut apply "s + color + c.arguments), c.output.empty() ? 3 : 0) << c.arguments;
+            EXPECT_EQ(outputText(), c.output) << c.arguments;
+            EXPECT_THAT(errorText(), MatchesRegex(c.error)) << c.arguments;
+        }
+    for (const char* color : {"1,1", "1,1,1.5", "'#fffff'", "'#fffffg'"})
+        EXPECT_EQ(run("lut apply "s + color + " one.cc"), 2) << color;
+}
+
+TEST_F(Lut, ChainsInFloat) {
+    write("dark.cube", cube([](Color in) { return Color{in[1] / 512, in[0] / 512, in[2] / 512}; }, 2));
+    write("bright.cube", cube([](Color in) { return Color{in[0] * 512, in[1] * 512, in[2] * 511}; }, 2));
+    ASSERT_EQ(run("lut bake dark.cube bright.cube out.lut --levels 5"), 0);
+    EXPECT_EQ(errorText(), "");
+    const Grade swapped = [](Color in) { return Color{in[1], in[0], in[2] * 511 / 512}; };
+    expectNear(lutFile("out.lut").colors, tableOf(swapped, ::evenLevels(5)).colors, 1);
 }
 
 TEST_F(Lut, NumbersHaveAPointWhereTheUserHasAComma) {
@@ -150,7 +206,7 @@ TEST_F(Lut, LevelsLieWhereTheyAreAskedFor) {
         {"--levels-at 0,0.02,0.1,0.5,1", {0, 0.02f, 0.1f, 0.5f, 1}}};
     for (const auto& [options, levels] : cases) {
         ASSERT_EQ(run("lut bake -y in.cube out.lut "s + options), 0) << errorText();
-        const ColorTable table = readLutFile(m_directory / "out.lut");
+        const ColorTable table = lutFile("out.lut");
         EXPECT_EQ(table.levels, levels);
         expectNear(table.colors, tableOf(turned, levels).colors, 1);
     }
@@ -185,6 +241,10 @@ TEST_F(Lut, RefusesWhatIsDamagedWithItsReasonAndWithoutAFile) {
         {"qnan.cube", "LUT_3D_SIZE 2\n1 0 0 # 1,5\n0 1.#QNAN 0\n", noTable + "line 3: '1.#QNAN' .*"},
         {"huge.cube", "LUT_3D_SIZE 2\n0 1e39 0\n", noTable + "line 2: '1e39' .*"},
         {"inf.clf", inXml, noTable + "line 4: 'inf' .*"},
+        {"controls.cube", "LUT_3D_SIZE 2\n0,\x1b\xc2\x9b\xff\xc3\xa4 0 0\n",
+         noTable + "line 2: '0,\\?\\?\\?\xc3\xa4' .*"},
+        {"wide.cube", "\xff\xfeL\0U\0"s, "is text in UTF-16; .*"},
+        {"empty.cube", "", "is empty"},
         {"text.txt", "no table\n", "is neither a look-up table.*nor a picture.*"},
         {"version.lut", version, "is no valid LUT file: wrong version.*"},
         {"short.lut", own.bytes().substr(0, 100), "is no valid LUT file: Failed to read lut data!"},
@@ -212,7 +272,7 @@ TEST_F(Lut, RefusesWhatIsDamagedWithItsReasonAndWithoutAFile) {
         expectRefusals(c.name, c.reason);
     expectRefusals("chart.png", "does not look like a look-up table.*--layout.*");
     expectRefusals("wide.png", "has 512x511 pixels; .*");
-    expectRefusals("folder.cube", "is a directory");
+    expectRefusals("folder.cube", "cannot be read: Is a directory");
     expectRefusals("missing.cube", "cannot be read: No such file.*");
     expectRefusal("lut bake falling.lut out.lut", "falling.lut", "its levels do not rise");
     expectRefusal("render small.png out.png --lut one.lut", "one.lut", "is one-dimensional.*");
@@ -229,13 +289,13 @@ TEST_F(Lut, TellsTheTwoKindsOfPicturesApart) {
         for (const PictureLayout layout : {lookup, hald}) {
             const Picture picture = pictureOf(soft, root, layout);
             const ColorTable expected = tableOf(soft, ::evenLevels(static_cast<size_t>(root * root)));
-            EXPECT_EQ(tableFromPicture(picture, automatic).colors, expected.colors) << root;
+            EXPECT_EQ(layoutOf(picture, automatic), layout) << root;
             EXPECT_EQ(tableFromPicture(picture, layout).colors, expected.colors) << root;
             EXPECT_NE(tableFromPicture(picture, layout == hald ? lookup : hald).colors, expected.colors);
         }
     write("in.png", pictureOf(soft, 8, hald));
     ASSERT_EQ(run("lut bake in.png out.lut --levels 64 --layout hald"), 0) << errorText();
-    EXPECT_EQ(readLutFile(m_directory / "out.lut").colors, tableOf(soft, ::evenLevels(64)).colors);
+    EXPECT_EQ(lutFile("out.lut").colors, tableOf(soft, ::evenLevels(64)).colors);
 }
 
 TEST_F(Lut, InfoMeasuresTheDistanceFromIdentity) {
@@ -245,33 +305,60 @@ TEST_F(Lut, InfoMeasuresTheDistanceFromIdentity) {
     file.colors[0] = 6;
     write("a.lut", file.bytes());
     ASSERT_EQ(run("lut info a.lut"), 0) << errorText();
-    EXPECT_EQ(outputText(), "version: 1\nlevels: 2, uniform\ndimension: 3\n"
+    EXPECT_EQ(outputText(), "format: LUT file\nversion: 1\nlevels: 2, uniform\ndimension: 3\n"
                             "largest difference from identity: 12 of 255, at input 1 0 1\n"
                             "mean difference from identity: 0.750 of 255\n");
     write("b.lut",
           LutFile{{std::nanf(""), 0.5f, 0.25f}, false, 0, {0, 0, 0, 128, 128, 128, 64, 64, 67}}.bytes());
     ASSERT_EQ(run("lut info --json b.lut"), 0) << errorText();
     EXPECT_EQ(outputText(),
-              "{\"version\": 1, \"levels\": 3, \"uniform\": false, \"levelValues\": [null, 0.5, 0.25], "
-              "\"dimension\": 1, \"largestDifference\": 3, \"largestDifferenceAt\": [0.25, 0.25, 0.25], "
-              "\"meanDifference\": 0.333}\n");
+              R"({"format":"LUT file","version":1,"levels":3,"uniform":false,"levelValues":[null,0.5,0.25],)"
+              R"("dimension":1,"largestDifference":3,"largestDifferenceAt":[0.25,0.25,0.25],)"
+              R"("meanDifference":0.333})"
+              "\n");
     EXPECT_THAT(errorText(), StartsWith("zebeauty: warning: b.lut: its levels do not rise"));
+    write("a.clf", "<ProcessList compCLFversion=\"3\" id=\"x\"><Description>\"A\" &#x9b;\\</Description>"
+                   "<Matrix inBitDepth=\"32f\" outBitDepth=\"32f\"><Array dim=\"3 3\">1 0 0 0 1 0 0 0 0.5"
+                   "</Array></Matrix></ProcessList>");
+    ASSERT_EQ(run("lut info --json a.clf"), 0) << errorText();
+    EXPECT_EQ(outputText(),
+              R"({"format":"Academy/ASC Common LUT Format","content":["matrix"],"corrections":[],"id":"x",)"
+              R"("description":"\"A\" \u009b\\","largestDifference":127,"largestDifferenceAt":[0.0,0.0,1.0],)"
+              R"("meanDifference":21.172})"
+              "\n");
 }
 
 TEST_F(Lut, ExportComesBackTheSame) {
-    for (const size_t n : {2u, 65u})
-        for (const bool isThreeDimensional : {true, false}) {
-            LutFile file{::evenLevels(n), isThreeDimensional};
-            write("a.lut", file.fillWithNoise().bytes());
-            ASSERT_EQ(run("lut export -y a.lut a.cube"), 0) << errorText();
-            EXPECT_EQ(errorText(), "");
-            expectNear(baked("a.cube", file.levels).colors, baked("a.lut", file.levels).colors, 0);
+    const auto expectSame = [&](const LutFile& file, const std::string& name,
+                                const std::string& options = "") {
+        write("a.lut", file.bytes());
+        ASSERT_EQ(run("lut export -y a.lut " + name + options), 0) << errorText();
+        EXPECT_EQ(errorText(), "") << name;
+        expectNear(baked(name, file.levels).colors, baked("a.lut", file.levels).colors, 0);
+    };
+    for (const size_t n : {4u, 65u})
+        for (const char* name : {"a.cube", "a.clf", "a.3dl"}) {
+            expectSame(LutFile{::evenLevels(n), true}.fillWithNoise(), name);
+            if (name[2] != '3')
+                expectSame(LutFile{::evenLevels(n), false}.fillWithNoise(), name);
         }
+    for (const char* layout : {" --layout hald", " --layout lookup"})
+        expectSame(LutFile{::evenLevels(9), true, 0, tableOf(strange, ::evenLevels(9)).colors}, "a.png",
+                   layout);
+
     write("a.lut", LutFile{{0, 0.25f, 1}, true, 0, tableOf(strange, {0, 0.25f, 1}).colors}.bytes());
     ASSERT_EQ(run("lut export -y a.lut a.cube"), 0);
-    EXPECT_EQ(errorText(),
-              "zebeauty: warning: a.lut: its levels are not uniform; resampled to 65 uniform ones\n");
+    EXPECT_EQ(errorText(), "zebeauty: warning: a.lut: its 3 levels were resampled to 65 uniform ones\n");
     expectNear(baked("a.cube", ::evenLevels(33)).colors, baked("a.lut", ::evenLevels(33)).colors, 1);
+
+    write("a.cube", cube([](Color in) { return Color{2 * in[0], in[1], -in[2]}; }, 2));
+    ASSERT_EQ(run("lut export -y a.cube b.cube --levels 3"), 0);
+    EXPECT_THAT(bytesOf("b.cube"), HasSubstr("\n2.000000 1.000000 -1.000000\n"));
+    ASSERT_EQ(run("lut export -y a.cube b.3dl --levels 5"), 0);
+    EXPECT_THAT(errorText(), HasSubstr("150 of 375 values lie outside 0 to 1 (-1 to 2) and were clamped"));
+    for (const char* arguments :
+         {"a.cube c.jpg", "a.cube c.txt", "a.cube c.png --levels 33", "a.cube c.3dl --levels 3"})
+        EXPECT_EQ(run("lut export "s + arguments), 2) << arguments;
 }
 
 class Graded : public Lut {

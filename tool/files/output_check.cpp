@@ -17,7 +17,7 @@ void checkOutput(const std::string& path, bool overwrite) {
 }
 
 void checkOutput(const std::string& path, bool overwrite, const std::string& extension) {
-    if (extensionOf(path) != extension)
+    if (extensionOf(path) != extension && !isStream(path))
         throw Failure(ExitCode::usage, path, "unknown extension; " + extension + " can be written");
     checkOutput(path, overwrite);
 }

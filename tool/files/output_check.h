@@ -9,7 +9,8 @@ namespace ze::tool {
 /// Throws `Failure` (`usage`) when `path` is a directory, and when it is a file and `overwrite` is not set.
 void checkOutput(const std::string& path, bool overwrite);
 
-/// The same checks for a file that has to have `extension` (with its dot, in lower case), in any case.
+/// The same checks for what has to have `extension` (with its dot, in lower case), in any case, unless it is
+/// standard output or the like.
 void checkOutput(const std::string& path, bool overwrite, const std::string& extension);
 
 } // namespace ze::tool

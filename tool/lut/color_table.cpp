@@ -11,9 +11,13 @@ namespace {
 // More than float arithmetic strays from an exact 0 or 1.
 constexpr float kNoise = 1e-5f;
 
-// NaN becomes 0.
+// To 0 to 1; NaN becomes 0.
+float clamped(float value) {
+    return value > 0 ? std::min(value, 1.0f) : 0.0f;
+}
+
 uint8_t roundedTo8Bits(float value) {
-    return static_cast<uint8_t>(std::lround(255 * (value > 0 ? std::min(value, 1.0f) : 0.0f)));
+    return static_cast<uint8_t>(std::lround(255 * clamped(value)));
 }
 
 // A position between two neighboring levels, or on an outer one for values beyond it.
@@ -68,24 +72,39 @@ std::vector<Color> latticeOf(const std::vector<float>& levels) {
     return lattice;
 }
 
-ColorTable quantized(std::vector<float> levels, const std::vector<Color>& colors, Clamping& clamping) {
-    ColorTable table{std::move(levels), true, {}};
-    table.colors.reserve(3 * colors.size());
-    for (const Color& color : colors)
-        for (const float value : color) {
+void clamp(std::vector<Color>& colors, Clamping& clamping) {
+    clamping.total += 3 * colors.size();
+    for (Color& color : colors)
+        for (float& value : color) {
             if (!(value >= -kNoise && value <= 1 + kNoise))
                 ++clamping.count;
             clamping.lowest = std::min(clamping.lowest, value); // NaN as second argument changes nothing
             clamping.highest = std::max(clamping.highest, value);
-            table.colors.push_back(roundedTo8Bits(value));
+            value = clamped(value);
         }
+}
+
+ColorTable quantized(std::vector<float> levels, std::vector<Color> colors, Clamping& clamping) {
+    clamp(colors, clamping);
+    ColorTable table{std::move(levels), true, {}};
+    table.colors.reserve(3 * colors.size());
+    for (const Color& color : colors)
+        for (const float value : color)
+            table.colors.push_back(roundedTo8Bits(value));
     return table;
+}
+
+std::vector<Color> colorsOf(const ColorTable& table) {
+    std::vector<Color> colors(table.colors.size() / 3);
+    for (size_t i = 0; i < table.colors.size(); ++i)
+        colors[i / 3][i % 3] = static_cast<float>(table.colors[i]) / 255;
+    return colors;
 }
 
 ColorTable identityTable(std::vector<float> levels) {
     Clamping none;
-    const std::vector<Color> lattice = latticeOf(levels);
-    return quantized(std::move(levels), lattice, none);
+    std::vector<Color> lattice = latticeOf(levels);
+    return quantized(std::move(levels), std::move(lattice), none);
 }
 
 Color lookUp(const ColorTable& table, const Color& input) {

@@ -41,14 +41,21 @@ std::vector<Color> latticeOf(const std::vector<float>& levels);
 /// The values of a table that had to be clamped to 0 to 1. NaN, which becomes 0, counts as well.
 struct Clamping {
     size_t count = 0;
+    size_t total = 0; ///< All values, clamped or not.
     float lowest = 0;
     float highest = 1;
 };
 
-/// The three-dimensional table of `colors`, one for each point of its lattice, rounded to 8 bits. Values
-/// outside 0 to 1 are clamped and reported in `clamping`, unless they are outside by the noise of float
-/// arithmetic only.
-ColorTable quantized(std::vector<float> levels, const std::vector<Color>& colors, Clamping& clamping);
+/// Clamps `colors` to 0 to 1 and reports in `clamping` what lay outside by more than the noise of float
+/// arithmetic.
+void clamp(std::vector<Color>& colors, Clamping& clamping);
+
+/// The three-dimensional table of `colors`, one for each point of its lattice, clamped as above and
+/// rounded to 8 bits.
+ColorTable quantized(std::vector<float> levels, std::vector<Color> colors, Clamping& clamping);
+
+/// The exact colors of the entries of `table`.
+std::vector<Color> colorsOf(const ColorTable& table);
 
 /// The table of `levels` that changes nothing, up to rounding.
 ColorTable identityTable(std::vector<float> levels);

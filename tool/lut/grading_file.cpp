@@ -1,143 +1,158 @@
 #include "tool/lut/grading_file.h"
 
 #include "tool/errors.h"
-#include "tool/files/input_file.h"
+#include "tool/files/file_name.h"
+#include "tool/lut/correction_file.h"
+#include "tool/lut/grading_log.h"
+#include "tool/lut/grading_reason.h"
+#include "tool/lut/memory_file.h"
 #include "tool/lut/number_check.h"
 
 #include <OpenColorIO/OpenColorIO.h>
 
 #include <algorithm>
-#include <cctype>
-#include <climits>
-#include <cstdlib>
-#include <filesystem>
-#include <string_view>
+#include <utility>
 
 namespace ze::tool {
 namespace {
 
 namespace ocio = OCIO_NAMESPACE;
 
-constexpr size_t kLongestReason = 200;
+// The extension by which a reason is chosen: of the name, or of what the text begins like.
+std::string extensionFor(const LutInput& input) {
+    constexpr std::pair<const char*, const char*> kKeywords[] = {
+        {"LUT_1D_SIZE", ".cube"}, {"LUT_3D_SIZE", ".cube"}, {"3DMESH", ".3dl"},
+        {"CSPLUT", ".csp"},       {"SPILUT", ".spi3d"},     {"<ProcessList", ".clf"}};
+    const std::string extension = extensionOf(input.name);
+    if (!extension.empty())
+        return extension;
+    for (const auto& [keyword, known] : kKeywords)
+        if (input.bytes.find(keyword) != input.bytes.npos)
+            return known;
+    return "";
+}
 
-// A link to the user's file under a name of ours, as long as this object lives: OpenColorIO takes "$" and "%"
-// in a name for variables and repeats the name in its messages. The link keeps the extension, by which
-// OpenColorIO chooses its reader.
-class Alias {
-public:
-    explicit Alias(const std::string& path) {
-        std::string directory = (std::filesystem::temp_directory_path() / "zebeauty-XXXXXX").string();
-        if (!mkdtemp(directory.data()))
-            throw Failure(ExitCode::failed, directory, "cannot be made: " + systemReason());
-        m_directory = directory;
-        const std::string extension = std::filesystem::path(path).extension();
-        const bool isPlain = std::all_of(extension.begin(), extension.end(), [](char c) {
-            return c == '.' || std::isalnum(static_cast<unsigned char>(c));
-        });
-        m_path = m_directory / (isPlain ? "lut" + extension : "lut");
-        std::error_code error;
-        std::filesystem::create_symlink(std::filesystem::absolute(path), m_path, error);
-        if (!error)
-            return;
-        remove();
-        throw Failure(ExitCode::failed, m_path, "cannot be made: " + error.message());
-    }
-    ~Alias() { remove(); }
-    Alias(const Alias&) = delete;
-    Alias& operator=(const Alias&) = delete;
-
-    std::string path() const { return m_path; }
-
-private:
-    void remove() const {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_directory, ignored);
-    }
-
-    std::filesystem::path m_directory;
-    std::filesystem::path m_path;
+struct Reading {
+    ocio::ConstProcessorRcPtr processor;
+    std::string reader;
 };
 
-// The reason proper, on one line: without the names of the format and the alias before it.
-std::string tidied(std::string reason, const std::string& alias) {
-    const size_t name = reason.find(alias + ")");
-    if (reason.rfind("Error parsing ", 0) == 0 && name != reason.npos)
-        reason.erase(0, name + alias.size() + 1);
-    std::string text;
-    for (const char c : reason)
-        if (std::isspace(static_cast<unsigned char>(c)) == 0)
-            text += c;
-        else if (!text.empty() && text.back() != ' ')
-            text += ' ';
-    text.erase(0, text.find_first_not_of(" ."));
-    text.erase(text.find_last_not_of(" .") + 1);
-    return text.substr(0, kLongestReason);
-}
-
-// The line that a reason names. A reason without one is about the whole file and counts as the furthest.
-int lineIn(const std::string& reason) {
-    const size_t at = reason.find("line (");
-    return at == reason.npos ? INT_MAX : std::atoi(reason.c_str() + at + 6);
-}
-
-// OpenColorIO tries all its readers, and for each that the extension fits it reports "'NAME' failed with:
-// REASON". Only the readers that came furthest into the file are repeated, and the same reason only once.
-std::string reasonsIn(const std::string& message, const std::string& alias) {
-    constexpr std::string_view kBetween = "' failed with: ";
-    std::string reasons;
-    std::string last;
-    int furthest = 0;
-    for (size_t at = message.find(kBetween); at != message.npos;) {
-        const size_t name = message.rfind('\'', at - 1) + 1;
-        const size_t next = message.find(kBetween, at + 1);
-        const size_t start = at + kBetween.size();
-        const size_t end = next == message.npos ? next : message.rfind('\'', next - 1) - start;
-        const std::string reason = tidied(message.substr(start, end), alias);
-        const int line = lineIn(reason);
-        if (line > furthest)
-            reasons.clear();
-        if (reason != last && line >= furthest)
-            reasons += (reasons.empty() ? "" : "; ") + message.substr(name, at - name) + ": " + reason;
-        furthest = std::max(furthest, line);
-        last = reason;
-        at = next;
-    }
-    return reasons;
-}
-
-ocio::ConstCPUProcessorRcPtr processorOf(const std::string& path) {
-    const Alias alias(path);
+// The transform in `text`. Of several color corrections, one of them.
+Reading readText(const LutInput& input, const std::string& text) {
+    const MemoryFile file(text);
+    const GradingLog log;
+    ocio::ClearAllCaches(); // of an earlier file with this name
     const ocio::FileTransformRcPtr transform = ocio::FileTransform::Create();
-    transform->setSrc(alias.path().c_str());
+    transform->setSrc(file.path().c_str());
+    transform->setCCCId("0");
     transform->setInterpolation(ocio::INTERP_BEST); // tetrahedral in three dimensions
     try {
-        return ocio::Config::CreateRaw()
-            ->getProcessor(ocio::Context::Create(), transform, ocio::TRANSFORM_DIR_FORWARD)
-            ->getOptimizedCPUProcessor(ocio::OPTIMIZATION_LOSSLESS);
+        ocio::ConstProcessorRcPtr processor = ocio::Config::CreateRaw()->getProcessor(
+            ocio::Context::Create(), transform, ocio::TRANSFORM_DIR_FORWARD);
+        return {std::move(processor), log.readerName()};
     } catch (const std::bad_alloc&) {
         throw;
-    } catch (const std::exception& error) {
-        const std::string reasons = reasonsIn(error.what(), alias.path());
-        throw Failure(ExitCode::badInput, path,
+    } catch (const std::exception&) {
+        // Readers of text would quote what is none.
+        const bool isText = text.find('\0') == text.npos;
+        const std::string reasons = isText ? reasonsIn(log.text(), extensionFor(input), file.path()) : "";
+        throw Failure(ExitCode::badInput, input.name,
                       reasons.empty() ? "is neither a look-up table that can be read nor a picture of one"
                                       : "is no valid look-up table (" + reasons + ")");
     }
 }
 
+// A file with a single correction means that one, whatever the id: other files of a chain may have several.
+const Correction& chosen(const std::vector<Correction>& corrections, const LutInput& input,
+                         const std::string& id) {
+    const auto found = id.empty() || corrections.size() == 1
+                           ? corrections.begin()
+                           : std::find_if(corrections.begin(), corrections.end(),
+                                          [&](const Correction& c) { return c.name == id; });
+    if (found == corrections.end())
+        throw unknownCorrection(input.name, id, namesOf(corrections));
+    if (id.empty() && corrections.size() > 1)
+        printError(input.name + ": took the color correction '" + found->name + "', the first of " +
+                   std::to_string(corrections.size()) + "; --id names another");
+    return *found;
+}
+
+std::string stepText(const ocio::ConstTransformRcPtr& step) {
+    if (const auto cube = std::dynamic_pointer_cast<const ocio::Lut3DTransform>(step))
+        return "3D table of " + std::to_string(cube->getGridSize()) + " levels";
+    if (const auto curve = std::dynamic_pointer_cast<const ocio::Lut1DTransform>(step))
+        return "1D table of " + std::to_string(curve->getLength()) + " entries";
+    switch (step->getTransformType()) {
+    case ocio::TRANSFORM_TYPE_CDL:
+        return "color correction";
+    case ocio::TRANSFORM_TYPE_MATRIX:
+        return "matrix";
+    case ocio::TRANSFORM_TYPE_RANGE:
+        return "range";
+    case ocio::TRANSFORM_TYPE_EXPONENT:
+    case ocio::TRANSFORM_TYPE_EXPONENT_WITH_LINEAR:
+        return "exponent";
+    case ocio::TRANSFORM_TYPE_LOG:
+    case ocio::TRANSFORM_TYPE_LOG_AFFINE:
+    case ocio::TRANSFORM_TYPE_LOG_CAMERA:
+        return "logarithm";
+    default:
+        return "other";
+    }
+}
+
+void takeDescription(const ocio::FormatMetadata& metadata, ColorTransform& transform) {
+    const std::string id = metadata.getID();
+    if (transform.id.empty() && id.rfind('$', 0) != 0) // a hash that OpenColorIO made
+        transform.id = id;
+    for (int i = 0; i < metadata.getNumChildrenElements(); ++i) {
+        const ocio::FormatMetadata& child = metadata.getChildElement(i);
+        const std::string name = child.getElementName();
+        if (transform.description.empty() && name.find("Description") != name.npos)
+            transform.description = child.getElementValue();
+    }
+}
+
+void describe(const ocio::ConstProcessorRcPtr& processor, ColorTransform& transform) {
+    takeDescription(processor->getFormatMetadata(), transform);
+    const ocio::GroupTransformRcPtr group = processor->createGroupTransform();
+    for (int i = 0; i < group->getNumTransforms(); ++i) {
+        const ocio::ConstTransformRcPtr step = group->getTransform(i);
+        transform.steps.push_back(stepText(step));
+        if (const auto correction = std::dynamic_pointer_cast<const ocio::CDLTransform>(step))
+            takeDescription(correction->getFormatMetadata(), transform);
+    }
+}
+
+void checkNumbers(const LutInput& input, const std::string& text) {
+    const std::string reason = text.find('\0') == text.npos ? findBadNumber(text) : "";
+    if (!reason.empty())
+        throw Failure(ExitCode::badInput, input.name, "is no valid look-up table (" + reason + ")");
+}
+
 } // namespace
 
-void applyGradingFile(const std::string& path, std::vector<Color>& colors) {
-    const std::string bytes = readInput(path);
-    if (bytes.find('\0') == bytes.npos) { // text
-        const std::string reason = findBadNumber(bytes);
-        if (!reason.empty())
-            throw Failure(ExitCode::badInput, path, "is no valid look-up table (" + reason + ")");
-    }
-    ocio::SetLoggingFunction([](const char*) {});
-    const ocio::ConstCPUProcessorRcPtr processor = processorOf(path);
-    ocio::PackedImageDesc image(colors.data(), static_cast<long>(colors.size()), 1,
-                                ocio::CHANNEL_ORDERING_RGB);
-    processor->apply(image);
+ColorTransform readGradingFile(const LutInput& input, const std::string& id) {
+    const std::string text = plainText(input);
+    checkNumbers(input, text);
+    const Reading whole = readText(input, text);
+    ocio::ConstProcessorRcPtr processor = whole.processor;
+
+    ColorTransform transform;
+    transform.name = input.name;
+    transform.format = whole.reader;
+    const std::vector<Correction> corrections = correctionsIn(text);
+    if (!corrections.empty())
+        processor = readText(input, onlyCorrection(text, chosen(corrections, input, id))).processor;
+    transform.corrections = namesOf(corrections);
+    describe(processor, transform);
+    const ocio::ConstCPUProcessorRcPtr cpu = processor->getOptimizedCPUProcessor(ocio::OPTIMIZATION_LOSSLESS);
+    transform.apply = [cpu](std::vector<Color>& colors) {
+        ocio::PackedImageDesc image(colors.data(), static_cast<long>(colors.size()), 1,
+                                    ocio::CHANNEL_ORDERING_RGB);
+        cpu->apply(image);
+    };
+    return transform;
 }
 
 } // namespace ze::tool

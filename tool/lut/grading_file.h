@@ -2,19 +2,22 @@
 
 #pragma once
 
-#include "tool/lut/color_table.h"
+#include "tool/lut/color_transform.h"
+#include "tool/lut/lut_input.h"
 
 #include <string>
 
 namespace ze::tool {
 
-/// Applies the transform in the file `path` to `colors`: .cube, .3dl, .csp, .spi1d, .spi3d, .clf, .ctf and
-/// whatever else OpenColorIO reads. Three-dimensional tables are interpolated in tetrahedra: gray inputs then
-/// depend on gray entries only, so that what is neutral stays neutral.
+/// Reads the transform in `input`: .cube, .3dl, .csp, .spi1d, .spi3d, .clf, .ctf, .cc, .ccc, .cdl and
+/// whatever else OpenColorIO reads, told apart by what is in it. Of several color corrections it takes the
+/// one that is named `id`; when `id` is empty the first, and says so on standard error. Three-dimensional
+/// tables are interpolated in tetrahedra: gray inputs then depend on gray entries only, so that what is
+/// neutral stays neutral.
 ///
-/// Numbers have a decimal point in every locale. Throws `Failure` (`badInput`) with the reason,
-/// and with the line where there is one, when the file cannot be read, is no valid transform or holds a
-/// number that is malformed or not finite.
-void applyGradingFile(const std::string& path, std::vector<Color>& colors);
+/// Numbers have a decimal point in every locale. Throws `Failure` (`badInput`) with the reason, and with the
+/// line where there is one, when the file is no valid transform, holds a number that is malformed or not
+/// finite, or has no correction that is named `id`.
+ColorTransform readGradingFile(const LutInput& input, const std::string& id);
 
 } // namespace ze::tool

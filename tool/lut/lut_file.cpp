@@ -5,7 +5,7 @@
 #include "host/library_log.h"
 #include "tool/errors.h"
 #include "tool/files/file_name.h"
-#include "tool/files/input_file.h"
+#include "tool/lut/memory_file.h"
 
 #include <algorithm>
 #include <bit>
@@ -24,20 +24,18 @@ void put(std::vector<uint8_t>& bytes, size_t at, Unsigned value) {
 
 } // namespace
 
-bool isLutFile(const std::string& path) {
-    return readInput(path, kSignature.size()) == kSignature;
+bool isLutFile(std::string_view bytes) {
+    return bytes.substr(0, kSignature.size()) == kSignature;
 }
 
-ColorTable readLutFile(const std::string& path) {
-    if (!isLutFile(path))
-        throw Failure(ExitCode::badInput, path,
-                      "is no LUT file: it lacks the signature (zebeauty lut bake makes one of other tables)");
+ColorTable readLutFile(const LutInput& input) {
+    const MemoryFile file(input.bytes);
     zebeauty::catchLibraryErrors(false);
     zebeauty::takeLibraryError(); // An earlier one.
-    const CLutFileReader reader(libraryFileName(path));
+    const CLutFileReader reader(libraryFileName(file.path()));
     if (!reader.isValid()) {
         const std::string reason = zebeauty::takeLibraryError();
-        throw Failure(ExitCode::badInput, path,
+        throw Failure(ExitCode::badInput, input.name,
                       "is no valid LUT file: " +
                           (reason.empty() ? "wrong version, number of levels or reserved field in its header"
                                           : reason));
@@ -47,13 +45,6 @@ ColorTable readLutFile(const std::string& path) {
     return {{reader.levelValues(), reader.levelValues() + n},
             reader.isThreeDimensional(),
             {reader.colorData(), reader.colorData() + colorBytes}};
-}
-
-ColorTable readRisingLutFile(const std::string& path) {
-    ColorTable table = readLutFile(path);
-    if (!areRising(table.levels))
-        throw Failure(ExitCode::badInput, path, "its levels do not rise");
-    return table;
 }
 
 std::vector<uint8_t> lutFileBytes(const ColorTable& table) {

@@ -1,7 +1,6 @@
 #include "tool/lut/lut_picture.h"
 
 #include "tool/errors.h"
-#include "tool/files/input_file.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -9,7 +8,6 @@
 namespace ze::tool {
 namespace {
 
-constexpr size_t kMagicSize = 12;
 constexpr size_t kLargestRoot = 16; // for 256 levels, all that 8 bits have
 
 // The most that a channel may change along a line of the lattice, on average, in ranges from black to white.
@@ -24,20 +22,21 @@ size_t rootOf(const Picture& picture) {
     return 0;
 }
 
-ColorTable readAs(PictureLayout layout, const Picture& picture, size_t root) {
+// The pixel that holds an entry, in a table with root² levels.
+size_t pixelOf(PictureLayout layout, size_t root, size_t r, size_t g, size_t b) {
     const size_t n = root * root;
-    ColorTable table{evenLevels(n), true, {}};
-    table.colors.reserve(3 * n * n * n);
+    return layout == PictureLayout::hald ? (b * n + g) * n + r
+                                         : (b / root * n + g) * n * root + b % root * n + r;
+}
+
+// Calls `copy` with the offsets of each entry's bytes in a table and in a picture of it.
+template <class Copy>
+void forEachEntry(PictureLayout layout, size_t root, Copy copy) {
+    const size_t n = root * root;
     for (size_t r = 0; r < n; ++r)
         for (size_t g = 0; g < n; ++g)
-            for (size_t b = 0; b < n; ++b) {
-                const size_t pixel = layout == PictureLayout::hald
-                                         ? (b * n + g) * n + r
-                                         : (b / root * n + g) * n * root + b % root * n + r;
-                const uint8_t* const color = picture.rgb.data() + 3 * pixel;
-                table.colors.insert(table.colors.end(), color, color + 3);
-            }
-    return table;
+            for (size_t b = 0; b < n; ++b)
+                copy(3 * ((r * n + g) * n + b), 3 * pixelOf(layout, root, r, g, b));
 }
 
 // How much a channel changes along a line of the lattice, on average, in ranges from black to white.
@@ -55,32 +54,46 @@ double meanChangeOf(const ColorTable& table) {
 
 } // namespace
 
-bool isPictureFile(const std::string& path) {
-    using namespace std::string_literals;
-    const std::string start = readInput(path, kMagicSize);
-    const auto beginsWith = [&](const std::string& magic) { return start.rfind(magic, 0) == 0; };
-    return beginsWith("\x89PNG\r\n") || beginsWith("\xff\xd8\xff") || beginsWith("II*\0"s) ||
-           beginsWith("MM\0*"s) || (beginsWith("RIFF") && start.find("WEBP") == 8);
+size_t pictureRoot(size_t levelCount) {
+    for (size_t root = 2; root <= kLargestRoot; ++root)
+        if (levelCount == root * root)
+            return root;
+    return 0;
 }
 
-ColorTable tableFromPicture(const Picture& picture, PictureLayout layout) {
-    const size_t root = rootOf(picture);
-    if (root == 0)
+PictureLayout layoutOf(const Picture& picture, PictureLayout layout) {
+    if (rootOf(picture) == 0)
         throw Failure(ExitCode::badInput,
                       "has " + std::to_string(picture.width) + "x" + std::to_string(picture.height) +
                           " pixels; a picture of a look-up table is a square with a side of 8, 27, 64, 125, "
                           "216, 343, 512 or another third power up to 4096");
     if (layout != PictureLayout::automatic)
-        return readAs(layout, picture, root);
-
-    ColorTable lookup = readAs(PictureLayout::lookup, picture, root);
-    ColorTable hald = readAs(PictureLayout::hald, picture, root);
-    const double lookupChange = meanChangeOf(lookup);
-    const double haldChange = meanChangeOf(hald);
+        return layout;
+    const double lookupChange = meanChangeOf(tableFromPicture(picture, PictureLayout::lookup));
+    const double haldChange = meanChangeOf(tableFromPicture(picture, PictureLayout::hald));
     if (std::min(lookupChange, haldChange) > kMaxMeanChange)
         throw Failure(ExitCode::badInput, "does not look like a look-up table but like any other picture; "
                                           "'zebeauty lut bake --layout lookup' (or hald) takes it as it is");
-    return haldChange < lookupChange ? hald : lookup;
+    return haldChange < lookupChange ? PictureLayout::hald : PictureLayout::lookup;
+}
+
+ColorTable tableFromPicture(const Picture& picture, PictureLayout layout) {
+    const size_t root = rootOf(picture);
+    ColorTable table{evenLevels(root * root), true, std::vector<uint8_t>(picture.rgb.size())};
+    forEachEntry(layout, root, [&](size_t entry, size_t pixel) {
+        std::copy_n(picture.rgb.data() + pixel, 3, table.colors.data() + entry);
+    });
+    return table;
+}
+
+Picture pictureOf(const ColorTable& table, PictureLayout layout) {
+    const size_t root = pictureRoot(table.levelCount());
+    const auto side = static_cast<int>(root * root * root);
+    Picture picture(side, side);
+    forEachEntry(layout, root, [&](size_t entry, size_t pixel) {
+        std::copy_n(table.colors.data() + entry, 3, picture.rgb.data() + pixel);
+    });
+    return picture;
 }
 
 } // namespace ze::tool

@@ -5,7 +5,7 @@
 #include "tool/lut/color_table.h"
 #include "tool/pictures/picture.h"
 
-#include <string>
+#include <cstddef>
 
 namespace ze::tool {
 
@@ -17,12 +17,19 @@ enum class PictureLayout {
     hald,      ///< Pixels row by row: red changes fastest, blue slowest.
 };
 
-/// Whether the file `path` begins like a picture: PNG, JPEG, TIFF or WebP. Throws `Failure` (`badInput`) when
-/// it cannot be read.
-bool isPictureFile(const std::string& path);
+/// Which of the two kinds the square `picture` is: `layout` itself unless that is `automatic`. Throws
+/// `Failure`
+/// (`badInput`) when the size fits no table, and for `automatic` when the table would be rough either way, as
+/// it is of a photo.
+PictureLayout layoutOf(const Picture& picture, PictureLayout layout);
 
-/// Returns the table in `picture`, ignoring transparency. Throws `Failure` (`badInput`) when the size fits no
-/// table, and for `automatic` when the table would be rough either way, as it is of a photo.
+/// The table in `picture`, whose size fits one, read as `lookup` or `hald`.
 ColorTable tableFromPicture(const Picture& picture, PictureLayout layout);
+
+/// The picture of a three-dimensional table with t² even levels, t from 2 to 16, as `lookup` or `hald`.
+Picture pictureOf(const ColorTable& table, PictureLayout layout);
+
+/// t for t² levels that a picture can have; 0 for other numbers.
+size_t pictureRoot(size_t levelCount);
 
 } // namespace ze::tool

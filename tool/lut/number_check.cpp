@@ -1,6 +1,9 @@
 #include "tool/lut/number_check.h"
 
+#include "tool/lut/text_blanking.h"
+
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -20,9 +23,16 @@ bool isNumber(const std::string& word) {
            std::abs(value) <= static_cast<double>(std::numeric_limits<float>::max()); // false for NaN
 }
 
+// "1D" and "3D" of .csp and Houdini files, "3DMESH" of Lustre's .3dl.
+bool isKeyword(const std::string& word) {
+    const auto isLetter = [](char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; };
+    return word.size() >= 2 && (word[0] == '1' || word[0] == '3') && (word[1] == 'D' || word[1] == 'd') &&
+           std::all_of(word.begin() + 2, word.end(), isLetter);
+}
+
 // Also true for malformed numbers.
 bool isMeantAsNumber(const std::string& word) {
-    if (word == "1D" || word == "3D") // the kinds of a .csp
+    if (isKeyword(word))
         return false;
     double ignored = 0;
     const char c = *afterSign(word);
@@ -41,13 +51,6 @@ std::string badNumberIn(const std::string& line) {
             bad = word;
     }
     return bad;
-}
-
-void blankOut(std::string& text, size_t from, size_t to) {
-    const auto begin = text.begin();
-    std::replace_if(
-        begin + static_cast<ptrdiff_t>(from), begin + static_cast<ptrdiff_t>(std::min(to, text.size())),
-        [](char c) { return c != '\n'; }, ' ');
 }
 
 // In XML, tables are the content of elements named Array.

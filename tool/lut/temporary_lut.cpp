@@ -4,48 +4,37 @@
 #include "tool/lut/lut_bake.h"
 #include "tool/lut/lut_file.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
+#include <utility>
 
 namespace ze::tool {
 namespace {
 
 ColorTable tableFor(const std::string& path) {
-    if (isLutFile(path)) {
-        ColorTable table = readLutFile(path);
-        if (!table.isThreeDimensional)
+    ColorTransform transform = readTransform(path);
+    if (transform.isLutFile()) {
+        if (!transform.table->isThreeDimensional)
             throw Failure(ExitCode::badInput, path,
                           "is one-dimensional, of which the library draws none; zebeauty lut bake makes a "
                           "three-dimensional table of it");
-        warnOfLevels(path, table);
-        return table;
+        warnOfLevels(path, *transform.table);
+        return *transform.table;
     }
     Clamping clamping;
-    ColorTable table = bakeLut(path, evenLevels(kDefaultLevels), PictureLayout::automatic, clamping);
-    warnOfClamping(path, clamping, table);
+    ColorTable table = bakeLut({std::move(transform)}, evenLevels(kDefaultLevels), clamping);
+    warnOfClamping(path, clamping);
     return table;
+}
+
+MemoryFile lutFileOf(const ColorTable& table) {
+    const std::vector<uint8_t> bytes = lutFileBytes(table);
+    return MemoryFile({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 } // namespace
 
-TemporaryLut::TemporaryLut(const std::string& path) {
-    const ColorTable table = tableFor(path);
-    m_levelCount = static_cast<int>(table.levelCount());
-    const std::vector<uint8_t> bytes = lutFileBytes(table);
-    m_file = memfd_create("zebeauty.lut", MFD_CLOEXEC);
-    if (m_file < 0 || write(m_file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) {
-        const std::string reason = systemReason();
-        close(m_file);
-        throw Failure(ExitCode::failed, path, "no room for its table: " + reason);
-    }
-}
+TemporaryLut::TemporaryLut(const std::string& path) : TemporaryLut(tableFor(path)) {}
 
-TemporaryLut::~TemporaryLut() {
-    close(m_file);
-}
-
-std::string TemporaryLut::path() const {
-    return "/proc/self/fd/" + std::to_string(m_file);
-}
+TemporaryLut::TemporaryLut(const ColorTable& table)
+    : m_levelCount(static_cast<int>(table.levelCount())), m_file(lutFileOf(table)) {}
 
 } // namespace ze::tool

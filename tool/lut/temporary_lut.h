@@ -3,30 +3,30 @@
 #pragma once
 
 #include "tool/lut/color_table.h"
+#include "tool/lut/memory_file.h"
 
 #include <string>
 
 namespace ze::tool {
 
-/// A LUT file in memory, in no directory: it is gone when this object or the process ends, however that
-/// happens.
+/// A LUT file in memory.
 class TemporaryLut {
 public:
     /// From a LUT file, as it is, or anything else that can be baked, with the default levels; a picture in
-    /// whichever layout fits. Warns on standard error of clamped values and of levels that do not rise.
-    /// Throws `Failure`, `badInput` when `path` cannot be read or is a one-dimensional LUT file.
+    /// whichever layout fits, the first of several color corrections. "-" is standard input. Warns on
+    /// standard error of clamped values and of levels that do not rise. Throws `Failure`, `badInput` when
+    /// `path` cannot be read or is a one-dimensional LUT file.
     explicit TemporaryLut(const std::string& path);
-    ~TemporaryLut();
-    TemporaryLut(const TemporaryLut&) = delete;
-    TemporaryLut& operator=(const TemporaryLut&) = delete;
 
     /// The name by which this process can open it.
-    std::string path() const;
+    std::string path() const { return m_file.path(); }
     int levelCount() const { return m_levelCount; }
 
 private:
+    explicit TemporaryLut(const ColorTable& table);
+
     int m_levelCount;
-    int m_file = -1;
+    MemoryFile m_file;
 };
 
 } // namespace ze::tool
