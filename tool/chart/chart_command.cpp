@@ -57,6 +57,7 @@ void addChartCommand(CLI::App& program) {
     const auto options = std::make_shared<ChartOptions>();
     command->add_option("OUTPUT", options->output, "Picture to write")->required();
     command->add_option("--size", options->size, "Width and height in pixels")
+        ->type_name("WIDTHxHEIGHT")
         ->check(checkSize)
         ->capture_default_str();
     options->photo.addOutputOptions(*command);
