@@ -245,6 +245,7 @@ TEST_F(Lut, RefusesWhatIsDamagedWithItsReasonAndWithoutAFile) {
          noTable + "line 2: '0,\\?\\?\\?\xc3\xa4' .*"},
         {"wide.cube", "\xff\xfeL\0U\0"s, "is text in UTF-16; .*"},
         {"empty.cube", "", "is empty"},
+        {"single.3dl", "3DMESH\nMesh 1 12\n0 512 1023\n", noTable + "it has a single entry\\)"},
         {"text.txt", "no table\n", "is neither a look-up table.*nor a picture.*"},
         {"version.lut", version, "is no valid LUT file: wrong version.*"},
         {"short.lut", own.bytes().substr(0, 100), "is no valid LUT file: Failed to read lut data!"},
