@@ -17,9 +17,11 @@ void PhotoOptions::addInputOptions(CLI::App& command) {
 }
 
 void PhotoOptions::addOutputOptions(CLI::App& command) {
-    command.add_option("--as", as,
-                       "Format of the output, by its extension (png, jpg, webp, tif, avif …), whatever its "
-                       "name says");
+    command
+        .add_option("--as", as,
+                    "Format of the output, by its extension (png, jpg, webp, tif, avif …), whatever its "
+                    "name says")
+        ->type_name("EXTENSION");
     command.add_option("--quality", save.quality, "Quality of JPEG, WebP, AVIF and the like")
         ->check(CLI::Range(1, 100));
     command.add_flag("--lossless", save.lossless, "Lose nothing, where the format has the choice");

@@ -11,6 +11,7 @@ namespace {
 using vips::VImage;
 
 constexpr double kWhite = 255;
+constexpr double kUsualResolution = 72 / 25.4; // pixels per millimeter, of pictures that name none
 
 constexpr PhotoFormat kFormats[] = {
     // extension, suffix, quality, losslessness
@@ -41,6 +42,13 @@ vips::VOption* saverOptions(const PhotoFormat& format, const SaveOptions& option
     if (options.lossless && format.hasQuality)
         result->set("lossless", true);
     return result;
+}
+
+// For libvips a picture without a resolution has one pixel per millimeter, which nobody means.
+Photo withResolution(const Photo& photo) {
+    if (photo.xres() != 1 || photo.yres() != 1)
+        return photo;
+    return photo.copy(VImage::option()->set("xres", kUsualResolution)->set("yres", kUsualResolution));
 }
 
 } // namespace
@@ -76,7 +84,7 @@ void checkSaveOptions(const PhotoFormat& format, const SaveOptions& options) {
 std::string encodePhoto(const Photo& photo, const PhotoFormat& format, const SaveOptions& options) {
     try {
         const vips::VTarget target = vips::VTarget::new_to_memory();
-        photo.write_to_target(format.suffix, target, saverOptions(format, options));
+        withResolution(photo).write_to_target(format.suffix, target, saverOptions(format, options));
         VipsBlob* blob = nullptr;
         g_object_get(target.get_target(), "blob", &blob, nullptr);
         size_t size = 0;

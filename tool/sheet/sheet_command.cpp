@@ -112,14 +112,18 @@ void addSheetCommand(CLI::App& program) {
         ->required();
     const auto addAmounts = [&](const char* name, std::vector<std::string>& amounts,
                                 const char* description) {
-        command->add_option(name, amounts, description)->delimiter(',')->check(checkAmount);
+        command->add_option(name, amounts, description)
+            ->delimiter(',')
+            ->check(checkAmount)
+            ->type_name("NUMBERS");
     };
     addAmounts("--smooth", options->smooth,
                "How much to smooth skin, amounts from 0 to 1 with commas between; 0,0.4,0.8 where neither "
                "this nor --lut is named");
     addAmounts("--whiten", options->whiten, "How much to lift the whole picture, likewise; 0,0.2,0.4");
     command->add_option("--lut", options->luts, "Files to grade colors through, with commas between")
-        ->delimiter(',');
+        ->delimiter(',')
+        ->type_name("FILES");
     command->add_option("--tile", options->tileWidth, "Width of a version in pixels; none is enlarged")
         ->check(CLI::Range(kNarrowestTile, kWidestTile))
         ->capture_default_str();
