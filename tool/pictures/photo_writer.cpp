@@ -25,7 +25,8 @@ constexpr PhotoFormat kFormats[] = {
 const VipsOperationClass* saverOf(const PhotoFormat& format) {
     startVips();
     const char* const name = vips_foreign_find_save_target(format.suffix);
-    return name ? VIPS_OPERATION_CLASS(vips_class_find("VipsOperation", name)) : nullptr;
+    return name ? reinterpret_cast<const VipsOperationClass*>(vips_class_find("VipsOperation", name))
+                : nullptr;
 }
 
 bool isWritable(const PhotoFormat& format) {
