@@ -1,6 +1,5 @@
 // Every allocation of every operation fails once: a change then leaves everything as it was, what makes
-// something new gives nothing, and no block is lost. The linker leads the library's calls through the
-// doubles.
+// something new gives nothing, and no block is lost.
 
 #include "core/codecs/text_codec.h"
 #include "core/io/dir.h"
@@ -11,69 +10,14 @@
 #include "log/log_settings.h"
 #include "tests/core/test_file.h"
 #include "tests/core/text.h"
+#include "tests/support/failing_memory.h"
 #include "tests/support/log_capture.h"
 
 #include <gmock/gmock.h>
 
 #include <functional>
-#include <initializer_list>
-#include <new>
 #include <optional>
 #include <string>
-
-namespace {
-
-int g_untilFailure = 0; // allocations up to and with the one that fails; 0: none does
-bool g_failsOn = false; // so do all that follow
-bool g_hasFailed = false;
-bool g_failsNew = false; // so does operator new
-int g_blocks = 0;
-
-bool failsNow() {
-    if (g_untilFailure == 0)
-        return false;
-    --g_untilFailure;
-    if (g_untilFailure > 0)
-        return false;
-    g_untilFailure = g_failsOn ? 1 : 0;
-    g_hasFailed = true;
-    return true;
-}
-
-} // namespace
-
-extern "C" {
-void* __real_malloc(size_t size);
-void* __real_realloc(void* block, size_t size);
-void __real_free(void* block);
-
-void* __wrap_malloc(size_t size) {
-    void* const block = failsNow() ? nullptr : __real_malloc(size);
-    g_blocks += block != nullptr;
-    return block;
-}
-void* __wrap_realloc(void* block, size_t size) {
-    return failsNow() ? nullptr : __real_realloc(block, size);
-}
-void __wrap_free(void* block) {
-    g_blocks -= block != nullptr;
-    __real_free(block);
-}
-}
-
-void* operator new(size_t size, const std::nothrow_t&) noexcept {
-    return g_failsNew && failsNow() ? nullptr : __real_malloc(size);
-}
-void* operator new(size_t size) {
-    void* const block = operator new(size, std::nothrow);
-    return block ? block : throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept {
-    __real_free(block);
-}
-void operator delete(void* block, size_t) noexcept {
-    __real_free(block);
-}
 
 namespace {
 
@@ -89,18 +33,14 @@ int forEachFailure(Attempt attempt) {
         bool hasFailed = false;
         int n = 0;
         do {
-            const int blocks = g_blocks;
+            const int blocks = t_memory.blocks;
             ++n;
+            t_memory.failsOn = failsOn;
             attempt([&](auto work) {
-                g_untilFailure = n;
-                g_failsOn = failsOn;
-                g_hasFailed = false;
-                work();
-                g_untilFailure = 0;
-                hasFailed = g_hasFailed;
+                hasFailed = t_memory.run(n, work);
                 return hasFailed;
             });
-            EXPECT_EQ(g_blocks, blocks) << "with allocation " << n << " failing";
+            EXPECT_EQ(t_memory.blocks, blocks) << "with allocation " << n << " failing";
             failures += hasFailed;
         } while (hasFailed);
     }
@@ -159,7 +99,11 @@ CZeString sample() {
     return text(u"one two three");
 }
 
-TEST(AllocationFailure, LeavesAStringAsItWas) {
+struct AllocationFailure : testing::Test {
+    AllocationFailure() { t_memory.includesNew = false; } // the tests use it for what they compare with
+};
+
+TEST_F(AllocationFailure, LeavesAStringAsItWas) {
     const std::function<void(CZeString&)> changes[] = {
         // clang-format off
         [](auto& s) { s.append(CZeChar('x')); }, [](auto& s) { s.append(s.midRef(4, 3)); },
@@ -184,7 +128,7 @@ TEST(AllocationFailure, LeavesAStringAsItWas) {
     }
 }
 
-TEST(AllocationFailure, LeavesAByteArrayAsItWas) {
+TEST_F(AllocationFailure, LeavesAByteArrayAsItWas) {
     const std::function<void(CZeByteArray&)> changes[] = {
         // clang-format off
         [](auto& b) { b = "a text that is longer than before"; }, [](auto& b) { b = b.constData() + 1; },
@@ -199,7 +143,7 @@ TEST(AllocationFailure, LeavesAByteArrayAsItWas) {
     }
 }
 
-TEST(AllocationFailure, GivesNothingInPlaceOfSomethingNew) {
+TEST_F(AllocationFailure, GivesNothingInPlaceOfSomethingNew) {
     const CZeString s = sample(), pattern = text(u"%1, %1"), wide = text(u"一二三 < é 😀"), num = text(u"-42");
     const CZeByteArray utf8Bytes = wide.toUtf8();
     const CZeLatin1String latin1("two");
@@ -229,7 +173,7 @@ TEST(AllocationFailure, GivesNothingInPlaceOfSomethingNew) {
     // clang-format on
 }
 
-TEST(AllocationFailure, KeepsAListAndADecoder) {
+TEST_F(AllocationFailure, KeepsAListAndADecoder) {
     expectAllOrNothing<CZeStringList>([] { return sample().split(' '); },
                                       [](auto& list) { list.append(CZeString()); });
     CZeTextCodec::State begun;
@@ -244,7 +188,7 @@ TEST(AllocationFailure, KeepsAListAndADecoder) {
     });
 }
 
-TEST(AllocationFailure, IsReportedByCompression) {
+TEST_F(AllocationFailure, IsReportedByCompression) {
     const CZeByteArray bytes(9000, 'x');
     const CZeByteArray packed = ZeCompress(bytes.constData(), bytes.size());
     CZeByteArray understated = packed;
@@ -261,12 +205,9 @@ class FileAllocationFailure : public testing::Test {
 protected:
     FileAllocationFailure() {
         ZeSetLogFilter(0); // whose own failures are not the matter here
-        g_failsNew = true;
+        t_memory.includesNew = true;
     }
-    ~FileAllocationFailure() override {
-        g_failsNew = false;
-        ZeSetLogFilter(3);
-    }
+    ~FileAllocationFailure() override { ZeSetLogFilter(3); }
 
     const TempDirectory directory;
     const std::string path = madeFile(directory / "file", "old");

@@ -1,5 +1,4 @@
-// What goes wrong around the log: no memory, forks, an exit at any time. The linker leads the allocations of
-// this program through the doubles.
+// What goes wrong around the log: no memory, forks, an exit at any time.
 
 #include "core/tools/ze_string.h"
 #include "log/emit.h"
@@ -8,6 +7,7 @@
 #include "log/log_settings.h"
 #include "log/log_stream.h"
 #include "tests/support/becomes_true.h"
+#include "tests/support/failing_memory.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/task_count.h"
 #include "tests/support/temp_directory.h"
@@ -25,56 +25,15 @@
 namespace {
 
 std::atomic<void (*)()> g_whenLoggerIsMade{nullptr}; // called once, by the thread that makes it
-bool g_failsOnce = false;
-thread_local int t_untilFailure = 0; // allocations up to and with the first that fails; 0: none does
-thread_local bool t_hasFailed = false;
-
-bool failsNow() {
-    if (t_untilFailure == 0 || --t_untilFailure > 0)
-        return false;
-    t_untilFailure = g_failsOnce ? 0 : 1;
-    return t_hasFailed = true;
-}
-
-/// Runs `work` with the `n`-th allocation of this thread failing, and unless g_failsOnce all that follow.
-/// Returns whether it made so many.
-bool runWithoutMemory(int n, const std::function<void()>& work) {
-    t_untilFailure = n;
-    t_hasFailed = false;
-    work();
-    t_untilFailure = 0;
-    return t_hasFailed;
-}
 
 } // namespace
 
 extern "C" {
-void* __real_malloc(size_t size);
-void* __real_realloc(void* block, size_t size);
-void* __real__Znwm(size_t size);
 void* __real__ZnwmSt11align_val_t(size_t size, std::align_val_t alignment);
-void* __real__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
-void* __real__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag);
-
-void* __wrap_malloc(size_t size) {
-    return failsNow() ? nullptr : __real_malloc(size);
-}
-void* __wrap_realloc(void* block, size_t size) {
-    return failsNow() ? nullptr : __real_realloc(block, size);
-}
-void* __wrap__Znwm(size_t size) {
-    return failsNow() ? throw std::bad_alloc() : __real__Znwm(size);
-}
 void* __wrap__ZnwmSt11align_val_t(size_t size, std::align_val_t alignment) { // of a FileLogger
     if (const auto call = g_whenLoggerIsMade.exchange(nullptr))
         call();
-    return failsNow() ? throw std::bad_alloc() : __real__ZnwmSt11align_val_t(size, alignment);
-}
-void* __wrap__ZnwmRKSt9nothrow_t(size_t size, const std::nothrow_t& tag) {
-    return failsNow() ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
-}
-void* __wrap__ZnamRKSt9nothrow_t(size_t size, const std::nothrow_t& tag) {
-    return failsNow() ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+    return t_memory.failsNow() ? throw std::bad_alloc() : __real__ZnwmSt11align_val_t(size, alignment);
 }
 }
 
@@ -89,7 +48,7 @@ void expectLineOrNone(const std::function<void()>& call, const std::string& line
     bool hasFailed = true;
     for (int n = 1; hasFailed; ++n) {
         testing::internal::CaptureStderr();
-        hasFailed = runWithoutMemory(n, call);
+        hasFailed = t_memory.run(n, call);
         output = testing::internal::GetCapturedStderr();
         EXPECT_THAT(output, testing::AnyOf("", line, "f(7), g: " + line));
     }
@@ -125,7 +84,7 @@ TEST(LogMemory, HoldsWholeLinesOfAnySize) {
             const std::string line(size, 'x');
             bool isAdded = false;
             for (int n = 1; !isAdded; ++n)
-                runWithoutMemory(n, [&] { isAdded = pending.append("[at] ", line); });
+                t_memory.run(n, [&] { isAdded = pending.append("[at] ", line); });
             expected += "[at] " + line + "\n";
         }
         EXPECT_TRUE(text() == expected);
@@ -142,11 +101,11 @@ TEST(LogMemory, IsNeededToOpenTheRightFile) {
     ze::LogLines lines;
     lines.append("", "line");
     __android_log_set_logger([](const __android_logger_data*, const char*) {}); // needs no memory itself
-    g_failsOnce = true; // the pieces of the path behind a missing one get their memory
+    t_memory.failsOn = false; // the pieces of the path behind a missing one get their memory
     bool hasFailed = true;
     for (int n = 1; hasFailed; ++n)
-        hasFailed = runWithoutMemory(n, [&] { file.write(lines, ze::LogTime(n * ze::kRetryPause), {}); });
-    g_failsOnce = false;
+        hasFailed = t_memory.run(n, [&] { file.write(lines, ze::LogTime(n * ze::kRetryPause), {}); });
+    t_memory.failsOn = true;
     __android_log_set_logger(__android_log_stderr_logger);
     file.close();
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory.path()), {}), 1);
@@ -220,7 +179,7 @@ TEST(FileSink, TakesWhatIsMeantForItAndIsOffInAForkedChild) {
         if (child == 0) {
             alarm(20);
             ze::setLogRootDirectory(CZeString());
-            std::exit(runWithoutMemory(1, [&] { ze::writeToFile(longLine.c_str()); }));
+            std::exit(t_memory.run(1, [&] { ze::writeToFile(longLine.c_str()); }));
         }
         logging.join();
         int status = -1;
