@@ -1,9 +1,19 @@
-// Any text as a whole number, against strtoll and its like on what lies between the white space.
+// Any text as a number, against strtoll, strtod and their like on what lies between the white space.
 
 #include "fuzz/fuzz_input.h"
 #include "fuzz/plain_rules.h"
 
 #include <utility>
+
+static void checkReal(const CZeString& text, const std::string& inner) {
+    double real = 0;
+    bool isReal = isNumber(inner, real, std::strtod), ok = !isReal;
+    const auto same = [](auto l, auto r) { return l == r || (std::isnan(l) && std::isnan(r)); };
+    require(same(text.toDouble(&ok), isReal ? real : 0) && ok == isReal);
+    const auto rounded = static_cast<float>(real);
+    isReal = isReal && std::isinf(rounded) == std::isinf(real);
+    require(same(text.toFloat(&ok), isReal ? rounded : 0) && ok == isReal);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzInput input(data, size);
@@ -31,6 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     check(&CZeString::toUInt, wideUnsigned, isUnsigned);
     check(&CZeString::toULong, wideUnsigned, isUnsigned);
     check(&CZeString::toULongLong, wideUnsigned, isUnsigned);
+    checkReal(text, inner);
     if (isWide && base >= 2 && base <= 36)
         require(CZeString::number(static_cast<long>(wide), base).toLongLong(nullptr, base) == wide);
     return 0;

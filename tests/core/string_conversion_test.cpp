@@ -1,4 +1,5 @@
-// Conversions of strings. There is more of UTF-8 in codec_test.cpp, and the fuzz corpora go there and back.
+// Conversions of strings, and their case against ICU. There is more of UTF-8 in codec_test.cpp, and the fuzz
+// corpora go there and back.
 
 #include "tests/core/text.h"
 
@@ -6,20 +7,9 @@
 
 #include <vector>
 
-namespace {
+#include <unicode/uchar.h>
 
-TEST(Utf8, EveryCodePointComesBack) {
-    std::vector<char32_t> all;
-    for (char32_t codePoint = 0; codePoint <= 0x10FFFF; ++codePoint)
-        if (codePoint < 0xD800 || codePoint > 0xDFFF)
-            all.push_back(codePoint);
-    const CZeString string = CZeString::fromUcs4(all.data(), static_cast<int>(all.size()));
-    const CZeByteArray encoded = string.toUtf8();
-    EXPECT_EQ(encoded.size(), 0x80 + 2 * 0x780 + 3 * (0xF800 - 0x800) + 4 * 0x100000);
-    EXPECT_TRUE(CZeString::fromUtf8(encoded) == string);
-    const CZeList<char32_t> back = string.toUcs4();
-    EXPECT_TRUE(std::equal(back.begin(), back.end(), all.begin(), all.end()));
-}
+namespace {
 
 TEST(Ucs4, SubstitutesWhatIsNoCodePoint) {
     const char32_t codePoints[] = {'a', 0xD800, 0xDFFF, 0x10FFFF, 0x110000, 0xFFFFFFFF, 0};
@@ -83,6 +73,51 @@ TEST(Conversion, KeepsNullAndEmptyApart) {
     }
     EXPECT_EQ(CZeString::fromUtf8("abc\0def", 7).size(), 7);
     EXPECT_EQ(CZeString::fromUtf8("abc\0def").size(), 3);
+}
+
+TEST(StringCase, MapsEveryCodePointAsIcuDoes) {
+    for (UChar32 codePoint = 0; codePoint <= 0x10FFFF; ++codePoint) {
+        UVersionInfo age;
+        u_charAge(codePoint, age);
+        // Versions may know letters that others lack; 15 is that of the table.
+        if ((codePoint >= 0xD800 && codePoint <= 0xDFFF) || age[0] == 0 || age[0] > 15)
+            continue;
+        const auto string = [](UChar32 one) {
+            const auto unsignedOne = static_cast<char32_t>(one);
+            return CZeString::fromUcs4(&unsignedOne, 1);
+        };
+        const CZeList<char32_t> back = string(codePoint).toUcs4();
+        ASSERT_EQ(std::u32string(back.begin(), back.end()),
+                  std::u32string(1, static_cast<char32_t>(codePoint)));
+        ASSERT_EQ(string(codePoint).toLower(), string(u_tolower(codePoint))) << codePoint;
+        ASSERT_EQ(string(codePoint).toUpper(), string(u_toupper(codePoint))) << codePoint;
+    }
+}
+
+TEST(StringCase, MapsTextsAndReusesBlocks) {
+    const struct {
+        std::u16string text, lower, upper;
+    } rows[] = {
+        {u"@AZ[`az{ \u00C4\u00DF\u00FF", u"@az[`az{ \u00E4\u00DF\u00FF", u"@AZ[`AZ{ \u00C4\u00DF\u0178"},
+        {u"x\U00010400\U00010428y", u"x\U00010428\U00010428y", u"X\U00010400\U00010400Y"},
+        {{0xD801, 'A', 0xDC00, 0xD801}, {0xD801, 'a', 0xDC00, 0xD801}, {0xD801, 'A', 0xDC00, 0xD801}},
+        {u"\u0130\u01C5", u"i\u01C6", u"\u0130\u01C4"}, // no case of its own beside the title one
+    };
+    for (const auto& row : rows) {
+        const CZeString s = text(row.text);
+        for (const bool isLower : {true, false}) {
+            const CZeString mapped = isLower ? s.toLower() : s.toUpper();
+            CZeString own(s.unicode(), s.size());
+            const void* const block = own.constData();
+            const CZeString moved = isLower ? std::move(own).toLower() : std::move(own).toUpper();
+            EXPECT_EQ(units(mapped), isLower ? row.lower : row.upper);
+            EXPECT_EQ(moved, mapped);
+            EXPECT_EQ(moved.constData(), block);
+            EXPECT_EQ(units(s), row.text);
+            EXPECT_EQ(mapped.constData() == s.constData(), mapped == s);
+        }
+    }
+    EXPECT_TRUE(CZeString().toLower().isNull());
 }
 
 } // namespace

@@ -198,17 +198,6 @@ TEST(String, ComparesWithAndWithoutCase) {
     EXPECT_EQ(empty, null);
 }
 
-/// What the operators ==, !=, <, <=, > and >= say, a letter for each that holds.
-template <class Left, class Right>
-std::string relations(const Left& l, const Right& r) {
-    const bool holds[] = {l == r, l != r, l<r, l <= r, l> r, l >= r};
-    std::string letters;
-    for (size_t i = 0; i < std::size(holds); ++i)
-        if (holds[i])
-            letters += "enlLgG"[i];
-    return letters;
-}
-
 TEST(String, HasEveryOperatorForEveryFormOfText) {
     const CZeString a = text(u"a"), b = text(u"b");
     for (const auto& [l, r, expected] :

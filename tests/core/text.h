@@ -38,3 +38,14 @@ inline std::string shown(const CZeString& string) {
 inline void PrintTo(const CZeString& string, std::ostream* out) {
     *out << '"' << shown(string) << '"';
 }
+
+/// What the operators ==, !=, <, <=, > and >= say, a letter for each that holds.
+template <class Left, class Right>
+std::string relations(const Left& l, const Right& r) {
+    const bool holds[] = {l == r, l != r, l<r, l <= r, l> r, l >= r};
+    std::string letters;
+    for (size_t i = 0; i < std::size(holds); ++i)
+        if (holds[i])
+            letters += "enlLgG"[i];
+    return letters;
+}

@@ -6,7 +6,7 @@
 #include "tests/api/test_frame.h"
 #include "tests/support/gl_fixture.h"
 #include "tests/support/lut_file.h"
-#include "tests/support/task_count.h"
+#include "tests/support/other_threads.h"
 #include "tests/support/temp_directory.h"
 
 #include <limits>

@@ -2,9 +2,8 @@
 // contain the library itself, so each test loads it afresh.
 
 #include "log/log_stream.h"
-#include "tests/support/becomes_true.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/task_count.h"
+#include "tests/support/other_threads.h"
 #include "tests/support/temp_directory.h"
 
 #include <gmock/gmock.h>

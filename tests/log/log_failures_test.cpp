@@ -6,10 +6,9 @@
 #include "log/log_file.h"
 #include "log/log_settings.h"
 #include "log/log_stream.h"
-#include "tests/support/becomes_true.h"
 #include "tests/support/failing_memory.h"
 #include "tests/support/log_capture.h"
-#include "tests/support/task_count.h"
+#include "tests/support/other_threads.h"
 #include "tests/support/temp_directory.h"
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #include "log/file_logger.h"
 #include "log/log_file.h"
-#include "tests/support/becomes_true.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/other_threads.h"
 #include "tests/support/temp_directory.h"
 
 #include <gmock/gmock.h>

@@ -1,8 +1,10 @@
-// Waiting for what another thread does.
+// What other threads do, seen from a test.
 
 #pragma once
 
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
 #include <thread>
 
 /// Whether `condition` holds within 20 seconds.
@@ -13,4 +15,11 @@ bool becomesTrue(const Condition& condition) {
     while (!condition() && std::chrono::steady_clock::now() < end)
         std::this_thread::sleep_for(1ms);
     return condition();
+}
+
+/// How many threads the process has.
+inline std::ptrdiff_t taskCount() {
+    if (std::getenv("ZE_EMULATOR")) // whose threads end a little after they are joined
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
 }
