@@ -1,4 +1,4 @@
-// Search against a plain model, edits, and strings made of others. The fuzz corpora replace by a model.
+// Search and replacement against plain models, edits, and strings made of others.
 
 #include "tests/core/text.h"
 
@@ -59,6 +59,46 @@ TEST(StringSearch, TakesEveryFormOfText) {
     EXPECT_TRUE(s.startsWith(CZeString()));
     EXPECT_TRUE(CZeString().endsWith(CZeStringRef()));
     EXPECT_FALSE(CZeString().startsWith('x'));
+}
+
+/// `all` with `after` in place of every `before`.
+std::u16string replaced(std::u16string all, const std::u16string& before, const std::u16string& after,
+                        Ze::CaseSensitivity cs) {
+    for (size_t at = 0; !before.empty(); at += after.size()) {
+        at = folded(all, cs).find(folded(before, cs), at);
+        if (at == all.npos)
+            break;
+        all.replace(at, before.size(), after);
+    }
+    return all;
+}
+
+TEST(StringReplace, FollowsAPlainModel) {
+    for (const auto& all : allTexts(4)) {
+        const std::u16string own = all.substr(0, 2);
+        for (const auto& before : allTexts(2)) {
+            for (const auto cs : {Ze::CaseSensitive, Ze::CaseInsensitive}) {
+                SCOPED_TRACE(utf8(text(all)) + "|" + utf8(text(before)));
+                for (const std::u16string after : {u"", u"b", u"ab", u"a longer text"})
+                    EXPECT_EQ(units(text(all).replace(text(before), text(after), cs)),
+                              replaced(all, before, after, cs));
+                EXPECT_EQ(units(text(all).remove(text(before), cs)), replaced(all, before, u"", cs));
+                CZeString s = text(all), t = s;
+                EXPECT_EQ(units(s.replace(text(before), s.leftRef(2), cs)), replaced(all, before, own, cs));
+                EXPECT_EQ(units(t.replace(t.leftRef(2), text(before), cs)), replaced(all, own, before, cs));
+            }
+        }
+    }
+    for (int position = -5; position <= 5; ++position) {
+        for (int count = -1; count <= 5; ++count) {
+            const int from = position < 0 ? position + 4 : position;
+            std::u16string expected = u"aAbc";
+            if (from >= 0 && from <= 4)
+                expected.replace(static_cast<size_t>(from), static_cast<size_t>(count), u"xyz");
+            EXPECT_EQ(units(text(u"aAbc").replace(position, count, text(u"xyz"))), expected)
+                << position << count;
+        }
+    }
 }
 
 TEST(StringReplace, TakesCharactersForUnits) {
