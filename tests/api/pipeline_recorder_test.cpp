@@ -53,9 +53,8 @@ Strings drawSizes(int width, int height) {
 TEST_F(Pipeline, TheFirstFrameMakesEverythingAndDrawsInOrder) {
     EXPECT_EQ(gl.calls(), ""); // neither core nor effect touch GL or EGL
     ASSERT_TRUE(render(5, 3, 0, 9, 8));
-    EXPECT_THAT(gl.drawTexts(),
-                ElementsAre("yuvToRgb(luma, chroma) -> input", "blur(input) -> intermediate",
-                            "mix(input, intermediate) -> output", "rgbToYuv(output) -> packed"));
+    EXPECT_THAT(gl.draws, ElementsAre("yuvToRgb(luma, chroma) -> input", "blur(input) -> intermediate",
+                                      "mix(input, intermediate) -> output", "rgbToYuv(output) -> packed"));
     EXPECT_EQ(core->staging->pitches[0], 12);
     EXPECT_EQ(g_staging.alignment, 64u);
     EXPECT_EQ(g_staging.size, 36u);
@@ -102,7 +101,7 @@ TEST_F(Pipeline, ANewSizeOrFormatRebuildsTheFrameTexturesAndOnlyThose) {
         for (const char* function : {"glGenTextures", "glDeleteTextures"})
             EXPECT_EQ(std::ranges::count(gl.calls({function}), '\n'), f.newTextures) << f.width << f.height;
         EXPECT_EQ(std::ranges::count(gl.calls({"glGenFramebuffers"}), '\n'), f.newFramebuffers);
-        EXPECT_EQ(gl.drawTexts(&GlRecorder::Draw::sizes), drawSizes(f.width, f.height));
+        EXPECT_EQ(gl.drawSizes, drawSizes(f.width, f.height));
     }
     EXPECT_THAT(log.texts(), ElementsAre("Failed to create fbo!"));
 }
@@ -119,12 +118,12 @@ TEST(EffectChain, TheLastPlaceIsCountedAmongAllEntriesActiveOrNot) {
         RecordedHost host(entries);
         ASSERT_TRUE(host.render());
         std::string steps;
-        for (const std::string& draw : host.gl.drawTexts())
+        for (const std::string& draw : host.gl.draws)
             if (draw.starts_with("mix(")) // its blur drew from the same source just before
                 steps += draw.substr(4, draw.find(',') - 4) + '>' + draw.substr(draw.find("> ") + 2) + ' ';
         EXPECT_EQ(steps, expected) << entries;
         // Whatever the last complete frame has left there.
-        EXPECT_EQ(host.gl.drawTexts().back(), "rgbToYuv(output) -> packed");
+        EXPECT_EQ(host.gl.draws.back(), "rgbToYuv(output) -> packed");
     }
 }
 
@@ -162,8 +161,7 @@ TEST(EffectChain, ALutEffectIsDrawnFromAThousandthOnAndFailsNoFrame) {
     EXPECT_THAT(host.log.texts(),
                 ElementsAre("Lut path is already setted.", "Failed to open lut file /no such f\u00efle",
                             "failed to read lut file"));
-    EXPECT_THAT(host.gl.drawTexts(),
-                ElementsAre("yuvToRgb(luma, chroma) -> input", "rgbToYuv(output) -> packed"));
+    EXPECT_THAT(host.gl.draws, ElementsAre("yuvToRgb(luma, chroma) -> input", "rgbToYuv(output) -> packed"));
 }
 
 TEST_F(Pipeline, HandsBackTheFrameBufferThatWasBoundAndThenTheContext) {
@@ -238,7 +236,7 @@ TEST(Failure, OfARebuildIsMadeUpForWhateverSizeComesNext) {
                             ElementsAre(missing == 0 ? "buffer is null" : "GL error: 0x1285"));
                 EXPECT_THAT(host.gl.draws, IsEmpty());
                 EXPECT_TRUE(host.render(width, height));
-                EXPECT_EQ(host.gl.drawTexts(&GlRecorder::Draw::sizes), drawSizes(width, height));
+                EXPECT_EQ(host.gl.drawSizes, drawSizes(width, height));
             }
 }
 
@@ -259,7 +257,7 @@ TEST(Failure, OfAnyCallIsReportedOnceAndTheFrameGoesOn) {
                                               "^GL error: 0x1282$|^Failed to .* shader|^gl.* failed!")));
             host.gl.clear();
             EXPECT_TRUE(host.render());
-            EXPECT_EQ(host.gl.drawTexts(&GlRecorder::Draw::sizes), drawSizes(5, 3));
+            EXPECT_EQ(host.gl.drawSizes, drawSizes(5, 3));
             EXPECT_EQ(host.gl.target().label, "-");
         }
 }

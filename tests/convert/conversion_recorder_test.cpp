@@ -78,7 +78,7 @@ TEST_F(Conversion, MakesItsTexturesOnceAndLeavesNothingBoundOrEnabled) {
         disable posAttr; disable texCoordAttr; attach 0
         bind packed; nearest; clamp; attach packed
         glReadPixels(0, 0, 3, 3, GL_RGBA, GL_UNSIGNED_BYTE); check; attach 0)"));
-    EXPECT_THAT(gl.drawTexts(), ElementsAre("yuvToRgb(luma, chroma) -> frame", "rgbToYuv(frame) -> packed"));
+    EXPECT_THAT(gl.draws, ElementsAre("yuvToRgb(luma, chroma) -> frame", "rgbToYuv(frame) -> packed"));
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 

@@ -82,8 +82,7 @@ TEST_F(Beauty, BuildsBothProgramsAndItsTextureOnceAndBlursTwice) {
         point posAttr 24; point texCoordAttr 24; point blurTexCoordAttr 24; check
         enable posAttr; enable texCoordAttr; enable blurTexCoordAttr; check; draw; check
         disable posAttr; disable texCoordAttr; disable blurTexCoordAttr; attach 0)"));
-    EXPECT_THAT(gl.drawTexts(),
-                ElementsAre("blur(source) -> intermediate", "mix(source, intermediate) -> target"));
+    EXPECT_THAT(gl.draws, ElementsAre("blur(source) -> intermediate", "mix(source, intermediate) -> target"));
     EXPECT_THAT(gl.uniform("blur", "blurTexelSampleStep"), ElementsAre(1.0f / 240, 0));
     EXPECT_THAT(gl.uniform("mix", "blurTexelSampleStep"), ElementsAre(0, 1.0f / 240));
 }
@@ -103,7 +102,7 @@ TEST_F(Beauty, ReplacesItsTextureForANewSizeTryingTwiceAndAgainInTheNextFrame) {
             EXPECT_EQ(gl.draws.size(), refusals == 1 ? 2u : 0u);
             gl.clear();
             ASSERT_TRUE(render(next));
-            EXPECT_THAT(gl.draws[0].sizes, testing::EndsWith(next.width == 5 ? "-> 5x3" : "-> 720x1280"));
+            EXPECT_THAT(gl.drawSizes[0], testing::EndsWith(next.width == 5 ? "-> 5x3" : "-> 720x1280"));
         }
     effect.emplace();
     gl.clear();

@@ -66,7 +66,7 @@ TEST_F(Lut, LoadsItsTableBuildsOneProgramAndKeepsThem) {
         unit 1; bind lut; check; linear; unit 0; bind source; check; nearest
         point posAttr 16; point texCoordAttr 16; enable posAttr; enable texCoordAttr; draw; check
         disable posAttr; disable texCoordAttr; attach 0)"));
-    EXPECT_THAT(gl.drawTexts(), ElementsAre("lutRatio(source, lut) -> target"));
+    EXPECT_THAT(gl.draws, ElementsAre("lutRatio(source, lut) -> target"));
 }
 
 TEST_F(Lut, DeletesItsTextureAndTheProgramThatItsLevelsAskFor) {

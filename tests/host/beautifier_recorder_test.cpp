@@ -96,7 +96,7 @@ TEST_F(HostRecorderTest, DrawsActiveEffectsAloneAndFreesAllThatItMade) {
         beautifier.set({0.5f, 0, "no such file", 0});
         m_gl.clear();
         EXPECT_EQ(process(beautifier), std::nullopt);
-        EXPECT_THAT(m_gl.drawTexts(), Contains("mix(input, intermediate) -> output"));
+        EXPECT_THAT(m_gl.draws, Contains("mix(input, intermediate) -> output"));
         EXPECT_EQ(m_gl.calls({"eglReleaseThread"}), "");
     }
     EXPECT_EQ(m_gl.liveObjects(), "program mix, program rgbToYuv") << "these two go with the context";

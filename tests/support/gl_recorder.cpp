@@ -23,6 +23,7 @@ void GlRecorder::clear() {
     failures.clear();
     lines.clear();
     draws.clear();
+    drawSizes.clear();
 }
 
 std::string GlRecorder::calls(std::initializer_list<std::string_view> functions) const {
@@ -35,13 +36,6 @@ std::string GlRecorder::calls(std::initializer_list<std::string_view> functions)
 
 int GlRecorder::glCallCount() const {
     return static_cast<int>(std::ranges::count_if(lines, isCounted));
-}
-
-std::vector<std::string> GlRecorder::drawTexts(std::string Draw::*form) const {
-    std::vector<std::string> texts;
-    for (const Draw& draw : draws)
-        texts.push_back(draw.*form);
-    return texts;
 }
 
 std::string GlRecorder::currentContext() const {
@@ -132,11 +126,6 @@ GLuint RecordedCall::create(const std::string& kind, const std::string& label) c
 void RecordedCall::destroy(GLuint name) const {
     gl.objects.erase(name);
     std::ranges::replace(gl.units, name, 0u);
-}
-
-void RecordedCall::setUniform(GLint location, const GLfloat* values, int count) const {
-    const auto& [program, name] = gl.locations.at(static_cast<size_t>(location));
-    gl.objects[program].uniforms[name].assign(values, values + count);
 }
 
 void RecordedCall::expectTarget() const {

@@ -33,11 +33,6 @@ struct GlRecorder {
         std::string label;
         bool isDestroyed = false;
     };
-    /// The textures that a program read, in the order of units, and the one that it drew into.
-    struct Draw {
-        std::string text;  ///< "mix(input, intermediate) -> output"
-        std::string sizes; ///< "mix(5x3, 5x3) -> 5x3"
-    };
     struct Failure {
         std::string function;
         int countdown;
@@ -67,7 +62,6 @@ struct GlRecorder {
     /// programs as "yuvToRgb", "rgbToYuv", "blur", "mix", "lutRatio" and "lutMapped", after their uniforms.
     std::string calls(std::initializer_list<std::string_view> functions = {}) const;
     int glCallCount() const; ///< calls that `raise` counts for ""
-    std::vector<std::string> drawTexts(std::string Draw::*form = &Draw::text) const;
     /// Forgets calls, draws and what was to fail. The state stays.
     void clear();
     /// The current context and surfaces: "hostContext hostDraw hostRead".
@@ -90,7 +84,9 @@ struct GlRecorder {
 
     // What has happened. One set of GL objects serves all contexts.
     std::vector<std::string> lines;
-    std::vector<Draw> draws;
+    /// The textures that a program read, in the order of units, and the one that it drew into:
+    /// "mix(input, intermediate) -> output", and with their sizes "mix(5x3, 5x3) -> 5x3".
+    std::vector<std::string> draws, drawSizes;
     std::vector<Failure> failures;
     std::list<std::string> textureLabels;
     std::list<EglObject> eglObjects;
@@ -136,7 +132,6 @@ struct RecordedCall {
     /// A name for a new object, or 0 when the call is refused.
     GLuint create(const std::string& kind, const std::string& label) const;
     void destroy(GLuint name) const;
-    void setUniform(GLint location, const GLfloat* values, int count) const;
     /// Fails the test where nothing is attached to be drawn to.
     void expectTarget() const;
 

@@ -27,8 +27,13 @@ GLint locate(const char* function, GLuint program, const char* name) {
     return static_cast<GLint>(locations.size()) - 1;
 }
 
-void setUniform(const char* function, GLint location, int count, const GLfloat* values, int size) {
-    Call(function, Variable{location}, count).setUniform(location, values, size * count);
+void setUniform(const Call& call, GLint location, const GLfloat* values, int count) {
+    const auto& [program, name] = call.gl.locations.at(static_cast<size_t>(location));
+    call.gl.objects[program].uniforms[name].assign(values, values + count);
+}
+
+void setUniforms(const char* function, GLint location, int count, const GLfloat* values, int size) {
+    setUniform(Call(function, Variable{location}, count), location, values, size * count);
 }
 
 void copyLog(const char* function, GLuint name, GLsizei size, char* text) {
@@ -48,7 +53,8 @@ void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
             text += (text.empty() ? "" : ", ") + gl.find(gl.units.at(static_cast<size_t>(unit))).*property;
         return program.label + '(' + text + ") -> " + gl.target().*property;
     };
-    gl.draws.push_back({show(&GlRecorder::Object::label), show(&GlRecorder::Object::size)});
+    gl.draws.push_back(show(&GlRecorder::Object::label));
+    gl.drawSizes.push_back(show(&GlRecorder::Object::size));
 }
 
 void glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels) {
@@ -135,17 +141,17 @@ void glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y, GLsizei width
                      GLenum format, GLenum type, const void*) {
     Call(__func__, Enum{target}, level, x, y, width, height, Enum{format}, Enum{type});
 }
-void glUniform1f(GLint at, GLfloat value) { Call(__func__, Variable{at}, value).setUniform(at, &value, 1); }
-void glUniform1fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 1); }
+void glUniform1f(GLint at, GLfloat value) { setUniform(Call(__func__, Variable{at}, value), at, &value, 1); }
+void glUniform1fv(GLint at, GLsizei n, const GLfloat* v) { setUniforms(__func__, at, n, v, 1); }
 void glUniform1i(GLint at, GLint value) {
     const Call call(__func__, Variable{at}, value);
     call.gl.objects[call.gl.program].samplers.insert(value);
 }
-void glUniform2fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 2); }
-void glUniform3fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 3); }
-void glUniform4fv(GLint at, GLsizei n, const GLfloat* v) { setUniform(__func__, at, n, v, 4); }
+void glUniform2fv(GLint at, GLsizei n, const GLfloat* v) { setUniforms(__func__, at, n, v, 2); }
+void glUniform3fv(GLint at, GLsizei n, const GLfloat* v) { setUniforms(__func__, at, n, v, 3); }
+void glUniform4fv(GLint at, GLsizei n, const GLfloat* v) { setUniforms(__func__, at, n, v, 4); }
 void glUniformMatrix3fv(GLint at, GLsizei count, GLboolean transpose, const GLfloat* values) {
-    Call(__func__, Variable{at}, count, Enum{transpose}).setUniform(at, values, 9 * count);
+    setUniform(Call(__func__, Variable{at}, count, Enum{transpose}), at, values, 9 * count);
 }
 void glUseProgram(GLuint name) { Call(__func__, Name{name}).gl.program = name; }
 void glVertexAttribPointer(GLuint at, GLint size, GLenum type, GLboolean normalized, GLsizei stride,
