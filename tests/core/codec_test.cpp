@@ -1,4 +1,4 @@
-// Text codecs by name and number, and UTF-8 against ICU. A fuzz corpus has longer texts in pieces.
+// Text codecs by name and number, and UTF-8 against ICU.
 
 #include "core/codecs/text_codec.h"
 #include "core/codecs/utf8_encoder.h"
@@ -98,7 +98,8 @@ TEST(Utf8, EveryKindOfSequenceDecodesAsByIcuInAnyTwoPieces) {
 
 TEST(Utf8, LongTextsConvertAsByIcu) {
     // clang-format off
-    const std::string runs[] = {"a\x7F", "plain text of more than thirty-two bytes, ", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80",
+    const std::string runs[] = {"a\x7F", "plain text of more than thirty-two bytes, ", "\xC2\x80", "\xDF\xBF",
+                                "\xE0\xA0\x80",
                                 "\xE4\xB8\xAD", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF",
                                 "\xEF\xBB\xBF", "\xED\xA0\x80", "\xC0", "\xE0\x9F", "\xF4\x90",
                                 "\xF0\x9F\x98", "\x80", "\xFF"};
@@ -118,6 +119,15 @@ TEST(Utf8, LongTextsConvertAsByIcu) {
         const std::u16string expected = decodedByIcu(input);
         ASSERT_EQ(whole, text(expected)) << round;
         ASSERT_EQ(*whole.end(), CZeChar());
+        CZeTextCodec::State state;
+        CZeString inPieces;
+        for (size_t at = 0; at < input.size();) {
+            const std::string next = input.substr(at, 1 + below(40));
+            const std::vector<char> piece(next.begin(), next.end()); // of exactly that size
+            inPieces += CZeTextCodec::decode(106, piece.data(), static_cast<int>(piece.size()), &state);
+            at += piece.size();
+        }
+        ASSERT_EQ(inPieces + CZeTextCodec::finish(state), whole) << round;
 
         const CZeString string = text(units);
         ASSERT_EQ(bytes(string.toUtf8()), encodedByIcu(units)) << round;
