@@ -24,25 +24,20 @@ float above(float value) {
 TEST(LutTables, LevelsAreUniformWithinA512thAtTheEndsAndBetweenTheSteps) {
     const float moved = 0.5f + kTolerance / 2; // one step longer, the other shorter by as much
     const float beyond = above(kTolerance);
-    for (const Levels& levels : {evenLevels(65),
-                                 {0, moved, 1},
-                                 {kTolerance, 1},
-                                 {-kTolerance, 1},
-                                 {0, 1 - kTolerance},
-                                 {0, 1 + kTolerance}})
+    const Levels uniform[] = {
+        // clang-format off
+        evenLevels(65), {0, moved, 1}, {kTolerance, 1}, {-kTolerance, 1}, {0, 1 - kTolerance}, {0, 1 + kTolerance},
+        // clang-format on
+    };
+    const Levels others[] = {
+        // clang-format off
+        {0, above(moved), 1}, {0, 1 - above(moved), 1}, {beyond, 1}, {-beyond, 1}, {0, above(1 + kTolerance)},
+        {0, std::nextafter(1 - kTolerance, 0.0f)}, {0}, {1}, {1, 0}, {kNan, 1}, {0, kNan}, {0, kNan, 1},
+        // clang-format on
+    };
+    for (const Levels& levels : uniform)
         EXPECT_TRUE(hasUniformLevels(levels)) << testing::PrintToString(levels);
-    for (const Levels& levels : {Levels{0, above(moved), 1},
-                                 {0, 1 - above(moved), 1},
-                                 {beyond, 1},
-                                 {-beyond, 1},
-                                 {0, above(1 + kTolerance)},
-                                 {0, std::nextafter(1 - kTolerance, 0.0f)},
-                                 {0},
-                                 {1},
-                                 {1, 0},
-                                 {kNan, 1},
-                                 {0, kNan},
-                                 {0, kNan, 1}})
+    for (const Levels& levels : others)
         EXPECT_FALSE(hasUniformLevels(levels)) << testing::PrintToString(levels);
 }
 

@@ -85,12 +85,6 @@ TEST_F(EglContext, IsMadeCurrentOnlyWhereItIsNot) {
         EXPECT_TRUE(makeContextCurrent(record));
         EXPECT_EQ(egl.calls({"eglMakeCurrent"}).empty(), draw == read);
     }
-    egl.makeHostContextCurrent();
-    egl.refuse("eglMakeCurrent", 1, EGL_BAD_ACCESS);
-    EXPECT_FALSE(makeContextCurrent(record));
-    EXPECT_TRUE(makeContextCurrent(record));
-    EXPECT_EQ(egl.currentContext(), "coreContext coreSurface coreSurface");
-    EXPECT_THAT(log.texts(), IsEmpty());
 }
 
 TEST_F(EglContext, SnapshotsKeepTheDrawSurfaceForBothAndNothingOfTheRecordTheyAreMadeIn) {
