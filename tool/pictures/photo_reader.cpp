@@ -85,7 +85,14 @@ void open(const std::string& bytes, EncodedPhoto& photo) {
     }
 }
 
-Failure unreadable(const vips::VError& error) {
+bool isTiff(const std::string& bytes) {
+    return bytes.compare(0, 4, "II*\0", 4) == 0 || bytes.compare(0, 4, "MM\0*", 4) == 0;
+}
+
+Failure unreadable(const std::string& bytes, const vips::VError& error) {
+    // A TIFF that lost its end, where its directory is, passes for nothing that libvips itself reads.
+    if (isAboutBlockedFormat(error) && isTiff(bytes))
+        return {ExitCode::badInput, "is no valid picture (a TIFF that is damaged or cut short)"};
     const std::string reason = vipsReason(error);
     const auto says = [&](const char* text) { return reason.find(text) != reason.npos; };
     if (isAboutBlockedFormat(error))
@@ -184,7 +191,7 @@ Photo decodePhoto(const std::string& name, const std::string& bytes, ColorProfil
         tellOfMorePages(name, photo.image);
         return upright(inRgb(photo.image, profiles).copy_memory());
     } catch (const vips::VError& error) {
-        throw unreadable(error);
+        throw unreadable(bytes, error);
     }
 }
 
