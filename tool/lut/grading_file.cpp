@@ -6,7 +6,7 @@
 #include "tool/lut/grading_description.h"
 #include "tool/lut/grading_log.h"
 #include "tool/lut/grading_reason.h"
-#include "tool/lut/memory_file.h"
+#include "tool/files/memory_file.h"
 #include "tool/lut/number_check.h"
 
 #include <OpenColorIO/OpenColorIO.h>

@@ -5,7 +5,7 @@
 #include "host/library_log.h"
 #include "tool/errors.h"
 #include "tool/files/file_name.h"
-#include "tool/lut/memory_file.h"
+#include "tool/files/memory_file.h"
 
 #include <algorithm>
 #include <bit>

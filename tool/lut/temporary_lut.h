@@ -3,7 +3,7 @@
 #pragma once
 
 #include "tool/lut/color_table.h"
-#include "tool/lut/memory_file.h"
+#include "tool/files/memory_file.h"
 
 #include <string>
 
@@ -18,13 +18,13 @@ public:
     /// `path` cannot be read or is a one-dimensional LUT file.
     explicit TemporaryLut(const std::string& path);
 
+    explicit TemporaryLut(const ColorTable& table);
+
     /// The name by which this process can open it.
     std::string path() const { return m_file.path(); }
     int levelCount() const { return m_levelCount; }
 
 private:
-    explicit TemporaryLut(const ColorTable& table);
-
     int m_levelCount;
     MemoryFile m_file;
 };

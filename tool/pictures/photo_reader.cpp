@@ -2,13 +2,11 @@
 
 #include "tool/errors.h"
 #include "tool/files/input_file.h"
+#include "tool/files/memory_file.h"
 #include "tool/pictures/vips.h"
 
 #include <algorithm>
 #include <cstring>
-
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace ze::tool {
 namespace {
@@ -28,34 +26,10 @@ vips::VOption* loadOptions() {
     return VImage::option()->set("fail_on", VIPS_FAIL_ON_ERROR)->set("access", VIPS_ACCESS_SEQUENTIAL);
 }
 
-// A file in memory for the loaders that read nothing else.
-class MemoryFile {
-public:
-    explicit MemoryFile(const std::string& bytes) : m_file(memfd_create("zebeauty", MFD_CLOEXEC)) {
-        size_t done = 0;
-        for (ssize_t count = 1;
-             m_file >= 0 && count > 0 && done<bytes.size(); done += count> 0 ? static_cast<size_t>(count) : 0)
-            count = write(m_file, bytes.data() + done, bytes.size() - done);
-        if (m_file >= 0 && done == bytes.size())
-            return;
-        const std::string reason = systemReason();
-        close(m_file);
-        throw Failure(ExitCode::failed, "no memory for its bytes: " + reason);
-    }
-    ~MemoryFile() { close(m_file); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
-
-    std::string path() const { return "/proc/self/fd/" + std::to_string(m_file); }
-
-private:
-    int m_file;
-};
-
 // A picture whose pixels are still to be decoded, and what they are decoded from.
 struct EncodedPhoto {
     std::optional<vips::VSource> source;
-    std::optional<MemoryFile> file;
+    std::optional<MemoryFile> file; // for loaders that read nothing else
     VImage image;
 };
 

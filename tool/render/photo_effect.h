@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "tool/lut/temporary_lut.h"
 #include "tool/pictures/photo.h"
 #include "tool/render/render_session.h"
 
@@ -44,6 +45,7 @@ private:
     zebeauty::Settings m_settings;
     YuvDescription m_description;
     Detail m_detail;
+    TemporaryLut m_identity; ///< For neutral frames.
     RenderSession m_session;
 };
 

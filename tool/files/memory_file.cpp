@@ -1,4 +1,4 @@
-#include "tool/lut/memory_file.h"
+#include "tool/files/memory_file.h"
 
 #include "tool/errors.h"
 
