@@ -2,11 +2,11 @@
 
 #include "tool/errors.h"
 #include "tool/files/file_name.h"
+#include "tool/files/memory_file.h"
 #include "tool/lut/correction_file.h"
 #include "tool/lut/grading_description.h"
 #include "tool/lut/grading_log.h"
 #include "tool/lut/grading_reason.h"
-#include "tool/files/memory_file.h"
 #include "tool/lut/number_check.h"
 
 #include <OpenColorIO/OpenColorIO.h>

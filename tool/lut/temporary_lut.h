@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include "tool/lut/color_table.h"
 #include "tool/files/memory_file.h"
+#include "tool/lut/color_table.h"
 
 #include <string>
 
