@@ -131,6 +131,18 @@ TEST_F(PhotoFiles, KeepWhatBelongsToThem) {
     EXPECT_EQ(told(tags + "bare.png"), "-\n-\n-\n-\n-\n-\n-\n");
 }
 
+TEST_F(PhotoFiles, LieOnWhiteWhereAFormatHasNoTransparency) {
+    for (const char* depth : {"8", "16"}) {
+        ASSERT_TRUE(make("convert -size 20x20 xc:none -define png:color-type=6 -define png:bit-depth="s +
+                         depth + " clear.png"));
+        for (const char* name : {"clear.jpg", "clear.ppm"}) {
+            ASSERT_EQ(run("render -y clear.png "s + name), 0) << errorText();
+            EXPECT_EQ(told("convert "s + name + " -format '%[mean] %[max]' info:"), "65535 65535")
+                << name << depth;
+        }
+    }
+}
+
 TEST_F(PhotoFiles, KeepWhatTheEffectLeavesAlone) {
     write("chart.png", drawChart(96, 64, ChartNoise::speckled));
     ASSERT_TRUE(make("convert chart.png -alpha set -channel A -evaluate set 40% in8.png && "

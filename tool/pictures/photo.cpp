@@ -54,6 +54,10 @@ bool isDeep(const Photo& photo) {
     return photo.format() == VIPS_FORMAT_USHORT;
 }
 
+double whiteOf(const Photo& photo) {
+    return isDeep(photo) ? 65535 : 255;
+}
+
 Picture pixelsOf(const Photo& photo) {
     VImage colors = colorsOf(photo);
     if (isDeep(photo))

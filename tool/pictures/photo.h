@@ -15,6 +15,9 @@ using Photo = vips::VImage;
 /// Whether the channels of `photo` have 16 bits.
 bool isDeep(const Photo& photo);
 
+/// The value of a channel of `photo` that is white, or opaque.
+double whiteOf(const Photo& photo);
+
 /// The opaque colors of `photo`; channels of 16 bits are rounded to 8.
 Picture pixelsOf(const Photo& photo);
 

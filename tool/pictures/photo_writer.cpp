@@ -10,7 +10,6 @@ namespace {
 
 using vips::VImage;
 
-constexpr double kWhite = 255;
 constexpr double kUsualResolution = 72 / 25.4; // pixels per millimeter, of pictures that name none
 
 constexpr PhotoFormat kFormats[] = {
@@ -34,8 +33,9 @@ bool isWritable(const PhotoFormat& format) {
     return saver && (saver->flags & VIPS_OPERATION_BLOCKED) == 0;
 }
 
-vips::VOption* saverOptions(const PhotoFormat& format, const SaveOptions& options) {
-    vips::VOption* const result = VImage::option()->set("background", kWhite)->set("strip", options.strip);
+vips::VOption* saverOptions(const Photo& photo, const PhotoFormat& format, const SaveOptions& options) {
+    vips::VOption* const result =
+        VImage::option()->set("background", whiteOf(photo))->set("strip", options.strip);
     if (std::string_view(format.extension) == ".avif")
         result->set("compression", VIPS_FOREIGN_HEIF_COMPRESSION_AV1);
     if (options.quality)
@@ -85,7 +85,7 @@ void checkSaveOptions(const PhotoFormat& format, const SaveOptions& options) {
 std::string encodePhoto(const Photo& photo, const PhotoFormat& format, const SaveOptions& options) {
     try {
         const vips::VTarget target = vips::VTarget::new_to_memory();
-        withResolution(photo).write_to_target(format.suffix, target, saverOptions(format, options));
+        withResolution(photo).write_to_target(format.suffix, target, saverOptions(photo, format, options));
         VipsBlob* blob = nullptr;
         g_object_get(target.get_target(), "blob", &blob, nullptr);
         size_t size = 0;

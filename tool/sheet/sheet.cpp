@@ -43,7 +43,7 @@ VImage scaledDown(const Photo& photo, int width) {
     VImage pixels = photo.thumbnail_image(
         width, VImage::option()->set("height", VIPS_MAX_COORD)->set("size", VIPS_SIZE_DOWN));
     if (pixels.has_alpha())
-        pixels = pixels.flatten(VImage::option()->set("background", kWhite));
+        pixels = pixels.flatten(VImage::option()->set("background", whiteOf(pixels)));
     return photoOf(pixelsOf(pixels));
 }
 
