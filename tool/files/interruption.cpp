@@ -41,6 +41,10 @@ void prepareForInterruptions() {
     }
 }
 
+int waitingSignal() {
+    return g_signal;
+}
+
 InterruptionHold::InterruptionHold() {
     int holds = g_holds;
     while (holds == kEnding || !g_holds.compare_exchange_weak(holds, holds + 1))

@@ -9,6 +9,10 @@ namespace ze::tool {
 /// are other threads.
 void prepareForInterruptions();
 
+/// The signal that waits for the end of the holds, for long work to stop early; 0 for none. Any thread may
+/// call.
+int waitingSignal();
+
 /// While one of these lives, on whichever thread, no such signal ends the program.
 class InterruptionHold {
 public:
