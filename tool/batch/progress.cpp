@@ -1,5 +1,6 @@
 #include "tool/batch/progress.h"
 
+#include "tool/clock_text.h"
 #include "tool/errors.h"
 #include "tool/status_line.h"
 
@@ -11,12 +12,6 @@ namespace ze::tool {
 namespace {
 
 constexpr size_t kLongestName = 40; // so that the line fits terminals
-
-std::string clockText(std::chrono::seconds time) {
-    const auto seconds = time.count();
-    const std::string rest = std::to_string(seconds % 60);
-    return std::to_string(seconds / 60) + (rest.size() < 2 ? ":0" : ":") + rest;
-}
 
 } // namespace
 

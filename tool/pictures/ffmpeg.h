@@ -6,6 +6,8 @@
 #include <new>
 
 extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
 #include <libavutil/frame.h>
 #include <libswscale/swscale.h>
 }
@@ -14,6 +16,8 @@ namespace ze::tool {
 
 struct FfmpegDeleter {
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
+    void operator()(AVPacket* packet) const { av_packet_free(&packet); }
+    void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };
 

@@ -7,6 +7,8 @@
 #include "tool/pictures/photo_options.h"
 #include "tool/render/photo_effect.h"
 #include "tool/render/texture_limit.h"
+#include "tool/video/clip_options.h"
+#include "tool/video/clip_run.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -32,6 +34,7 @@ struct RenderOptions {
     std::string standard = "bt601";
     std::string range = "full";
     PhotoOptions photo;
+    ClipOptions clip;
 
     YuvDescription description() const {
         return {format == "nv21" ? ChromaOrder::nv21 : ChromaOrder::nv12,
@@ -71,7 +74,7 @@ struct Effects {
     explicit Effects(const RenderOptions& options) {
         if (!options.lut.empty())
             lut.emplace(options.lut);
-        const zebeauty::Settings settings = options.settings(lut);
+        settings = options.settings(lut);
         if (lut && settings.isActive())
             withFileInError(options.lut, [this] {
                 checkTextureSize(lut->levelCount() * lut->levelCount(), lut->levelCount(),
@@ -81,19 +84,35 @@ struct Effects {
     }
 
     std::optional<TemporaryLut> lut;
+    zebeauty::Settings settings;
     std::optional<PhotoEffect> photo;
 };
 
-void checkOutputs(const RenderOptions& options, const std::string& output) {
-    options.photo.checkedFormat(output);
-    if (options.compare.empty())
-        return;
-    options.photo.checkedFormat(options.compare);
-    if (isSameFile(output, options.compare))
+void checkCompare(const RenderOptions& options, const std::string& output) {
+    if (!options.compare.empty() && isSameFile(output, options.compare))
         throw Failure(ExitCode::usage, options.compare, "is named as OUTPUT already");
 }
 
+void checkOutputs(const RenderOptions& options, const std::string& output) {
+    options.photo.checkedFormat(output);
+    if (!options.compare.empty())
+        options.photo.checkedFormat(options.compare);
+    checkCompare(options, output);
+}
+
+void renderClip(const RenderOptions& options, const std::string& input, const std::string& output) {
+    const ClipJob job = options.clip.job(input, output, options.compare, options.photo);
+    checkCompare(options, output);
+    const Effects effects(options);
+    runClip(job, effects.settings);
+}
+
 void renderOne(const RenderOptions& options, const std::string& input, const std::string& output) {
+    if (options.clip.isClip(input)) {
+        renderClip(options, input, output);
+        return;
+    }
+    options.clip.checkUnused();
     checkOutputs(options, output);
     const Photo before = options.photo.read(input);
     Effects effects(options);
@@ -114,6 +133,7 @@ void renderOne(const RenderOptions& options, const std::string& input, const std
 }
 
 void renderMany(const RenderOptions& options) {
+    options.clip.checkUnused();
     const std::vector<BatchJob> jobs =
         planBatch(options.files, options.into, options.recursive, options.photo);
     Effects effects(options);
@@ -189,6 +209,7 @@ void addRenderCommand(CLI::App& program) {
         ->excludes("--into");
     options->photo.addInputOptions(*command);
     options->photo.addOutputOptions(*command);
+    options->clip.addTo(*command);
     command->callback([=] {
         const std::vector<CLI::Option*>& named = command->parse_order();
         const auto placeOf = [&](const CLI::Option* option) {

@@ -10,7 +10,6 @@ RenderSession::RenderSession() : m_beautifier({}, zebeauty::takeLibraryError) {
 }
 
 void RenderSession::render(YuvFrame& frame, const zebeauty::Settings& settings) {
-    m_beautifier.set(settings);
     const ZecImage image = frame.image();
     zebeauty::Frame view;
     view.planes = {image.planes[0], image.planes[1], image.pitches[0], image.pitches[1]};
@@ -19,7 +18,12 @@ void RenderSession::render(YuvFrame& frame, const zebeauty::Settings& settings) 
     view.format = static_cast<zebeauty::PixelFormat>(frame.description.order);
     view.standard = static_cast<zebeauty::ColorStandard>(frame.description.standard);
     view.range = static_cast<zebeauty::ColorRange>(frame.description.range);
-    if (const auto reason = m_beautifier.process(view))
+    render(view, settings);
+}
+
+void RenderSession::render(const zebeauty::Frame& frame, const zebeauty::Settings& settings) {
+    m_beautifier.set(settings);
+    if (const auto reason = m_beautifier.process(frame))
         throw Failure(ExitCode::failed, *reason);
 }
 

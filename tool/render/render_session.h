@@ -15,6 +15,7 @@ public:
     /// Changes `frame` in place; with settings that change nothing it keeps every byte. Throws `Failure`
     /// (`failed`) with the library's reason, also when the library has logged an error and gone on.
     void render(YuvFrame& frame, const zebeauty::Settings& settings);
+    void render(const zebeauty::Frame& frame, const zebeauty::Settings& settings);
 
 private:
     zebeauty::Beautifier m_beautifier;

@@ -1,0 +1,228 @@
+// Moving pictures through the program: every frame, its time, and all that is beside the frames.
+
+#include "host/beautifier.h"
+#include "host/library_log.h"
+#include "tests/tool/program.h"
+#include "tool/video/clip_pipeline.h"
+
+#include <array>
+
+using namespace ze::tool;
+
+namespace {
+
+constexpr char kEffects[] = " --smooth 0.9 --whiten 0.3 ";
+constexpr int kFrames = 3;
+
+// Frames of noise around skin colors, one behind the other without padding.
+std::string rawFrames(int width, int height) {
+    const int bytes = width * height + (width + 1) / 2 * 2 * ((height + 1) / 2);
+    std::string frames;
+    unsigned state = 1;
+    for (int i = 0; i < kFrames * bytes; ++i)
+        frames += static_cast<char>(96 + ((state = state * 1664525 + 1013904223) >> 26));
+    return frames;
+}
+
+// What an app gets that hands each of the frames to the library.
+std::string renderedDirectly(std::string frames, zebeauty::Frame frame) {
+    zebeauty::Beautifier beautifier({0.9f, 0.3f}, zebeauty::takeLibraryError);
+    auto* at = reinterpret_cast<uint8_t*>(frames.data());
+    for (int i = 0; i < kFrames; ++i) {
+        const int pitch = (frame.width + 1) / 2 * 2;
+        frame.planes = {at, at + frame.width * frame.height, frame.width, pitch};
+        EXPECT_EQ(beautifier.process(frame).value_or(""), "");
+        at = frame.planes.chroma + pitch * ((frame.height + 1) / 2);
+    }
+    return frames;
+}
+
+class Video : public Program {
+protected:
+    void SetUp() override {
+        if (run("info") == 4)
+            GTEST_SKIP() << "there is no OpenGL ES here";
+        if (std::system("ffmpeg -version >/dev/null 2>&1") != 0)
+            GTEST_SKIP() << "there is no ffmpeg here";
+    }
+
+    // What a shell prints in the directory.
+    std::string shell(const std::string& command) const {
+        const std::string out = m_streams / "shell";
+        EXPECT_EQ(
+            std::system(("cd '" + m_directory.path() + "' && (" + command + ") >'" + out + "'").c_str()), 0)
+            << command;
+        return contentOf(out);
+    }
+
+    void make(const std::string& arguments) const { shell("ffmpeg -v error -y " + arguments); }
+
+    // `fields` as ffprobe shows them.
+    std::string probe(const std::string& name, const std::string& fields) const {
+        return shell("ffprobe -v error -of csv " + fields + " '" + name + "'");
+    }
+
+    // The times of all packets, by stream, in the order in which they are shown.
+    std::string times(const std::string& name) const {
+        return shell("ffprobe -v error -of csv=p=0 -show_entries packet=stream_index,pts_time '" + name +
+                     "' | cut -d, -f1,2 | sort -t, -k1,1n -k2,2n");
+    }
+};
+
+} // namespace
+
+TEST_F(Video, IsByteForByteWhatTheLibraryMakesOfTheFrames) {
+    int kind = 0;
+    for (const char* const layout : {"nv12", "nv21"})
+        for (const auto& [width, height] : {std::pair{34, 18}, {33, 17}})
+            for (const char* const standard : {"bt601", "bt709"}) {
+                const std::string range = kind++ % 2 == 0 ? "full" : "video";
+                const std::string size = std::to_string(width) + "x" + std::to_string(height);
+                const std::string raw = std::string(" --raw ") + layout + " --size " + size + " --standard " +
+                                        standard + " --range " + range;
+                SCOPED_TRACE(raw);
+                zebeauty::Frame frame;
+                frame.width = width;
+                frame.height = height;
+                frame.format = static_cast<zebeauty::PixelFormat>(std::string(layout) == "nv21");
+                frame.standard = static_cast<zebeauty::ColorStandard>(std::string(standard) == "bt709");
+                frame.range = static_cast<zebeauty::ColorRange>(range == "full");
+                write("in", rawFrames(width, height));
+                const std::string expected = renderedDirectly(rawFrames(width, height), frame);
+                ASSERT_EQ(run("render - -" + raw + kEffects + " <in"), 0) << errorText();
+                EXPECT_TRUE(outputText() == expected);
+                if (std::string(layout) == "nv21")
+                    continue; // files hold planes, which are rendered as NV12
+                // The tags of a lossless clip say the same as the options.
+                ASSERT_EQ(run("render in in.mkv -y --lossless --smooth 0 --whiten 0" + raw), 0)
+                    << errorText();
+                ASSERT_EQ(run(std::string("render in.mkv - --as nv12") + kEffects), 0) << errorText();
+                EXPECT_TRUE(outputText() == expected);
+            }
+}
+
+TEST_F(Video, KeepsTimesStreamsAndTagsOfEveryKindOfClip) {
+    const std::string source = "-f lavfi -i testsrc2=s=64x48:r=25:d=0.8 ", tone = "-f lavfi -i sine=d=0.8 ";
+    write("words.srt", "1\n00:00:00,200 --> 00:00:00,600\nHello\n\n");
+    write("chapters", ";FFMETADATA1\ntitle=Holiday\n[CHAPTER]\nTIMEBASE=1/10\nSTART=2\nEND=5\ntitle=one\n");
+    const std::array<std::string, 3> clips[] = {
+        {"phone.mp4", "out.mp4",
+         source + tone +
+             "-i chapters -map 0:v -map 1:a -map_metadata 2 -c:v libx264 -bf 3 -pix_fmt yuv420p "
+             "-colorspace bt709 -color_trc bt709 -color_primaries bt709 -color_range tv "
+             "-metadata:s:a language=eng tmp.mp4 && "
+             "ffmpeg -v error -i tmp.mp4 -map 0:v -map 0:a -c copy -metadata:s:v:0 rotate=90"},
+        {"variable.mkv", "out.webm", source + "-vf 'select=not(mod(n\\,3))+eq(n\\,4)' -vsync vfr -c:v ffv1"},
+        {"streams.mkv", "out.mkv",
+         source + tone +
+             "-i words.srt -map 0 -map 1 -map 1 -map 1 -map 2 -c:v ffv1 -pix_fmt yuv420p -c:a:0 flac "
+             "-c:a:1 libmp3lame -c:a:2 pcm_s16le -disposition:a:1 default -attach words.srt "
+             "-metadata:s:t mimetype=text/plain"},
+        {"late.mp4", "out.mp4", source + tone + "-c:v libx264 -bf 2 -pix_fmt yuv420p -output_ts_offset 1.5"},
+        {"full.mkv", "out.mkv", source + "-pix_fmt yuv420p -color_range pc -colorspace smpte170m -c:v ffv1"},
+        {"deep.mkv", "out.mkv", source + "-pix_fmt yuv422p10 -c:v ffv1"},
+        {"dense.mp4", "out.mp4", source + "-pix_fmt yuv444p -c:v libx264"},
+        {"one.mp4", "out.mp4", source + "-frames:v 1 -c:v libx264 -pix_fmt yuv420p"},
+        {"odd.mkv", "out.webm", "-f lavfi -i testsrc=s=33x17:r=25:d=0.2 -pix_fmt yuv420p -c:v ffv1"},
+        {"clip.y4m", "out.y4m", source + "-pix_fmt yuv420p"},
+    };
+    const std::string same =
+        "-show_entries stream=codec_type,width,height,color_space,color_transfer,color_primaries,"
+        "sample_aspect_ratio:stream_disposition=default:stream_side_data=rotation:"
+        "chapter=start_time,end_time:chapter_tags=title:format_tags=title";
+    for (const auto& [input, output, arguments] : clips) {
+        SCOPED_TRACE(input);
+        make(arguments + " " + input);
+        ASSERT_EQ(run("render " + input + " " + output + " -y --smooth 0.5"), 0) << errorText();
+        EXPECT_EQ(times(output), times(input));
+        EXPECT_EQ(probe(output, same), probe(input, same));
+        const std::string sound = "-select_streams a -show_entries stream=codec_name:stream_tags=language";
+        EXPECT_EQ(probe(output, sound), probe(input, sound));
+    }
+}
+
+TEST_F(Video, CutsFramesAndSoundAtTheSameTimes) {
+    make("-f lavfi -i testsrc2=s=64x48:r=25:d=4 -f lavfi -i sine=d=4 -c:v libx264 -g 25 -bf 3 -pix_fmt "
+         "yuv420p "
+         "-c:a pcm_s16le whole.mov");
+    const auto frames = [this](const std::string& name) {
+        return shell("ffmpeg -v error -i " + name + " -map 0:v -f framemd5 - | grep -v '^#' | cut -d, -f6");
+    };
+    const std::string lossless = " -y --lossless --smooth 0.5";
+    ASSERT_EQ(run("render whole.mov whole.mkv" + lossless), 0) << errorText();
+    ASSERT_EQ(run("render whole.mov first.mkv --to 1.8" + lossless), 0) << errorText();
+    ASSERT_EQ(run("render whole.mov second.mkv --from 1.8 --to 0:03.2" + lossless), 0) << errorText();
+    ASSERT_EQ(run("render whole.mov third.mkv --from 3.2 --compare both.mp4" + lossless), 2) << errorText();
+    ASSERT_EQ(run("render whole.mov third.mkv --from 3.2 --compare both.mkv" + lossless), 0) << errorText();
+    EXPECT_EQ(frames("first.mkv") + frames("second.mkv") + frames("third.mkv"), frames("whole.mkv"));
+    EXPECT_THAT(probe("both.mkv", "-count_packets -show_entries stream=width,height,nb_read_packets"),
+                testing::HasSubstr("128,48,20"));
+    EXPECT_THAT(times("second.mkv"), testing::StartsWith("0,0.000000\n0,0.040000\n"));
+    EXPECT_EQ(frames("both.mkv -vf crop=64:48:64:0"), frames("third.mkv"));
+}
+
+TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
+    const std::string source = "-f lavfi -i testsrc2=s=64x48:r=25:d=0.8 ";
+    make(source + "-pix_fmt yuv420p clip.y4m -c:v libx264 -pix_fmt yuv420p -movflags faststart clip.mp4 "
+                  "-pix_fmt yuv420p -color_trc smpte2084 -c:v libx264 hdr.mp4");
+    make(source + "-f lavfi -i sine=d=0.8 -i clip.mp4 -map 1 -c:a libmp3lame sound.mp3 "
+                  "-map 0 -map 1 -c:a flac -c:v ffv1 sound.mkv");
+    make("-f lavfi -i testsrc=s=33x17:r=25:d=0.2 -pix_fmt yuv420p -c:v ffv1 odd.mkv");
+    write("short.y4m", contentOf(m_directory / "clip.y4m").substr(0, 20000));
+    write("empty.y4m", "YUV4MPEG2 W64 H48 F25:1 Ip A1:1 C420jpeg\n");
+    const std::string movie = contentOf(m_directory / "clip.mp4");
+    write("cut.mp4", movie.substr(0, movie.size() - 300));
+    const struct {
+        const char* arguments;
+        int code;
+        const char* reason;
+    } cases[] = {
+        {"render hdr.mp4 out.mp4", 3, "hdr.mp4: is HDR \\(PQ\\); .*tonemap.*"},
+        {"render short.y4m out.mkv", 3, "short.y4m: frame 5 is short: [0-9]+ of 4608 bytes"},
+        {"render clip.y4m out.mkv --raw nv12 --size 64x48", 3, "clip.y4m: frame 21 is short: .*"},
+        {"render empty.y4m out.mkv", 3, "empty.y4m: has no .*"},
+        {"render cut.mp4 out.mp4 --strict", 3, "cut.mp4: is damaged near .*"},
+        {"render sound.mp3 out.mp4", 3, "sound.mp3: has no moving pictures"},
+        {"render sound.mkv out.webm", 2,
+         "out.webm: stream 1 .audio, flac. has no place in .webm; .mp4 holds .*"},
+        {"render odd.mkv out.mp4", 2, "out.mp4: 33x17 pixels: .*even.*"},
+        {"render clip.mp4 out.mp4 --quality 3", 2, "--quality is for pictures.*"},
+        {"render clip.mp4 out.mp4 --encoder-option no=1", 2, ".*libx264 has no option 'no'.*"},
+        {"render clip.mp4 out.mp4 --from 5", 3, "clip.mp4: has no frames between --from and --to"},
+        {"render clip.mp4 missing/out.mp4", 1,
+         "missing/out.mp4: cannot be written: No such file or directory"},
+        {"render --raw nv12 --size 64x48 /dev/zero out.mkv", -1, "/dev/zero: interrupted"},
+    };
+    const auto names = fileNames();
+    for (const auto& [arguments, code, reason] : cases) {
+        const bool isEndless = code < 0;
+        const int result = run(arguments, isEndless ? "timeout -s TERM 1" : "");
+        EXPECT_EQ(result, isEndless ? 124 : code) << arguments;
+        EXPECT_THAT(errorText(), testing::MatchesRegex("zebeauty: " + std::string(reason) + "\n"));
+    }
+    EXPECT_EQ(fileNames(), names);
+    EXPECT_EQ(run("render cut.mp4 out.mp4"), 0);
+    EXPECT_THAT(errorText(), testing::HasSubstr("is damaged: "));
+    run("render clip.y4m - 2>words | head -c 1");
+    EXPECT_EQ(contentOf(m_directory / "words"), "");
+}
+
+TEST(ClipPipeline, EndsAllStagesWithTheFirstError) {
+    for (int failing = 0; failing < 3; ++failing) {
+        const auto fail = [failing](int stage, int thing) {
+            if (stage == failing && thing == 20)
+                throw stage;
+        };
+        int next = 0;
+        const auto run = [&] {
+            ClipPipeline<int>().run(
+                [&] {
+                    fail(0, next);
+                    return std::optional<int>(next++);
+                },
+                [&](int& thing) { fail(1, thing); }, [&](int thing) { fail(2, thing); });
+        };
+        EXPECT_THROW(run(), int);
+        EXPECT_LE(next, 30);
+    }
+}

@@ -1,0 +1,119 @@
+#include "tool/video/clip_output.h"
+
+#include "tool/video/dictionary.h"
+#include "tool/video/ffmpeg_errors.h"
+
+#include <string_view>
+
+namespace ze::tool {
+namespace {
+
+constexpr char kAppleKeys[] = "com.apple.quicktime"; // what the metadata of its phones begins with
+
+bool hasAppleMetadata(const AVFormatContext& container) {
+    return av_dict_get(container.metadata, kAppleKeys, nullptr, AV_DICT_IGNORE_SUFFIX) != nullptr;
+}
+
+// MP4 has its index at the end or, in pieces, everywhere; and keys of a maker's own where it is told to.
+std::string movieFlags(const AVFormatContext& container, bool isStream) {
+    std::string flags;
+    if (isStream)
+        flags += "+frag_keyframe+empty_moov+default_base_moof";
+    if (hasAppleMetadata(container))
+        flags += "+use_metadata_tags";
+    return flags;
+}
+
+} // namespace
+
+ClipOutput::ClipOutput(const std::string& path, const ClipContainer& container,
+                       const EncoderSettings& settings, const VideoFormat& format, const ClipReader& from)
+    : m_path(path), m_sink(path) {
+    withFileInError(path, [&] { open(container, settings, format, from); });
+}
+
+void ClipOutput::open(const ClipContainer& container, const EncoderSettings& settings,
+                      const VideoFormat& format, const ClipReader& from) {
+    AVFormatContext* context = nullptr;
+    require(avformat_alloc_output_context2(&context, nullptr, container.muxer, nullptr));
+    m_container.reset(context);
+    context->pb = m_sink.context();
+    const bool needsHeader = (context->oformat->flags & AVFMT_GLOBALHEADER) != 0;
+    m_encoder.emplace(settings, container, format, needsHeader);
+    m_copy.emplace(from, streamsToCopy(m_path, from, container), *context);
+    addVideo(container, format);
+    if (!canHold(container, *m_copy->video().codecpar) && container.holdsStreams)
+        throw Failure(ExitCode::usage, std::string("--encoder: ") +
+                                           avcodec_get_name(m_copy->video().codecpar->codec_id) +
+                                           " has no place in " + container.extension);
+    writeHeader();
+}
+
+void ClipOutput::addVideo(const ClipContainer& container, const VideoFormat& format) {
+    AVStream& video = m_copy->video();
+    if (avcodec_parameters_from_context(video.codecpar, &m_encoder->context()) < 0)
+        throw std::bad_alloc();
+    m_isTimeless = !container.holdsStreams;
+    video.time_base = m_isTimeless && format.frameRate.num > 0 ? av_inv_q(format.frameRate) : format.timeBase;
+    video.avg_frame_rate = format.frameRate;
+    video.sample_aspect_ratio = format.pixelShape;
+}
+
+void ClipOutput::writeHeader() {
+    Dictionary options;
+    const std::string flags = movieFlags(*m_container, m_sink.isStream());
+    if (!flags.empty())
+        options.set("movflags", flags);
+    if (m_sink.isStream())
+        m_container->flags |= AVFMT_FLAG_FLUSH_PACKETS;
+    require(avformat_write_header(m_container.get(), options.address()));
+}
+
+void ClipOutput::write(const ClipItem& item) {
+    withFileInError(m_path, [&] {
+        if (item.frame) {
+            m_encoder->send(item.frame.get());
+            writePackets();
+            return;
+        }
+        const FfmpegPtr<AVPacket> packet = owned(av_packet_clone(item.packet.get()));
+        if (m_copy->adapt(*packet))
+            writePacket(*packet);
+    });
+}
+
+void ClipOutput::finish() {
+    withFileInError(m_path, [&] {
+        m_encoder->send(nullptr);
+        writePackets();
+        require(av_write_trailer(m_container.get()));
+        avio_flush(m_sink.context());
+        m_sink.check();
+    });
+}
+
+void ClipOutput::writePackets() {
+    AVStream& video = m_copy->video();
+    while (const FfmpegPtr<AVPacket> packet = m_encoder->receive()) {
+        av_packet_rescale_ts(packet.get(), m_encoder->context().time_base, video.time_base);
+        if (m_isTimeless) {
+            packet->pts = packet->dts = m_count++;
+            packet->duration = 1;
+        }
+        packet->stream_index = video.index;
+        writePacket(*packet);
+    }
+}
+
+void ClipOutput::writePacket(AVPacket& packet) {
+    require(av_interleaved_write_frame(m_container.get(), &packet));
+}
+
+// The reason is the file's, where that has one.
+void ClipOutput::require(int result) {
+    m_sink.check();
+    if (result < 0)
+        throw Failure(ExitCode::failed, "cannot be written: " + ffmpegReason(result));
+}
+
+} // namespace ze::tool

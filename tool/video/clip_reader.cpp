@@ -1,0 +1,292 @@
+#include "tool/video/clip_reader.h"
+
+#include "tool/files/interruption.h"
+#include "tool/number_text.h"
+#include "tool/video/dictionary.h"
+#include "tool/video/ffmpeg_errors.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+extern "C" {
+#include <libavutil/imgutils.h>
+}
+
+namespace ze::tool {
+namespace {
+
+constexpr int64_t kSecond = AV_TIME_BASE;
+constexpr char kFrameMark[] = "FRAME\n"; // before each frame of YUV4MPEG2
+
+int refuseOtherFiles(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
+    return AVERROR(EPERM);
+}
+
+int isInterrupted(void*) {
+    return waitingSignal() != 0 ? 1 : 0;
+}
+
+void checkSignal() {
+    if (waitingSignal() != 0)
+        throw Failure(ExitCode::failed, "interrupted");
+}
+
+[[noreturn]] void failToRead(const std::string& reason) {
+    checkSignal();
+    throw Failure(ExitCode::badInput, "cannot be read: " + reason);
+}
+
+// Whether `stream` is shown, and not a cover or a track of thumbnails.
+bool isMovingPicture(const AVStream& stream) {
+    constexpr int kStill = AV_DISPOSITION_ATTACHED_PIC | AV_DISPOSITION_TIMED_THUMBNAILS;
+    return stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO && (stream.disposition & kStill) == 0 &&
+           stream.discard != AVDISCARD_ALL;
+}
+
+bool isContinuous(const AVStream& stream) {
+    const AVMediaType type = stream.codecpar->codec_type;
+    return (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO) && stream.discard != AVDISCARD_ALL &&
+           (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
+}
+
+int64_t inUnitsOf(const AVStream& stream, int64_t microseconds) {
+    return av_rescale_q(microseconds, AV_TIME_BASE_Q, stream.time_base);
+}
+
+void subtract(int64_t shift, int64_t& time) {
+    if (time != AV_NOPTS_VALUE)
+        time -= shift;
+}
+
+} // namespace
+
+ClipReader::ClipReader(const std::string& path, const ReaderSettings& settings)
+    : m_settings(settings), m_source(path), m_packet(owned(av_packet_alloc())) {
+    catchFfmpegMessages();
+    open();
+    findVideo();
+    openDecoder();
+    startRange();
+}
+
+void ClipReader::open() {
+    AVFormatContext* container = avformat_alloc_context();
+    if (!container)
+        throw std::bad_alloc();
+    container->pb = m_source.context();
+    container->io_open = refuseOtherFiles;
+    container->interrupt_callback.callback = isInterrupted;
+    Dictionary options;
+    const AVInputFormat* demuxer = nullptr;
+    if (const auto& raw = m_settings.raw) {
+        demuxer = av_find_input_format("rawvideo");
+        options.set("pixel_format", av_get_pix_fmt_name(raw->layout));
+        options.set("video_size", std::to_string(raw->width) + "x" + std::to_string(raw->height));
+        options.set("framerate", raw->rate);
+    }
+    const int opened =
+        avformat_open_input(&container, "", demuxer, options.address()); // frees it if it fails
+    m_container.reset(container);
+    if (opened < 0)
+        failToRead(m_source.failure().empty() ? ffmpegReason(opened) : m_source.failure());
+    const int described = avformat_find_stream_info(m_container.get(), nullptr);
+    if (described < 0)
+        failToRead(ffmpegReason(described));
+}
+
+void ClipReader::findVideo() {
+    AVStream** const end = m_container->streams + m_container->nb_streams;
+    AVStream** const found =
+        std::find_if(m_container->streams, end, [](const AVStream* s) { return isMovingPicture(*s); });
+    if (found == end)
+        throw Failure(ExitCode::badInput, "has no moving pictures");
+    m_video = *found;
+}
+
+void ClipReader::openDecoder() {
+    const AVCodecParameters& parameters = *m_video->codecpar;
+    const AVCodec* const codec = avcodec_find_decoder(parameters.codec_id);
+    if (!codec)
+        throw Failure(ExitCode::badInput, std::string("has moving pictures of the kind ") +
+                                              avcodec_get_name(parameters.codec_id) +
+                                              ", which FFmpeg cannot decode");
+    m_decoder = owned(avcodec_alloc_context3(codec));
+    if (avcodec_parameters_to_context(m_decoder.get(), &parameters) < 0)
+        throw std::bad_alloc();
+    m_decoder->pkt_timebase = m_video->time_base;
+    m_decoder->thread_count = 0; // as many as there are processors
+    const int opened = avcodec_open2(m_decoder.get(), codec, nullptr);
+    if (opened < 0)
+        failToRead(ffmpegReason(opened));
+}
+
+void ClipReader::startRange() {
+    const bool hasFreeClock = (m_container->iformat->flags & AVFMT_TS_DISCONT) != 0;
+    m_start = m_container->start_time == AV_NOPTS_VALUE ? 0 : m_container->start_time;
+    if (hasFreeClock || !m_settings.range.isWhole())
+        m_shift = m_start + m_settings.range.from;
+    // A second before, so that a reordered frame is not missed. Decoding brings up what is dropped.
+    const int64_t target = m_shift - kSecond;
+    const bool canSeek = m_source.context()->seekable != 0 && !hasFreeClock;
+    if (canSeek && target > m_start)
+        avformat_seek_file(m_container.get(), m_video->index, INT64_MIN, inUnitsOf(*m_video, target),
+                           inUnitsOf(*m_video, target), 0);
+}
+
+AVRational ClipReader::frameRate() const {
+    return av_guess_frame_rate(m_container.get(), m_video, nullptr);
+}
+
+int64_t ClipReader::duration() const {
+    if (m_container->duration == AV_NOPTS_VALUE)
+        return 0;
+    return std::max<int64_t>(0, std::min(m_container->duration, m_settings.range.to) - m_settings.range.from);
+}
+
+std::optional<ClipItem> ClipReader::next() {
+    for (;;) {
+        checkSignal();
+        if (FfmpegPtr<AVFrame> frame = receiveFrame())
+            return ClipItem{std::move(frame), nullptr};
+        if (m_isAtEnd)
+            return std::nullopt;
+        if (!readPacket()) {
+            m_isAtEnd = true;
+            decode(nullptr);
+        } else if (m_packet->stream_index == m_video->index) {
+            decode(m_packet.get());
+        } else if (isToBeCopied()) {
+            return ClipItem{nullptr, std::exchange(m_packet, owned(av_packet_alloc()))};
+        }
+    }
+}
+
+bool ClipReader::readPacket() {
+    av_packet_unref(m_packet.get());
+    const int error = isRangeOver() ? AVERROR_EOF : av_read_frame(m_container.get(), m_packet.get());
+    if (error < 0) {
+        if (!isRangeOver())
+            checkEnd(error);
+        return false;
+    }
+    if (m_packet->flags & AV_PKT_FLAG_CORRUPT)
+        checkPacket();
+    if (m_packet->stream_index == m_video->index)
+        ++m_packets;
+    m_packetSize = m_packet->size;
+    m_end = m_packet->pos + m_packetSize;
+    return true;
+}
+
+// Raw frames must be whole; anything else may be of use in parts.
+void ClipReader::checkPacket() {
+    if (m_settings.raw)
+        throw Failure(ExitCode::badInput,
+                      "frame " + std::to_string(m_packets + 1) +
+                          " is short: " + std::to_string(m_packet->size) + " of " +
+                          std::to_string(av_image_get_buffer_size(
+                              m_settings.raw->layout, m_settings.raw->width, m_settings.raw->height, 1)) +
+                          " bytes");
+    noteDamage();
+}
+
+void ClipReader::checkEnd(int error) {
+    if (!m_source.failure().empty())
+        failToRead(m_source.failure());
+    checkSignal();
+    if (std::string_view(m_container->iformat->name) == "yuv4mpegpipe" && m_source.position() > m_end) {
+        const int64_t got = m_source.position() - m_end - static_cast<int64_t>(sizeof kFrameMark - 1);
+        throw Failure(ExitCode::badInput,
+                      m_packets == 0 ? "has no whole frame"
+                                     : "frame " + std::to_string(m_packets + 1) +
+                                           " is short: " + std::to_string(std::max<int64_t>(0, got)) +
+                                           " of " + std::to_string(m_packetSize) + " bytes");
+    }
+    if (error != AVERROR_EOF)
+        noteDamage();
+}
+
+void ClipReader::decode(const AVPacket* packet) {
+    if (packet && m_ended.count(m_video->index) != 0)
+        return;
+    const int error = avcodec_send_packet(m_decoder.get(), packet);
+    if (error == AVERROR(ENOMEM))
+        throw std::bad_alloc();
+    if (error < 0 && error != AVERROR_EOF)
+        noteDamage();
+}
+
+bool ClipReader::isToBeCopied() {
+    const AVStream& stream = *m_container->streams[m_packet->stream_index];
+    const int64_t time = m_packet->pts != AV_NOPTS_VALUE ? m_packet->pts : m_packet->dts;
+    const bool isAttached = (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
+    if (!isAttached && time != AV_NOPTS_VALUE && !isInRange(time, stream))
+        return false;
+    const int64_t shift = isAttached ? 0 : inUnitsOf(stream, m_shift);
+    subtract(shift, m_packet->pts);
+    subtract(shift, m_packet->dts);
+    return true;
+}
+
+FfmpegPtr<AVFrame> ClipReader::receiveFrame() {
+    FfmpegPtr<AVFrame> frame = owned(av_frame_alloc());
+    for (;;) {
+        const int error = avcodec_receive_frame(m_decoder.get(), frame.get());
+        if (error == AVERROR(EAGAIN) || error == AVERROR_EOF)
+            return nullptr;
+        if (error == AVERROR(ENOMEM))
+            throw std::bad_alloc();
+        if (error < 0 || frame->decode_error_flags != 0 || (frame->flags & AV_FRAME_FLAG_CORRUPT) != 0)
+            noteDamage();
+        if (error < 0)
+            continue;
+        const int64_t named = frame->best_effort_timestamp;
+        const int64_t time = named == AV_NOPTS_VALUE ? m_nextTime : named;
+        setTimes(*frame, time);
+        if (isInRange(time, *m_video))
+            return frame;
+    }
+}
+
+void ClipReader::setTimes(AVFrame& frame, int64_t time) {
+    const AVRational rate = frameRate();
+    if (frame.pkt_duration <= 0 && rate.num > 0)
+        frame.pkt_duration = av_rescale_q(1, av_inv_q(rate), m_video->time_base);
+    m_nextTime = time + std::max<int64_t>(1, frame.pkt_duration);
+    frame.pts = time - inUnitsOf(*m_video, m_shift);
+    if (m_lastTime != AV_NOPTS_VALUE)
+        frame.pts = std::max(frame.pts, m_lastTime + 1); // encoders and containers take no two at one time
+    m_lastTime = frame.pts;
+    frame.pict_type = AV_PICTURE_TYPE_NONE; // otherwise encoders follow it
+}
+
+bool ClipReader::isInRange(int64_t time, const AVStream& stream) {
+    const TimeRange& range = m_settings.range;
+    if (range.isWhole())
+        return true;
+    if (range.to <= INT64_MAX - m_start &&
+        av_compare_ts(time, stream.time_base, m_start + range.to, AV_TIME_BASE_Q) >= 0) {
+        m_ended.insert(stream.index);
+        return false;
+    }
+    return av_compare_ts(time, stream.time_base, m_start + range.from, AV_TIME_BASE_Q) >= 0;
+}
+
+bool ClipReader::isRangeOver() const {
+    const auto hasEnded = [this](const AVStream* stream) {
+        return !isContinuous(*stream) || m_ended.count(stream->index) != 0;
+    };
+    return !m_ended.empty() &&
+           std::all_of(m_container->streams, m_container->streams + m_container->nb_streams, hasEnded);
+}
+
+void ClipReader::noteDamage() {
+    ++m_damaged;
+    if (m_settings.strict)
+        throw Failure(ExitCode::badInput,
+                      "is damaged near " +
+                          numberText(static_cast<double>(m_nextTime) * av_q2d(m_video->time_base), 2) + " s");
+}
+
+} // namespace ze::tool

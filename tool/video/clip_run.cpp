@@ -1,0 +1,189 @@
+#include "tool/video/clip_run.h"
+
+#include "tool/errors.h"
+#include "tool/files/interruption.h"
+#include "tool/files/output_file.h"
+#include "tool/render/headless.h"
+#include "tool/render/render_session.h"
+#include "tool/render/texture_limit.h"
+#include "tool/video/clip_output.h"
+#include "tool/video/clip_pipeline.h"
+#include "tool/video/clip_progress.h"
+#include "tool/video/format_notes.h"
+#include "tool/video/frame_converter.h"
+#include "tool/video/side_by_side.h"
+
+#include <csignal>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace ze::tool {
+namespace {
+
+VideoFormat formatOf(const ClipReader& reader, const AVFrame& frame, const ColorOverride& colors) {
+    VideoFormat format;
+    format.width = frame.width;
+    format.height = frame.height;
+    if (frame.format == AV_PIX_FMT_NV21)
+        format.layout = AV_PIX_FMT_NV21;
+    format.tags = libraryTags(tagsOf(frame, colors));
+    format.pixelShape =
+        frame.sample_aspect_ratio.num > 0 ? frame.sample_aspect_ratio : reader.video().sample_aspect_ratio;
+    format.timeBase = reader.video().time_base;
+    format.frameRate = reader.frameRate();
+    format.isInterlaced = frame.interlaced_frame != 0;
+    return format;
+}
+
+// What goes through the stages: a frame, with one of before and after where that is wanted, or a packet.
+struct Thing {
+    ClipItem item;
+    ClipItem both;
+};
+
+class ClipRun {
+public:
+    ClipRun(const ClipJob& job, const zebeauty::Settings& settings);
+    void run();
+
+private:
+    void readStart();
+    std::optional<Thing> read();
+    void render(Thing& thing);
+    void write(const Thing& thing);
+    void tellDamage() const;
+    template <class Work>
+    auto ofInput(Work work) const {
+        return withFileInError(m_job.input, work);
+    }
+
+    const ClipJob& m_job;
+    const zebeauty::Settings& m_settings;
+    std::unique_ptr<ClipReader> m_reader;
+    std::deque<ClipItem> m_start; // what was read to see the first frame
+    VideoFormat m_format;
+    std::optional<FrameConverter> m_converter;
+    RenderSession m_session;
+    std::optional<ClipOutput> m_output;
+    std::optional<ClipOutput> m_compare;
+    std::optional<ClipProgress> m_progress;
+};
+
+ClipRun::ClipRun(const ClipJob& job, const zebeauty::Settings& settings)
+    : m_job(job), m_settings(settings),
+      m_reader(ofInput([&] { return std::make_unique<ClipReader>(job.input, job.reader); })) {
+    ofInput([this] { readStart(); });
+    m_output.emplace(job.output, *job.container, job.encoder, m_format, *m_reader);
+    if (!job.compare.empty())
+        m_compare.emplace(job.compare, *job.compareContainer, job.encoder, doubled(m_format), *m_reader);
+    m_progress.emplace(job.progress, m_reader->duration());
+}
+
+void ClipRun::readStart() {
+    do {
+        std::optional<ClipItem> item = m_reader->next();
+        if (!item)
+            throw Failure(ExitCode::badInput,
+                          "has no frames" +
+                              std::string(m_job.reader.range.isWhole() ? "" : " between --from and --to"));
+        m_start.push_back(std::move(*item));
+    } while (!m_start.back().frame);
+    const AVFrame& first = *m_start.back().frame;
+    m_format = formatOf(*m_reader, first, m_job.colors);
+    printFormatNotes(m_job.input, first, tagsOf(first, m_job.colors), m_format);
+    if (m_settings.isActive())
+        checkTextureSize(m_format.width, m_format.height, "pixels");
+    m_converter.emplace(m_format, m_job.colors);
+}
+
+std::optional<Thing> ClipRun::read() {
+    std::optional<ClipItem> item;
+    if (m_start.empty()) {
+        item = m_reader->next();
+    } else {
+        item = std::move(m_start.front());
+        m_start.pop_front();
+    }
+    if (!item)
+        return std::nullopt;
+    if (item->frame)
+        item->frame = m_converter->convert(std::move(item->frame));
+    return Thing{std::move(*item), {}};
+}
+
+void ClipRun::render(Thing& thing) {
+    if (!thing.item.frame)
+        return;
+    AVFrame& pixels = *thing.item.frame;
+    if (m_compare)
+        thing.both.frame = withLeftHalf(pixels, doubled(m_format));
+    zebeauty::Frame frame;
+    frame.planes = {pixels.data[0], pixels.data[1], pixels.linesize[0], pixels.linesize[1]};
+    frame.width = pixels.width;
+    frame.height = pixels.height;
+    frame.format =
+        m_format.layout == AV_PIX_FMT_NV21 ? zebeauty::PixelFormat::nv21 : zebeauty::PixelFormat::nv12;
+    frame.standard = static_cast<zebeauty::ColorStandard>(standardOf(m_format.tags, m_format.height));
+    frame.range = static_cast<zebeauty::ColorRange>(rangeOf(m_format.tags));
+    m_session.render(frame, m_settings);
+    if (m_compare)
+        fillRightHalf(*thing.both.frame, pixels);
+}
+
+void ClipRun::write(const Thing& thing) {
+    m_output->write(thing.item);
+    if (m_compare)
+        m_compare->write(thing.item.frame ? thing.both : thing.item);
+    if (thing.item.frame)
+        m_progress->advance(*thing.item.frame, m_format.timeBase);
+}
+
+void ClipRun::run() {
+    ClipPipeline<Thing>().run([this] { return ofInput([this] { return read(); }); },
+                              [this](Thing& thing) { ofInput([&] { render(thing); }); },
+                              [this](const Thing& thing) { write(thing); });
+    m_output->finish();
+    if (m_compare) {
+        m_compare->finish();
+        m_compare->commit();
+    }
+    m_output->commit();
+    m_progress->finish();
+    tellDamage();
+}
+
+void ClipRun::tellDamage() const {
+    if (const int count = m_reader->damaged())
+        printError(m_job.input + ": is damaged: " + std::to_string(count) +
+                   (count == 1 ? " packet or frame" : " packets or frames") +
+                   " could not be read whole; --strict makes that a failure");
+}
+
+// Signals end the program at once where it writes to pipes alone, which are left as they are.
+bool writesFiles(const ClipJob& job) {
+    return !isStream(job.output) || (!job.compare.empty() && !isStream(job.compare));
+}
+
+} // namespace
+
+void runClip(const ClipJob& job, const zebeauty::Settings& settings) {
+    if (settings.isActive())
+        avoidDeadDisplay(); // while there are no threads yet
+    std::optional<InterruptionHold> hold;
+    if (writesFiles(job))
+        hold.emplace();
+    try {
+        ClipRun(job, settings).run();
+    } catch (const ReaderGone&) {
+    } catch (const Failure& failure) {
+        const int signal = waitingSignal();
+        if (signal == 0)
+            throw;
+        if (signal != SIGPIPE)
+            printError(failure.what()); // the end of the hold ends the program
+    }
+}
+
+} // namespace ze::tool

@@ -1,0 +1,48 @@
+#include "tool/video/ffmpeg_errors.h"
+
+#include <cstdio>
+#include <mutex>
+#include <utility>
+
+extern "C" {
+#include <libavutil/error.h>
+#include <libavutil/log.h>
+}
+
+namespace ze::tool {
+namespace {
+
+std::mutex g_mutex;
+std::string g_message; // the last error logged
+
+void keepError(void*, int level, const char* format, va_list arguments) {
+    if (level > AV_LOG_ERROR)
+        return;
+    char line[512];
+    std::vsnprintf(line, sizeof line, format, arguments);
+    std::string text = line;
+    text.erase(text.find_last_not_of(" .\r\n") + 1);
+    const std::lock_guard lock(g_mutex);
+    if (!text.empty())
+        g_message = std::move(text);
+}
+
+} // namespace
+
+void catchFfmpegMessages() {
+    av_log_set_callback(keepError);
+}
+
+std::string ffmpegErrorText(int error) {
+    char text[AV_ERROR_MAX_STRING_SIZE] = "";
+    av_strerror(error, text, sizeof text);
+    return text;
+}
+
+std::string ffmpegReason(int error) {
+    const std::lock_guard lock(g_mutex);
+    std::string message = std::exchange(g_message, {});
+    return message.empty() ? ffmpegErrorText(error) : message;
+}
+
+} // namespace ze::tool

@@ -1,0 +1,194 @@
+#include "tool/video/stream_copy.h"
+
+#include "tool/errors.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace ze::tool {
+namespace {
+
+bool isOther(const ClipReader& reader, const AVStream& stream) {
+    return &stream != &reader.video() && stream.discard != AVDISCARD_ALL; // such as the text behind chapters
+}
+
+// Timed data of a maker's own is nothing that FFmpeg could write.
+bool isUnknown(const AVStream& stream) {
+    return stream.codecpar->codec_id == AV_CODEC_ID_NONE &&
+           stream.codecpar->codec_type != AVMEDIA_TYPE_ATTACHMENT;
+}
+
+std::string describe(const AVStream& stream) {
+    const char* const type = av_get_media_type_string(stream.codecpar->codec_type);
+    return "stream " + std::to_string(stream.index) + " (" + (type ? type : "unknown") + ", " +
+           avcodec_get_name(stream.codecpar->codec_id) + ")";
+}
+
+[[noreturn]] void refuse(const ClipReader& from, const std::vector<int>& streams, const AVStream& stream,
+                         const ClipContainer& container) {
+    const ClipContainer* const better = firstContainer([&](const ClipContainer& other) {
+        return std::all_of(streams.begin(), streams.end(), [&](int index) {
+            return canHold(other, *from.container().streams[index]->codecpar);
+        });
+    });
+    throw Failure(ExitCode::usage, describe(stream) + " has no place in " + container.extension +
+                                       (better ? std::string("; ") + better->extension + " holds all streams"
+                                               : "; no container holds all streams of this clip"));
+}
+
+// What describes the old file and would be untrue of the new one.
+bool isAboutFile(std::string_view key) {
+    for (const std::string_view known : {"major_brand", "minor_version", "compatible_brands", "encoder"})
+        if (key == known)
+            return true;
+    for (const std::string_view start : {"BPS", "NUMBER_OF_", "_STATISTICS_", "DURATION"})
+        if (key.substr(0, start.size()) == start)
+            return true;
+    return false;
+}
+
+void copyMetadata(const AVDictionary* from, AVDictionary** to) {
+    for (const AVDictionaryEntry* entry = nullptr;
+         (entry = av_dict_get(from, "", entry, AV_DICT_IGNORE_SUFFIX)) != nullptr;)
+        if (!isAboutFile(entry->key))
+            av_dict_set(to, entry->key, entry->value, 0);
+}
+
+// The old number of the codec where it means the same in the new container, otherwise none.
+uint32_t codecTag(const AVCodecParameters& stream, const AVOutputFormat& format) {
+    unsigned usual = 0;
+    const bool isKnown = !format.codec_tag ||
+                         av_codec_get_id(format.codec_tag, stream.codec_tag) == stream.codec_id ||
+                         av_codec_get_tag2(format.codec_tag, stream.codec_id, &usual) == 0;
+    return isKnown ? stream.codec_tag : 0;
+}
+
+bool describesPlacement(AVPacketSideDataType type) {
+    return type == AV_PKT_DATA_DISPLAYMATRIX || type == AV_PKT_DATA_STEREO3D || type == AV_PKT_DATA_SPHERICAL;
+}
+
+void copySideData(const AVPacketSideData& data, AVStream& to) {
+    uint8_t* const copy = av_stream_new_side_data(&to, data.type, data.size);
+    if (!copy)
+        throw std::bad_alloc();
+    std::memcpy(copy, data.data, data.size);
+}
+
+AVChapter* copyOf(const AVChapter& chapter) {
+    auto* const copy = static_cast<AVChapter*>(av_mallocz(sizeof(AVChapter)));
+    if (!copy)
+        throw std::bad_alloc();
+    copy->id = chapter.id;
+    copy->time_base = chapter.time_base;
+    av_dict_copy(&copy->metadata, chapter.metadata, 0);
+    return copy;
+}
+
+} // namespace
+
+std::vector<int> streamsToCopy(const std::string& name, const ClipReader& from,
+                               const ClipContainer& container) {
+    std::vector<int> streams;
+    const AVFormatContext& input = from.container();
+    for (unsigned i = 0; i < input.nb_streams; ++i) {
+        const AVStream& stream = *input.streams[i];
+        if (!isOther(from, stream))
+            continue;
+        if (container.holdsStreams && !isUnknown(stream))
+            streams.push_back(stream.index);
+        else
+            printError(name + ": " + describe(stream) + " is left out" +
+                       (container.holdsStreams
+                            ? ": its kind is unknown"
+                            : std::string(": ") + container.extension + " has frames alone"));
+    }
+    for (const int index : streams)
+        if (!canHold(container, *input.streams[index]->codecpar))
+            refuse(from, streams, *input.streams[index], container);
+    return streams;
+}
+
+StreamCopy::StreamCopy(const ClipReader& from, const std::vector<int>& streams, AVFormatContext& to)
+    : m_from(from.container()), m_to(to) {
+    for (unsigned i = 0; i < m_from.nb_streams; ++i) {
+        const AVStream& stream = *m_from.streams[i];
+        if (&stream == &from.video())
+            m_video = &addRendered(stream);
+        else if (std::find(streams.begin(), streams.end(), stream.index) != streams.end())
+            m_streams[stream.index] = &addCopied(stream);
+    }
+    copyMetadata(m_from.metadata, &m_to.metadata);
+    copyChapters(from);
+}
+
+AVStream& StreamCopy::add(const AVStream& from) {
+    AVStream* const stream = avformat_new_stream(&m_to, nullptr);
+    if (!stream)
+        throw std::bad_alloc();
+    stream->id = from.id;
+    stream->disposition = from.disposition;
+    stream->time_base = from.time_base;
+    stream->avg_frame_rate = from.avg_frame_rate;
+    stream->r_frame_rate = from.r_frame_rate;
+    stream->sample_aspect_ratio = from.sample_aspect_ratio;
+    copyMetadata(from.metadata, &stream->metadata);
+    return *stream;
+}
+
+AVStream& StreamCopy::addRendered(const AVStream& from) {
+    AVStream& stream = add(from);
+    for (int i = 0; i < from.nb_side_data; ++i)
+        if (describesPlacement(from.side_data[i].type))
+            copySideData(from.side_data[i], stream);
+    return stream;
+}
+
+AVStream& StreamCopy::addCopied(const AVStream& from) {
+    AVStream& stream = add(from);
+    if (avcodec_parameters_copy(stream.codecpar, from.codecpar) < 0)
+        throw std::bad_alloc();
+    stream.codecpar->codec_tag = codecTag(*from.codecpar, *m_to.oformat);
+    for (int i = 0; i < from.nb_side_data; ++i)
+        copySideData(from.side_data[i], stream);
+    return stream;
+}
+
+void StreamCopy::copyChapters(const ClipReader& reader) {
+    m_to.chapters = static_cast<AVChapter**>(av_calloc(m_from.nb_chapters + 1, sizeof(AVChapter*)));
+    if (!m_to.chapters)
+        throw std::bad_alloc();
+    for (unsigned i = 0; i < m_from.nb_chapters; ++i) {
+        const AVChapter& chapter = *m_from.chapters[i];
+        const int64_t shift = av_rescale_q(reader.shift(), AV_TIME_BASE_Q, chapter.time_base);
+        const int64_t start = std::max<int64_t>(0, chapter.start - shift);
+        const int64_t end =
+            std::min(chapter.end - shift, av_rescale_q(reader.end(), AV_TIME_BASE_Q, chapter.time_base));
+        if (end <= start)
+            continue;
+        AVChapter* const copy = copyOf(chapter);
+        copy->start = start;
+        copy->end = end;
+        m_to.chapters[m_to.nb_chapters++] = copy;
+    }
+}
+
+bool StreamCopy::adapt(AVPacket& packet) {
+    const auto found = m_streams.find(packet.stream_index);
+    if (found == m_streams.end())
+        return false;
+    AVStream& to = *found->second;
+    av_packet_rescale_ts(&packet, m_from.streams[packet.stream_index]->time_base, to.time_base);
+    packet.stream_index = to.index;
+    packet.pos = -1;
+    const auto last = m_lastTimes.find(to.index);
+    if (last != m_lastTimes.end() && packet.dts != AV_NOPTS_VALUE && packet.dts <= last->second) {
+        packet.dts = last->second + 1; // where clocks start anew, or were rounded to the same
+        packet.pts = std::max(packet.pts, packet.dts);
+    }
+    if (packet.dts != AV_NOPTS_VALUE)
+        m_lastTimes[to.index] = packet.dts;
+    return true;
+}
+
+} // namespace ze::tool

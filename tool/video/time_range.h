@@ -1,0 +1,18 @@
+// The part of a clip that is rendered.
+
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+namespace ze::tool {
+
+/// From `from` up to and without `to`, in microseconds after the beginning of the clip.
+struct TimeRange {
+    int64_t from = 0;
+    int64_t to = std::numeric_limits<int64_t>::max();
+
+    bool isWhole() const { return from == 0 && to == std::numeric_limits<int64_t>::max(); }
+};
+
+} // namespace ze::tool
