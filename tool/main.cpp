@@ -1,4 +1,4 @@
-// zebeauty, which beautifies still pictures with libZeBeautyEffect.
+// zebeauty, which beautifies pictures and clips with libZeBeautyEffect.
 
 #include "tool/commands.h"
 #include "tool/errors.h"
@@ -61,7 +61,7 @@ void runCommand(CLI::App& program, const NamedCommand& named, int argc, char** a
 }
 
 void run(int argc, char** argv) {
-    CLI::App program("Beautifies and grades still pictures with libZeBeautyEffect", "zebeauty");
+    CLI::App program("Beautifies and grades pictures and clips with libZeBeautyEffect", "zebeauty");
     program.formatter(std::make_shared<HelpFormatter>());
     program.set_version_flag("-V,--version", "zebeauty " ZE_VERSION, "Print the version and exit");
     program.set_help_flag("-h,--help", "Print this help and exit");
