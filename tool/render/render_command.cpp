@@ -157,14 +157,16 @@ void render(const RenderOptions& options) {
 } // namespace
 
 void addRenderCommand(CLI::App& program) {
-    CLI::App* command =
-        program.add_subcommand("render", "Smooth the skin in a picture, brighten it and grade its colors");
+    CLI::App* command = program.add_subcommand(
+        "render", "Smooth the skin in a picture or clip, brighten it and grade its colors");
     const auto options = std::make_shared<RenderOptions>();
     command
-        ->add_option("FILES", options->files,
-                     "INPUT OUTPUT: a picture to read and one to write; with --into pictures and folders to "
-                     "read. \"-\" is standard input or output. Formats are what libvips reads and writes: "
-                     "PNG, JPEG, WebP, TIFF, AVIF, HEIC and others")
+        ->add_option(
+            "FILES", options->files,
+            "INPUT OUTPUT: a picture or clip to read and one to write; with --into pictures and folders to "
+            "read. \"-\" is standard input or output. Formats are what libvips reads and writes: "
+            "PNG, JPEG, WebP, TIFF, AVIF, HEIC and others; clips are whatever FFmpeg reads, and .mp4, "
+            ".mov, .mkv, .webm or .y4m")
         ->required();
     command->add_option("--into", options->into,
                         "Folder to write many pictures to, under their own names; it is made if need be");
@@ -198,10 +200,10 @@ void addRenderCommand(CLI::App& program) {
     command->add_option("--format", options->format, "Frame layout")
         ->check(CLI::IsMember({"nv12", "nv21"}))
         ->capture_default_str();
-    command->add_option("--standard", options->standard, "Color matrix")
+    command->add_option("--standard", options->standard, "Color matrix; of clips, instead of what they say")
         ->check(CLI::IsMember({"bt601", "bt709"}))
         ->capture_default_str();
-    command->add_option("--range", options->range, "Color range")
+    command->add_option("--range", options->range, "Color range; of clips, instead of what they say")
         ->check(CLI::IsMember({"full", "video"}))
         ->capture_default_str();
     command

@@ -128,7 +128,7 @@ void ClipReader::startRange() {
         m_shift = m_start + m_settings.range.from;
     // A second before, so that a reordered frame is not missed. Decoding brings up what is dropped.
     const int64_t target = m_shift - kSecond;
-    const bool canSeek = m_source.context()->seekable != 0 && !hasFreeClock;
+    const bool canSeek = m_source.isSeekable() && !hasFreeClock;
     if (canSeek && target > m_start)
         avformat_seek_file(m_container.get(), m_video->index, INT64_MIN, inUnitsOf(*m_video, target),
                            inUnitsOf(*m_video, target), 0);
@@ -270,7 +270,9 @@ bool ClipReader::isInRange(int64_t time, const AVStream& stream) {
         m_ended.insert(stream.index);
         return false;
     }
-    return av_compare_ts(time, stream.time_base, m_start + range.from, AV_TIME_BASE_Q) >= 0;
+    // What lies before the beginning, as the lead-in of AAC does, belongs to it.
+    return range.from == 0 ||
+           av_compare_ts(time, stream.time_base, m_start + range.from, AV_TIME_BASE_Q) >= 0;
 }
 
 bool ClipReader::isRangeOver() const {

@@ -56,6 +56,9 @@ public:
     /// Of what `next` returns, in microseconds; 0 where unknown.
     int64_t duration() const;
 
+    /// Whether what has been read is gone.
+    bool isPipe() const { return !m_source.isSeekable(); }
+
     /// How many packets and frames could not be read or decoded so far. Any thread may call.
     int damaged() const { return m_damaged; }
 

@@ -49,6 +49,7 @@ public:
     void run();
 
 private:
+    std::string noFrames() const;
     void readStart();
     std::optional<Thing> read();
     void render(Thing& thing);
@@ -81,13 +82,20 @@ ClipRun::ClipRun(const ClipJob& job, const zebeauty::Settings& settings)
     m_progress.emplace(job.progress, m_reader->duration());
 }
 
+std::string ClipRun::noFrames() const {
+    if (!m_job.reader.range.isWhole())
+        return "has no frames between --from and --to";
+    return m_reader->isPipe()
+               ? "has no frames that can be read from a pipe; with its index at the end, it has "
+                 "to be a file"
+               : "has no frames";
+}
+
 void ClipRun::readStart() {
     do {
         std::optional<ClipItem> item = m_reader->next();
         if (!item)
-            throw Failure(ExitCode::badInput,
-                          "has no frames" +
-                              std::string(m_job.reader.range.isWhole() ? "" : " between --from and --to"));
+            throw Failure(ExitCode::badInput, noFrames());
         m_start.push_back(std::move(*item));
     } while (!m_start.back().frame);
     const AVFrame& first = *m_start.back().frame;

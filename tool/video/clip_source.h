@@ -22,6 +22,9 @@ public:
 
     AVIOContext* context() const { return m_context; }
 
+    /// Whether any part can be read at any time.
+    bool isSeekable() const { return m_stream.isFile(); }
+
     /// How many bytes came, as far as they were read in order.
     int64_t position() const { return m_position; }
 

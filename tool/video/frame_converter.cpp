@@ -2,6 +2,8 @@
 
 #include "tool/errors.h"
 
+#include <algorithm>
+
 extern "C" {
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
@@ -21,11 +23,11 @@ bool isLibraryPitch(const AVFrame& frame) {
            frame.linesize[1] == FFALIGN(chroma, kRowAlignment);
 }
 
-FfmpegPtr<AVFrame> makeLibraryFrame(const VideoFormat& format) {
+FfmpegPtr<AVFrame> makeLibraryFrame(const FrameKind& kind) {
     FfmpegPtr<AVFrame> frame = owned(av_frame_alloc());
-    frame->format = format.layout;
-    frame->width = format.width;
-    frame->height = format.height;
+    frame->format = kind.format;
+    frame->width = kind.width;
+    frame->height = kind.height;
     if (av_frame_get_buffer(frame.get(), kRowAlignment) < 0)
         throw std::bad_alloc();
     return frame;
@@ -52,68 +54,110 @@ int isFull(const ColorTags& tags) {
     return rangeOf(tags) == ColorRange::full ? 1 : 0;
 }
 
-const int* coefficientsOf(const ColorTags& tags, int lines) {
-    if (tags.matrix == AVCOL_SPC_UNSPECIFIED)
-        return sws_getCoefficients(standardOf(tags, lines) == ColorStandard::bt709 ? AVCOL_SPC_BT709
-                                                                                   : AVCOL_SPC_SMPTE170M);
-    return sws_getCoefficients(tags.matrix);
+bool isRgb(const FrameKind& kind) {
+    return kind.tags.matrix == AVCOL_SPC_RGB;
+}
+
+const int* coefficientsOf(const FrameKind& kind) {
+    return sws_getCoefficients(isRgb(kind) ? AVCOL_SPC_BT709 : kind.tags.matrix);
+}
+
+bool haveSameMatrix(const FrameKind& first, const FrameKind& second) {
+    return std::equal(coefficientsOf(first), coefficientsOf(first) + 4, coefficientsOf(second));
 }
 
 void setNumber(SwsContext* scaler, const char* name, int value) {
     av_opt_set_int(scaler, name, value, 0);
 }
 
+void placeChroma(SwsContext* scaler, const FrameKind& kind, const char* horizontal, const char* vertical) {
+    const AVPixFmtDescriptor& format = *av_pix_fmt_desc_get(kind.format);
+    const ChromaPosition position = positionOf(kind.tags.chroma);
+    if (format.log2_chroma_w > 0)
+        setNumber(scaler, horizontal, position.horizontal);
+    if (format.log2_chroma_h > 0)
+        setNumber(scaler, vertical, position.vertical);
+}
+
+FfmpegPtr<SwsContext> makeScaler(const FrameKind& from, const FrameKind& to) {
+    FfmpegPtr<SwsContext> owner = owned(sws_alloc_context());
+    SwsContext* const scaler = owner.get();
+    setNumber(scaler, "srcw", from.width);
+    setNumber(scaler, "srch", from.height);
+    setNumber(scaler, "src_format", from.format);
+    setNumber(scaler, "dstw", to.width);
+    setNumber(scaler, "dsth", to.height);
+    setNumber(scaler, "dst_format", to.format);
+    setNumber(scaler, "sws_flags", kScaling);
+    placeChroma(scaler, from, "src_h_chr_pos", "src_v_chr_pos");
+    placeChroma(scaler, to, "dst_h_chr_pos", "dst_v_chr_pos");
+    sws_setColorspaceDetails(scaler, coefficientsOf(from), isFull(from.tags), coefficientsOf(to),
+                             isFull(to.tags), 0, 1 << 16, 1 << 16);
+    if (sws_init_context(scaler, nullptr, nullptr) < 0)
+        throw Failure(ExitCode::badInput, std::string("has frames of the pixel format ") +
+                                              av_get_pix_fmt_name(from.format) +
+                                              ", from which FFmpeg knows no way to 4:2:0");
+    return owner;
+}
+
+void run(SwsContext& scaler, const AVFrame& from, AVFrame& to) {
+    sws_scale(&scaler, from.data, from.linesize, 0, from.height, to.data, to.linesize);
+}
+
+// `tags` with a matrix, for frames with `lines`.
+ColorTags named(ColorTags tags, int lines) {
+    if (tags.matrix == AVCOL_SPC_UNSPECIFIED)
+        tags.matrix = standardOf(tags, lines) == ColorStandard::bt709 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+    return tags;
+}
+
 } // namespace
 
 FrameConverter::FrameConverter(const VideoFormat& format, const ColorOverride& instead)
-    : m_format(format), m_override(instead) {}
+    : m_wanted{format.width, format.height, format.layout, named(format.tags, format.height)},
+      m_override(instead) {}
 
 FfmpegPtr<AVFrame> FrameConverter::convert(FfmpegPtr<AVFrame> frame) {
-    const Kind kind = {frame->width, frame->height, frame->format, tagsOf(*frame, m_override)};
-    const bool isAsWanted = kind == Kind{m_format.width, m_format.height, m_format.layout, m_format.tags};
+    // Without a tag all sizes in a clip mean what the first one does.
+    const FrameKind kind = {frame->width, frame->height, static_cast<AVPixelFormat>(frame->format),
+                            named(tagsOf(*frame, m_override), m_wanted.height)};
+    const bool isAsWanted = kind == m_wanted;
     if (isAsWanted && isLibraryPitch(*frame) && av_frame_is_writable(frame.get()))
         return frame;
-    FfmpegPtr<AVFrame> result = makeLibraryFrame(m_format);
+    FfmpegPtr<AVFrame> result = makeLibraryFrame(m_wanted);
     if (av_frame_copy_props(result.get(), frame.get()) < 0)
         throw std::bad_alloc();
-    if (isAsWanted)
-        av_frame_copy(result.get(), frame.get());
-    else
-        scale(*frame, kind, *result);
+    if (!isAsWanted) {
+        prepare(kind);
+        scale(*frame, *result);
+    } else if (av_frame_copy(result.get(), frame.get()) < 0) {
+        throw std::bad_alloc();
+    }
     return result;
 }
 
-void FrameConverter::scale(const AVFrame& from, const Kind& kind, AVFrame& to) {
-    if (!m_scaler || !(kind == m_kind))
-        makeScaler(kind);
-    sws_scale(m_scaler.get(), from.data, from.linesize, 0, from.height, to.data, to.linesize);
+void FrameConverter::prepare(const FrameKind& from) {
+    if (m_toLibrary && from == m_from)
+        return;
+    m_toLibrary.reset();
+    m_toRgb.reset();
+    if (isRgb(from) || haveSameMatrix(from, m_wanted)) {
+        m_toLibrary = makeScaler(from, m_wanted);
+    } else { // FFmpeg would do the same by itself, but with chroma in the wrong place
+        FrameKind rgb = {from.width, from.height, AV_PIX_FMT_GBRP16, {}};
+        rgb.tags.matrix = AVCOL_SPC_RGB;
+        rgb.tags.range = AVCOL_RANGE_JPEG;
+        m_rgb = makeFrame(rgb.format, rgb.width, rgb.height);
+        m_toRgb = makeScaler(from, rgb);
+        m_toLibrary = makeScaler(rgb, m_wanted);
+    }
+    m_from = from;
 }
 
-void FrameConverter::makeScaler(const Kind& kind) {
-    m_scaler = owned(sws_alloc_context());
-    SwsContext* const scaler = m_scaler.get();
-    const ChromaPosition from = positionOf(kind.tags.chroma), to = positionOf(m_format.tags.chroma);
-    const auto* const format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(kind.format));
-    setNumber(scaler, "srcw", kind.width);
-    setNumber(scaler, "srch", kind.height);
-    setNumber(scaler, "src_format", kind.format);
-    setNumber(scaler, "dstw", m_format.width);
-    setNumber(scaler, "dsth", m_format.height);
-    setNumber(scaler, "dst_format", m_format.layout);
-    setNumber(scaler, "sws_flags", kScaling);
-    setNumber(scaler, "dst_h_chr_pos", to.horizontal);
-    setNumber(scaler, "dst_v_chr_pos", to.vertical);
-    if (format->log2_chroma_w > 0)
-        setNumber(scaler, "src_h_chr_pos", from.horizontal);
-    if (format->log2_chroma_h > 0)
-        setNumber(scaler, "src_v_chr_pos", from.vertical);
-    sws_setColorspaceDetails(scaler, coefficientsOf(kind.tags, m_format.height), isFull(kind.tags),
-                             coefficientsOf(m_format.tags, m_format.height), isFull(m_format.tags), 0,
-                             1 << 16, 1 << 16);
-    if (sws_init_context(scaler, nullptr, nullptr) < 0)
-        throw Failure(ExitCode::badInput, std::string("has frames of the pixel format ") + format->name +
-                                              ", from which FFmpeg knows no way to 4:2:0");
-    m_kind = kind;
+void FrameConverter::scale(const AVFrame& from, AVFrame& to) {
+    if (m_toRgb)
+        run(*m_toRgb, from, *m_rgb);
+    run(*m_toLibrary, m_toRgb ? *m_rgb : from, to);
 }
 
 } // namespace ze::tool

@@ -7,6 +7,16 @@
 
 namespace ze::tool {
 
+/// What the bytes of a frame mean.
+struct FrameKind {
+    int width = 0;
+    int height = 0;
+    AVPixelFormat format = AV_PIX_FMT_NONE;
+    ColorTags tags;
+
+    bool operator==(const FrameKind& other) const = default;
+};
+
 /// Brings frames of any size and pixel format to one. 8-bit 4:2:0 of that size keeps every value.
 class FrameConverter {
 public:
@@ -20,20 +30,15 @@ public:
     FfmpegPtr<AVFrame> convert(FfmpegPtr<AVFrame> frame);
 
 private:
-    /// What a scaler was made for.
-    struct Kind {
-        int width, height, format;
-        ColorTags tags;
-        bool operator==(const Kind& other) const = default;
-    };
+    void prepare(const FrameKind& from);
+    void scale(const AVFrame& from, AVFrame& to);
 
-    void scale(const AVFrame& from, const Kind& kind, AVFrame& to);
-    void makeScaler(const Kind& kind);
-
-    VideoFormat m_format;
+    FrameKind m_wanted;
     ColorOverride m_override;
-    Kind m_kind = {};
-    FfmpegPtr<SwsContext> m_scaler; ///< From `m_kind`.
+    FrameKind m_from;                  ///< What the rest was made for.
+    FfmpegPtr<SwsContext> m_toRgb;     ///< Only where the color matrix changes.
+    FfmpegPtr<AVFrame> m_rgb;          ///< Between the two.
+    FfmpegPtr<SwsContext> m_toLibrary; ///< From RGB there, from what comes otherwise.
 };
 
 } // namespace ze::tool

@@ -75,6 +75,23 @@ void copySideData(const AVPacketSideData& data, AVStream& to) {
     std::memcpy(copy, data.data, data.size);
 }
 
+bool isCover(const AVStream& stream) {
+    return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0 && stream.attached_pic.size > 0;
+}
+
+bool isMatroska(const AVOutputFormat& format) {
+    return std::string_view(format.name) == "matroska";
+}
+
+uint8_t* copyOf(const AVPacket& packet) {
+    const auto size = static_cast<size_t>(packet.size);
+    auto* const copy = static_cast<uint8_t*>(av_mallocz(size + AV_INPUT_BUFFER_PADDING_SIZE));
+    if (!copy)
+        throw std::bad_alloc();
+    std::memcpy(copy, packet.data, size);
+    return copy;
+}
+
 AVChapter* copyOf(const AVChapter& chapter) {
     auto* const copy = static_cast<AVChapter*>(av_mallocz(sizeof(AVChapter)));
     if (!copy)
@@ -115,7 +132,11 @@ StreamCopy::StreamCopy(const ClipReader& from, const std::vector<int>& streams, 
         const AVStream& stream = *m_from.streams[i];
         if (&stream == &from.video())
             m_video = &addRendered(stream);
-        else if (std::find(streams.begin(), streams.end(), stream.index) != streams.end())
+        else if (std::find(streams.begin(), streams.end(), stream.index) == streams.end())
+            continue;
+        else if (isCover(stream) && isMatroska(*m_to.oformat))
+            attachCover(stream);
+        else
             m_streams[stream.index] = &addCopied(stream);
     }
     copyMetadata(m_from.metadata, &m_to.metadata);
@@ -142,6 +163,19 @@ AVStream& StreamCopy::addRendered(const AVStream& from) {
         if (describesPlacement(from.side_data[i].type))
             copySideData(from.side_data[i], stream);
     return stream;
+}
+
+// Matroska has pictures beside the frames as attachments, of these names.
+void StreamCopy::attachCover(const AVStream& from) {
+    AVStream& stream = add(from);
+    const bool isPng = from.codecpar->codec_id == AV_CODEC_ID_PNG;
+    stream.disposition = 0;
+    stream.codecpar->codec_type = AVMEDIA_TYPE_ATTACHMENT;
+    stream.codecpar->codec_id = from.codecpar->codec_id;
+    stream.codecpar->extradata = copyOf(from.attached_pic);
+    stream.codecpar->extradata_size = from.attached_pic.size;
+    av_dict_set(&stream.metadata, "filename", isPng ? "cover.png" : "cover.jpg", 0);
+    av_dict_set(&stream.metadata, "mimetype", isPng ? "image/png" : "image/jpeg", 0);
 }
 
 AVStream& StreamCopy::addCopied(const AVStream& from) {

@@ -35,6 +35,7 @@ private:
     AVStream& add(const AVStream& from);
     AVStream& addRendered(const AVStream& from);
     AVStream& addCopied(const AVStream& from);
+    void attachCover(const AVStream& from);
     void copyChapters(const ClipReader& reader);
 
     const AVFormatContext& m_from;
