@@ -115,7 +115,8 @@ TEST_F(Video, KeepsTimesStreamsAndTagsOfEveryKindOfClip) {
         {"variable.mkv", "out.webm", source + "-vf 'select=not(mod(n\\,3))+eq(n\\,4)' -vsync vfr -c:v ffv1"},
         {"streams.mkv", "out.mkv",
          source + tone +
-             "-i words.srt -map 0 -map 1 -map 1 -map 1 -map 2 -c:v ffv1 -pix_fmt yuv420p -c:a:0 flac "
+             "-i words.srt -i chapters -map 0 -map 1 -map 1 -map 1 -map 2 -c:v ffv1 -pix_fmt yuv420p -c:a:0 "
+             "flac "
              "-c:a:1 libmp3lame -c:a:2 pcm_s16le -disposition:a:1 default -attach words.srt "
              "-metadata:s:t mimetype=text/plain"},
         {"late.mp4", "out.mp4", source + tone + "-c:v libx264 -bf 2 -pix_fmt yuv420p -output_ts_offset 1.5"},
@@ -139,6 +140,16 @@ TEST_F(Video, KeepsTimesStreamsAndTagsOfEveryKindOfClip) {
         const std::string sound = "-select_streams a -show_entries stream=codec_name:stream_tags=language";
         EXPECT_EQ(probe(output, sound), probe(input, sound));
     }
+}
+
+TEST_F(Video, ScalesWhatChangesInTheMiddleToTheFirstSize) {
+    make("-f lavfi -i testsrc2=s=64x48:r=25:d=0.4 -c:v libx264 -pix_fmt yuv420p first.ts");
+    make("-f lavfi -i testsrc2=s=98x66:r=25:d=0.4 -c:v libx264 -pix_fmt yuv444p -output_ts_offset 0.4 "
+         "then.ts");
+    shell("cat first.ts then.ts > clip.ts");
+    ASSERT_EQ(run("render clip.ts out.mp4"), 0) << errorText();
+    EXPECT_EQ(probe("out.mp4", "-count_packets -show_entries stream=width,height,nb_read_packets"),
+              "stream,64,48,20\n");
 }
 
 TEST_F(Video, CutsFramesAndSoundAtTheSameTimes) {

@@ -51,7 +51,7 @@ bool isContinuous(const AVStream& stream) {
 }
 
 int64_t inUnitsOf(const AVStream& stream, int64_t microseconds) {
-    return av_rescale_q(microseconds, AV_TIME_BASE_Q, stream.time_base);
+    return av_rescale_q(microseconds, kMicrosecond, stream.time_base);
 }
 
 void subtract(int64_t shift, int64_t& time) {
@@ -266,13 +266,12 @@ bool ClipReader::isInRange(int64_t time, const AVStream& stream) {
     if (range.isWhole())
         return true;
     if (range.to <= INT64_MAX - m_start &&
-        av_compare_ts(time, stream.time_base, m_start + range.to, AV_TIME_BASE_Q) >= 0) {
+        av_compare_ts(time, stream.time_base, m_start + range.to, kMicrosecond) >= 0) {
         m_ended.insert(stream.index);
         return false;
     }
     // What lies before the beginning, as the lead-in of AAC does, belongs to it.
-    return range.from == 0 ||
-           av_compare_ts(time, stream.time_base, m_start + range.from, AV_TIME_BASE_Q) >= 0;
+    return range.from == 0 || av_compare_ts(time, stream.time_base, m_start + range.from, kMicrosecond) >= 0;
 }
 
 bool ClipReader::isRangeOver() const {

@@ -130,13 +130,12 @@ StreamCopy::StreamCopy(const ClipReader& from, const std::vector<int>& streams, 
     : m_from(from.container()), m_to(to) {
     for (unsigned i = 0; i < m_from.nb_streams; ++i) {
         const AVStream& stream = *m_from.streams[i];
+        const bool isCopied = std::find(streams.begin(), streams.end(), stream.index) != streams.end();
         if (&stream == &from.video())
             m_video = &addRendered(stream);
-        else if (std::find(streams.begin(), streams.end(), stream.index) == streams.end())
-            continue;
-        else if (isCover(stream) && isMatroska(*m_to.oformat))
+        else if (isCopied && isCover(stream) && isMatroska(*m_to.oformat))
             attachCover(stream);
-        else
+        else if (isCopied)
             m_streams[stream.index] = &addCopied(stream);
     }
     copyMetadata(m_from.metadata, &m_to.metadata);
@@ -174,8 +173,8 @@ void StreamCopy::attachCover(const AVStream& from) {
     stream.codecpar->codec_id = from.codecpar->codec_id;
     stream.codecpar->extradata = copyOf(from.attached_pic);
     stream.codecpar->extradata_size = from.attached_pic.size;
-    av_dict_set(&stream.metadata, "filename", isPng ? "cover.png" : "cover.jpg", 0);
-    av_dict_set(&stream.metadata, "mimetype", isPng ? "image/png" : "image/jpeg", 0);
+    av_dict_set(&stream.metadata, "filename", isPng ? "cover.png" : "cover.jpg", AV_DICT_DONT_OVERWRITE);
+    av_dict_set(&stream.metadata, "mimetype", isPng ? "image/png" : "image/jpeg", AV_DICT_DONT_OVERWRITE);
 }
 
 AVStream& StreamCopy::addCopied(const AVStream& from) {
@@ -194,10 +193,11 @@ void StreamCopy::copyChapters(const ClipReader& reader) {
         throw std::bad_alloc();
     for (unsigned i = 0; i < m_from.nb_chapters; ++i) {
         const AVChapter& chapter = *m_from.chapters[i];
-        const int64_t shift = av_rescale_q(reader.shift(), AV_TIME_BASE_Q, chapter.time_base);
+        const int64_t shift = av_rescale_q(reader.shift(), kMicrosecond, chapter.time_base);
         const int64_t start = std::max<int64_t>(0, chapter.start - shift);
-        const int64_t end =
-            std::min(chapter.end - shift, av_rescale_q(reader.end(), AV_TIME_BASE_Q, chapter.time_base));
+        int64_t end = chapter.end - shift;
+        if (av_compare_ts(end, chapter.time_base, reader.end(), kMicrosecond) > 0)
+            end = av_rescale_q(reader.end(), kMicrosecond, chapter.time_base);
         if (end <= start)
             continue;
         AVChapter* const copy = copyOf(chapter);

@@ -5,7 +5,14 @@
 #include <cstdint>
 #include <limits>
 
+extern "C" {
+#include <libavutil/avutil.h>
+}
+
 namespace ze::tool {
+
+/// The time base of times here and of those that FFmpeg has for whole files.
+inline constexpr AVRational kMicrosecond = {1, AV_TIME_BASE};
 
 /// From `from` up to and without `to`, in microseconds after the beginning of the clip.
 struct TimeRange {
