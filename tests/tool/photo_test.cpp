@@ -125,10 +125,17 @@ TEST_F(PhotoFiles, KeepWhatBelongsToThem) {
             ASSERT_EQ(run("render -y in.jpg "s + name + " --detail " + detail), 0) << errorText();
             EXPECT_EQ(told(tags + name), "1\n-\nsP3C\nQuarters\n300\nAnn\n48.5\n") << name << ", " << detail;
         }
+    ASSERT_EQ(run("render a.avif b.jpg"), 0) << errorText();
+    EXPECT_EQ(told("exiftool -s3 -validate -Artist -ProfileDescription b.jpg"), "OK\nAnn\nsP3C\n");
+    EXPECT_EQ(contentOf(m_directory / "a.png").find("eXIf"), contentOf(m_directory / "a.png").rfind("eXIf"));
     ASSERT_EQ(run("render in.jpg srgb.png --to-srgb"), 0) << errorText();
     EXPECT_EQ(told("exiftool -s3 -ProfileDescription srgb.png"), "sRGB\n");
-    ASSERT_EQ(run("render in.jpg bare.png --strip"), 0) << errorText();
-    EXPECT_EQ(told(tags + "bare.png"), "-\n-\n-\n-\n-\n-\n-\n");
+    for (const char* name : {"bare.jpg", "bare.png", "bare.webp", "bare.avif", "bare.tif"}) {
+        ASSERT_EQ(run("render in.jpg --strip "s + name), 0) << errorText();
+        EXPECT_EQ(told("exiftool -q -q -s3 -f -Artist -GPSLatitude -XMP:Title -ProfileDescription "s + name),
+                  "-\n-\n-\n-\n")
+            << name;
+    }
 }
 
 TEST_F(PhotoFiles, LieOnWhiteWhereAFormatHasNoTransparency) {

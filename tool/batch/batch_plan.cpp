@@ -35,6 +35,7 @@ public:
     }
 
     std::vector<fs::path> photos;
+    std::vector<fs::path> others; // Files that are no pictures.
 
 private:
     void add(const fs::path& folder) {
@@ -53,8 +54,8 @@ private:
     void addEntry(const fs::path& path) {
         std::error_code ignored;
         const bool isLink = fs::is_symlink(path, ignored); // links to folders may lead in circles
-        if (fs::is_regular_file(path, ignored) && isPhotoFile(path))
-            photos.push_back(path);
+        if (fs::is_regular_file(path, ignored))
+            (isPhotoFile(path) ? photos : others).push_back(path);
         else if (m_recursive && !isLink && fs::is_directory(path, ignored) &&
                  !fs::equivalent(path, m_into, ignored))
             add(path);
@@ -64,6 +65,15 @@ private:
     bool m_recursive;
 };
 
+void tellOfOthers(const std::string& folder, const std::vector<fs::path>& others) {
+    if (others.empty())
+        return;
+    const std::string count = std::to_string(others.size());
+    printError("warning: " + folder + ": passed over " + count +
+               (others.size() == 1 ? " file that is" : " files that are") + " no picture, " +
+               (others.size() == 1 ? "" : "the first ") + others.front().filename().string());
+}
+
 // Where the picture `name`, relative to what the user named, goes.
 fs::path outputFor(const fs::path& name, const fs::path& into, const PhotoOptions& options) {
     fs::path output = into / name;
@@ -72,38 +82,57 @@ fs::path outputFor(const fs::path& name, const fs::path& into, const PhotoOption
     return output;
 }
 
-std::vector<BatchJob> jobsFor(const std::string& input, const std::string& into, bool recursive,
-                              const PhotoOptions& options) {
+std::vector<BatchJob> jobsFor(const std::string& input, const BatchOptions& batch,
+                              const PhotoOptions& photo) {
     if (input == kStandardStream)
         throw Failure(ExitCode::usage, "standard input has no name for a file in --into");
     std::error_code ignored;
     if (!fs::is_directory(input, ignored))
-        return {{input, outputFor(fs::path(input).filename(), into, options)}};
+        return {{input, outputFor(fs::path(input).filename(), batch.into, photo)}};
     std::vector<BatchJob> jobs;
-    for (const fs::path& photo : Folder(input, into, recursive).photos)
-        jobs.push_back({photo, outputFor(photo.lexically_relative(input), into, options)});
+    const Folder folder(input, batch.into, batch.recursive);
+    tellOfOthers(input, folder.others);
+    for (const fs::path& file : folder.photos)
+        jobs.push_back({file, outputFor(file.lexically_relative(input), batch.into, photo)});
     return jobs;
 }
 
-} // namespace
-
-std::vector<BatchJob> planBatch(const std::vector<std::string>& inputs, const std::string& into,
-                                bool recursive, const PhotoOptions& options) {
-    std::vector<BatchJob> jobs;
-    for (const std::string& input : inputs)
-        for (BatchJob& job : jobsFor(input, into, recursive, options))
-            jobs.push_back(std::move(job));
-    if (jobs.empty())
-        throw Failure(ExitCode::badInput, inputs.front(), "has no pictures in it");
-
+void refuseSameNames(const std::vector<BatchJob>& jobs) {
     std::map<std::string, std::string> inputOf;
     for (const BatchJob& job : jobs) {
         const auto [other, isNew] = inputOf.emplace(job.output, job.input);
         if (!isNew)
             throw Failure(ExitCode::usage, job.output,
                           "would be written twice, from " + other->second + " and from " + job.input);
-        options.checkedFormat(job.output);
     }
+}
+
+// A name that is misspelled has no extension perhaps; that it is no file is what to say.
+void checkJob(const BatchJob& job, const PhotoOptions& options) {
+    std::error_code ignored;
+    if (fs::path(job.input).extension().empty() && !fs::exists(job.input, ignored))
+        throw Failure(ExitCode::badInput, job.input, "there is no such file or folder");
+    options.checkedFormat(job.output);
+}
+
+} // namespace
+
+std::vector<BatchJob> planBatch(const std::vector<std::string>& inputs, const BatchOptions& batch,
+                                const PhotoOptions& photo) {
+    std::vector<BatchJob> jobs;
+    for (const std::string& input : inputs)
+        for (BatchJob& job : jobsFor(input, batch, photo))
+            jobs.push_back(std::move(job));
+    if (jobs.empty())
+        throw Failure(ExitCode::badInput, inputs.front(), "has no pictures in it");
+    refuseSameNames(jobs);
+    if (batch.skipExisting)
+        std::erase_if(jobs, [](const BatchJob& job) {
+            std::error_code ignored;
+            return fs::exists(job.output, ignored);
+        });
+    for (const BatchJob& job : jobs)
+        checkJob(job, photo);
     return jobs;
 }
 

@@ -69,7 +69,7 @@ private:
     void readAll() {
         for (const BatchJob& job : m_jobs) {
             Item item = {&job, {}, {}};
-            attempt(item, [&] { item.frames = m_effect.prepare(m_options.read(job.input)); });
+            attempt(item, [&] { item.frames = m_effect.prepare(job.input, m_options.read(job.input)); });
             if (!m_read.push(std::move(item)))
                 break;
         }

@@ -53,8 +53,11 @@ std::vector<std::string> namesOf(const CLI::Option& option) {
     return names;
 }
 
-bool takesText(const CLI::Option& option) {
-    return option.get_type_name().rfind("TEXT", 0) == 0;
+// A file name, or a text, which may be one.
+bool takesFile(const CLI::Option& option) {
+    const std::string type = option.get_type_name();
+    const auto begins = [&](const char* name) { return type.rfind(name, 0) == 0; };
+    return begins("TEXT") || begins("FILE") || begins("DIR");
 }
 
 std::string joined(const std::vector<std::string>& words) {
@@ -77,7 +80,7 @@ void Cases::addValue(const std::string& command, const CLI::Option& option) {
     std::string action;
     if (!choices.empty())
         action = "choices='" + joined(choices) + "' ";
-    else if (takesText(option))
+    else if (takesFile(option))
         action = "files=yes ";
     for (const std::string& name : namesOf(option))
         values += "        '" + command + " " + name + "') " + action + ";;\n";
@@ -87,7 +90,7 @@ void Cases::addOptions(const std::string& command, const CLI::App& app) {
     std::vector<std::string> names, subcommands;
     bool readsFiles = false;
     for (const CLI::Option* option : app.get_options()) {
-        readsFiles |= option->get_positional() && takesText(*option);
+        readsFiles |= option->get_positional() && takesFile(*option);
         for (const std::string& name : namesOf(*option))
             names.push_back(name);
     }

@@ -22,7 +22,10 @@ void PhotoOptions::addOutputOptions(CLI::App& command) {
                     "Format of the output, by its extension (png, jpg, webp, tif, avif …), whatever its "
                     "name says")
         ->type_name("EXTENSION");
-    command.add_option("--quality", save.quality, "Quality of JPEG, WebP, AVIF and the like")
+    command
+        .add_option(
+            "--quality", save.quality,
+            "Quality of JPEG, WebP, AVIF and the like; libvips' own choice without it, 75 for JPEG and WebP")
         ->check(CLI::Range(1, 100));
     command.add_flag("--lossless", save.lossless, "Lose nothing, where the format has the choice");
     command.add_flag("--strip", save.strip, "Leave out color profile and metadata");

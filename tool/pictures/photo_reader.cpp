@@ -59,6 +59,19 @@ void open(const std::string& bytes, EncodedPhoto& photo) {
     }
 }
 
+// The reader of HEIC and AVIF lends the color profile, which goes with the image that it made. A copy stays.
+VImage withOwnBlobs(const VImage& image) {
+    VImage result = image.copy();
+    for (const std::string& name : fieldsOf(image)) {
+        if (image.get_typeof(name.c_str()) != VIPS_TYPE_BLOB)
+            continue;
+        size_t size = 0;
+        const void* const bytes = image.get_blob(name.c_str(), &size);
+        vips_image_set_blob_copy(result.get_image(), name.c_str(), bytes, size);
+    }
+    return result;
+}
+
 bool isTiff(const std::string& bytes) {
     return bytes.compare(0, 4, "II*\0", 4) == 0 || bytes.compare(0, 4, "MM\0*", 4) == 0;
 }
@@ -163,7 +176,7 @@ Photo decodePhoto(const std::string& name, const std::string& bytes, ColorProfil
         open(bytes, photo);
         checkMemory(photo.image, memory);
         tellOfMorePages(name, photo.image);
-        return upright(inRgb(photo.image, profiles).copy_memory());
+        return upright(inRgb(withOwnBlobs(photo.image), profiles).copy_memory());
     } catch (const vips::VError& error) {
         throw unreadable(bytes, error);
     }

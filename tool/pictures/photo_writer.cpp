@@ -52,6 +52,36 @@ Photo withResolution(const Photo& photo) {
     return photo.copy(VImage::option()->set("xres", kUsualResolution)->set("yres", kUsualResolution));
 }
 
+// Savers do not all strip what they are told to.
+Photo withoutFields(const Photo& photo) {
+    const Photo result = photo.copy();
+    for (const std::string& name : fieldsOf(photo))
+        vips_image_remove(result.get_image(), name.c_str());
+    return result;
+}
+
+uint32_t bigEndianAt(const std::string& bytes, size_t at) {
+    uint32_t value = 0;
+    for (size_t i = at; i < at + 4; ++i)
+        value = value << 8 | static_cast<uint8_t>(bytes[i]);
+    return value;
+}
+
+// libpng writes the EXIF block at the beginning and again at the end, where it is not allowed.
+void dropSecondExif(std::string& png) {
+    constexpr size_t kSignature = 8, kChunkOverhead = 12; // length, type and checksum
+    bool hasExif = false;
+    for (size_t at = kSignature; at + kChunkOverhead <= png.size();) {
+        const size_t size = kChunkOverhead + bigEndianAt(png, at);
+        const bool isExif = png.compare(at + 4, 4, "eXIf") == 0;
+        if (isExif && hasExif)
+            png.erase(at, size);
+        else
+            at += size;
+        hasExif = hasExif || isExif;
+    }
+}
+
 } // namespace
 
 const PhotoFormat* photoFormatOf(const std::string& extension) {
@@ -85,13 +115,16 @@ void checkSaveOptions(const PhotoFormat& format, const SaveOptions& options) {
 std::string encodePhoto(const Photo& photo, const PhotoFormat& format, const SaveOptions& options) {
     try {
         const vips::VTarget target = vips::VTarget::new_to_memory();
-        withResolution(photo).write_to_target(format.suffix, target, saverOptions(photo, format, options));
+        const Photo whole = withResolution(options.strip ? withoutFields(photo) : photo);
+        whole.write_to_target(format.suffix, target, saverOptions(photo, format, options));
         VipsBlob* blob = nullptr;
         g_object_get(target.get_target(), "blob", &blob, nullptr);
         size_t size = 0;
         const void* const bytes = vips_blob_get(blob, &size);
         std::string result(static_cast<const char*>(bytes), size);
         vips_area_unref(VIPS_AREA(blob));
+        if (std::string_view(format.extension) == ".png")
+            dropSecondExif(result);
         return result;
     } catch (const vips::VError& error) {
         throw Failure(ExitCode::failed, "cannot be encoded (" + vipsReason(error) + ")");

@@ -29,6 +29,15 @@ void allowUntrustedFormats() {
     vips_block_untrusted_set(FALSE);
 }
 
+std::vector<std::string> fieldsOf(const vips::VImage& image) {
+    gchar** const names = vips_image_get_fields(image.get_image());
+    std::vector<std::string> result;
+    for (gchar** name = names; *name; ++name)
+        result.emplace_back(*name);
+    g_strfreev(names);
+    return result;
+}
+
 std::string vipsReason(const vips::VError& error) {
     std::string text = error.what();
     text.erase(text.find_last_not_of(" \n") + 1);

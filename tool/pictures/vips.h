@@ -15,6 +15,9 @@ void startVips();
 /// Lifts the block, for the whole process.
 void allowUntrustedFormats();
 
+/// The names of all that the header of `image` holds.
+std::vector<std::string> fieldsOf(const vips::VImage& image);
+
 /// What libvips says about its last failure on this thread, as one line.
 std::string vipsReason(const vips::VError& error);
 

@@ -1,5 +1,6 @@
 #include "tool/render/photo_effect.h"
 
+#include "tool/errors.h"
 #include "tool/render/headless.h"
 #include "tool/render/texture_limit.h"
 
@@ -29,7 +30,9 @@ void PhotoEffect::set(const zebeauty::Settings& settings) {
     m_settings = settings;
 }
 
-PhotoFrames PhotoEffect::prepare(const Photo& photo) const {
+PhotoFrames PhotoEffect::prepare(const std::string& file, const Photo& photo) const {
+    if (isDeep(photo) && m_detail == Detail::frame)
+        printError("warning: " + file + ": has 16 bits a channel, of which a camera frame keeps 8");
     PhotoFrames frames = {photo, {}, {}};
     if (!m_settings.isActive() && m_detail == Detail::photo)
         return frames;

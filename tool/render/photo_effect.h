@@ -32,7 +32,8 @@ public:
     /// Other effects for the photos that are prepared from here on.
     void set(const zebeauty::Settings& settings);
 
-    PhotoFrames prepare(const Photo& photo) const;
+    /// Warns on standard error, naming `file`, where 16 bits become the 8 of a frame.
+    PhotoFrames prepare(const std::string& file, const Photo& photo) const;
 
     /// Draws. Throws `Failure`: `failed` when the library fails or the photo is larger than the GPU can take,
     /// `noGl` when there is no GPU.

@@ -20,9 +20,8 @@ namespace {
 
 struct RenderOptions {
     std::vector<std::string> files; // INPUT and OUTPUT, or with `into` inputs alone
-    std::string into;               // empty for one picture
-    bool recursive = false;
-    std::string compare; // empty for no picture of before and after
+    BatchOptions batch;             // of which `into` is empty for one picture
+    std::string compare;            // empty for no picture of before and after
     float smooth = 0.8f;
     float whiten = 0.2f;
     std::string lut; // empty for no grading
@@ -113,11 +112,14 @@ void renderOne(const RenderOptions& options, const std::string& input, const std
         return;
     }
     options.clip.checkUnused();
+    std::error_code ignored;
+    if (std::filesystem::is_directory(input, ignored))
+        throw Failure(ExitCode::usage, input, "is a folder; --into DIR renders the pictures in it");
     checkOutputs(options, output);
     const Photo before = options.photo.read(input);
     Effects effects(options);
     const Photo after = withFileInError(input, [&] {
-        PhotoFrames frames = effects.photo->prepare(before);
+        PhotoFrames frames = effects.photo->prepare(input, before);
         effects.photo->render(frames);
         return PhotoEffect::finish(frames);
     });
@@ -134,8 +136,7 @@ void renderOne(const RenderOptions& options, const std::string& input, const std
 
 void renderMany(const RenderOptions& options) {
     options.clip.checkUnused();
-    const std::vector<BatchJob> jobs =
-        planBatch(options.files, options.into, options.recursive, options.photo);
+    const std::vector<BatchJob> jobs = planBatch(options.files, options.batch, options.photo);
     Effects effects(options);
     runBatch(jobs, *effects.photo, options.photo);
 }
@@ -144,7 +145,7 @@ void render(const RenderOptions& options) {
     if (options.detail == "photo" && !options.lut.empty())
         throw Failure(ExitCode::usage, "--detail photo: a grading cannot be added to a photo; with --lut it "
                                        "is --detail frame");
-    if (!options.into.empty())
+    if (!options.batch.into.empty())
         renderMany(options);
     else if (options.files.size() == 2)
         renderOne(options, options.files.front(), options.files.back());
@@ -168,9 +169,15 @@ void addRenderCommand(CLI::App& program) {
             "PNG, JPEG, WebP, TIFF, AVIF, HEIC and others; clips are whatever FFmpeg reads, and .mp4, "
             ".mov, .mkv, .webm or .y4m")
         ->required();
-    command->add_option("--into", options->into,
-                        "Folder to write many pictures to, under their own names; it is made if need be");
-    command->add_flag("-r", options->recursive, "Also take the pictures in folders of folders")
+    command
+        ->add_option("--into", options->batch.into,
+                     "Folder to write many pictures to, under their own names; it is made if need be")
+        ->type_name("DIR");
+    command->add_flag("-r", options->batch.recursive, "Also take the pictures in folders of folders")
+        ->needs("--into");
+    command
+        ->add_flag("--skip-existing", options->batch.skipExisting,
+                   "Leave out pictures whose output exists, to go on where a run ended")
         ->needs("--into");
     CLI::Option* smooth = command->add_option("--smooth", options->smooth, "How much to smooth skin, 0 to 1")
                               ->check(checkAmount)
@@ -185,6 +192,7 @@ void addRenderCommand(CLI::App& program) {
                          "Grade colors through a LUT file, or through anything that 'zebeauty lut bake' "
                          "reads. With --smooth or --whiten both effects run, in the order in which they "
                          "are named here; without them the grading runs alone")
+            ->type_name("FILE")
             ->check([](const std::string& file) { return file.empty() ? "no file is named" : ""; });
     command->add_option("--intensity", options->intensity, "How much of the graded color to mix in, 0 to 1")
         ->check(checkAmount)
@@ -208,6 +216,7 @@ void addRenderCommand(CLI::App& program) {
         ->capture_default_str();
     command
         ->add_option("--compare", options->compare, "Also write before and after, side by side, to this file")
+        ->type_name("FILE")
         ->excludes("--into");
     options->photo.addInputOptions(*command);
     options->photo.addOutputOptions(*command);

@@ -81,7 +81,7 @@ Photo drawSheet(const SheetOptions& options, const Photo& photo, const std::vect
     PhotoEffect effect({}, {}, options.luts.empty() ? Detail::photo : Detail::frame);
     for (const Version& version : versions) {
         effect.set(version.settings);
-        PhotoFrames frames = effect.prepare(photo);
+        PhotoFrames frames = effect.prepare(options.input, photo);
         effect.render(frames);
         sheet.add(PhotoEffect::finish(frames), version.label);
     }
@@ -118,9 +118,10 @@ void addSheetCommand(CLI::App& program) {
             ->type_name("NUMBERS");
     };
     addAmounts("--smooth", options->smooth,
-               "How much to smooth skin, amounts from 0 to 1 with commas between; 0,0.4,0.8 where neither "
-               "this nor --lut is named");
-    addAmounts("--whiten", options->whiten, "How much to lift the whole picture, likewise; 0,0.2,0.4");
+               "How much to smooth skin, amounts from 0 to 1 with commas between (default: 0,0.4,0.8; with "
+               "--lut alone nothing is smoothed or lifted)");
+    addAmounts("--whiten", options->whiten,
+               "How much to lift the whole picture, likewise (default: 0,0.2,0.4)");
     command->add_option("--lut", options->luts, "Files to grade colors through, with commas between")
         ->delimiter(',')
         ->type_name("FILES");
