@@ -27,22 +27,22 @@ void keepError(void*, int level, const char* format, va_list arguments) {
         g_message = std::move(text);
 }
 
+std::string meaningOf(int error) {
+    char text[AV_ERROR_MAX_STRING_SIZE] = "";
+    av_strerror(error, text, sizeof text);
+    return text;
+}
+
 } // namespace
 
 void catchFfmpegMessages() {
     av_log_set_callback(keepError);
 }
 
-std::string ffmpegErrorText(int error) {
-    char text[AV_ERROR_MAX_STRING_SIZE] = "";
-    av_strerror(error, text, sizeof text);
-    return text;
-}
-
 std::string ffmpegReason(int error) {
     const std::lock_guard lock(g_mutex);
     std::string message = std::exchange(g_message, {});
-    return message.empty() ? ffmpegErrorText(error) : message;
+    return message.empty() ? meaningOf(error) : message;
 }
 
 } // namespace ze::tool

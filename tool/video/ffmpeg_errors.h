@@ -13,7 +13,4 @@ void catchFfmpegMessages();
 /// of this function, on any thread, or else the meaning of the number. One line.
 std::string ffmpegReason(int error);
 
-/// The meaning of the number alone.
-std::string ffmpegErrorText(int error);
-
 } // namespace ze::tool
