@@ -15,7 +15,8 @@ namespace {
 std::mutex g_mutex;
 std::string g_message; // the last error logged
 
-void keepError(void*, int level, const char* format, va_list arguments) {
+__attribute__((format(printf, 3, 0))) void keepError(void*, int level, const char* format,
+                                                     va_list arguments) {
     if (level > AV_LOG_ERROR)
         return;
     char line[512];
