@@ -16,9 +16,12 @@ namespace fs = std::filesystem;
 
 constexpr size_t kSniffedBytes = 4096;
 
+// Also of a file that cannot be read: the run will say why.
 bool isPhotoFile(const fs::path& path) {
     std::string start(kSniffedBytes, '\0');
     std::ifstream file(path, std::ios::binary);
+    if (!file)
+        return true;
     file.read(start.data(), static_cast<std::streamsize>(start.size()));
     start.resize(static_cast<size_t>(file.gcount()));
     return looksLikePhoto(start);

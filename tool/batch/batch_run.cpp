@@ -37,11 +37,18 @@ void attempt(Item& item, Step step) {
         item.frames = {};
 }
 
+void makeFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    if (!folder.empty())
+        std::filesystem::create_directories(folder, error);
+    if (error)
+        throw Failure(ExitCode::failed, folder, "cannot be made: " + error.message());
+}
+
 void write(const Item& item, const PhotoOptions& options) {
     const std::string& output = item.job->output;
     const std::string bytes = options.encoded(output, PhotoEffect::finish(item.frames));
-    std::error_code ignored; // the file says why it cannot be written
-    std::filesystem::create_directories(std::filesystem::path(output).parent_path(), ignored);
+    makeFolder(std::filesystem::path(output).parent_path());
     OutputFile(output, bytes).commit();
 }
 

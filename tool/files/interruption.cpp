@@ -30,6 +30,7 @@ void endUnlessHeld(int signal) {
 } // namespace
 
 void prepareForInterruptions() {
+    std::signal(SIGXFSZ, SIG_IGN); // a file that grows too large is a write that fails
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
         struct sigaction action = {};
         sigaction(signal, nullptr, &action);

@@ -12,6 +12,8 @@ void checkOutput(const std::string& path, bool overwrite) {
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored))
         throw Failure(ExitCode::usage, path, "is a directory");
+    if (!isStream(path))
+        libraryFileName(path); // refuses what the file could not be called
     if (!overwrite && !isStream(path) && std::filesystem::exists(path, ignored))
         throw Failure(ExitCode::usage, path, "exists already; -y overwrites it");
 }

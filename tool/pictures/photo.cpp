@@ -83,6 +83,14 @@ Photo withChange(const Photo& photo, const Picture& before, const Picture& after
     return inPlaceOf(photo, (colorsOf(photo) + change).cast(photo.format()));
 }
 
+Photo convertedToSrgb(const Photo& photo, const char* fallbackProfile) {
+    return photo.icc_transform("srgb", VImage::option()
+                                           ->set("embedded", true)
+                                           ->set("input_profile", fallbackProfile)
+                                           ->set("intent", VIPS_INTENT_RELATIVE)
+                                           ->set("depth", isDeep(photo) ? 16 : 8));
+}
+
 Photo withProfileOf(const Photo& photo, const Photo& pixels) {
     const Photo result = pixels.copy();
     GValue profile = G_VALUE_INIT;

@@ -35,6 +35,10 @@ Photo withChange(const Photo& photo, const Picture& before, const Picture& after
 /// belongs to the file of `left`.
 Photo sideBySide(const Photo& left, const Photo& right);
 
+/// `photo` in sRGB, converted through its profile or, where it has none, the one that libvips calls
+/// `fallbackProfile`.
+Photo convertedToSrgb(const Photo& photo, const char* fallbackProfile = "srgb");
+
 /// `pixels` with the color profile of `photo`, if it has one.
 Photo withProfileOf(const Photo& photo, const Photo& pixels);
 

@@ -38,7 +38,8 @@ Photo PhotoOptions::read(const std::string& path) const {
 
 const PhotoFormat& PhotoOptions::formatOf(const std::string& output) const {
     const std::string extension = as.empty() ? extensionOf(output) : extensionOf("x." + as);
-    if (const PhotoFormat* const format = photoFormatOf(extension))
+    const bool isPlain = as.find_first_of("./") == as.npos;
+    if (const PhotoFormat* const format = isPlain ? photoFormatOf(extension) : nullptr)
         return *format;
     if (!as.empty())
         throw Failure(ExitCode::usage,

@@ -33,30 +33,56 @@ struct EncodedPhoto {
     VImage image;
 };
 
-// Asking for a loader that does not exist leaves an error behind, which is no answer to a later question.
-bool hasSourceLoader(const vips::VSource& source) {
-    const bool found = vips_foreign_find_load_source(source.get_source()) != nullptr;
+// The name of a loader, or null. Asking for one that does not exist leaves an error behind, which is no
+// answer to a later question.
+const char* found(const char* loader) {
     vips_error_clear();
-    return found;
+    return loader;
 }
 
-bool hasBufferLoader(const std::string& bytes) {
-    const bool found = vips_foreign_find_load_buffer(bytes.data(), bytes.size()) != nullptr;
-    vips_error_clear();
-    return found;
+const char* sourceLoader(const vips::VSource& source) {
+    return found(vips_foreign_find_load_source(source.get_source()));
+}
+
+const char* bufferLoader(const std::string& bytes) {
+    return found(vips_foreign_find_load_buffer(bytes.data(), bytes.size()));
+}
+
+bool isTiff(const std::string& bytes) {
+    return bytes.compare(0, 4, "II*\0", 4) == 0 || bytes.compare(0, 4, "MM\0*", 4) == 0;
+}
+
+// Some loaders read a file before libvips refuses them.
+void refuseBlocked(const char* loader, const std::string& bytes) {
+    if (!isBlocked(loader))
+        return;
+    // A TIFF that lost its end, where its directory is, passes for nothing that libvips itself reads.
+    if (isTiff(bytes))
+        throw Failure(ExitCode::badInput, "is no valid picture (a TIFF that is damaged or cut short)");
+    throw Failure(ExitCode::badInput, "is in a format whose reader libvips does not trust with files of "
+                                      "strangers; --untrusted reads it");
 }
 
 // libvips has three kinds of loaders; few formats have all of them.
 void open(const std::string& bytes, EncodedPhoto& photo) {
     photo.source.emplace(vips::VSource::new_from_memory(bytes.data(), bytes.size()));
-    if (hasSourceLoader(*photo.source)) {
+    if (const char* const loader = sourceLoader(*photo.source)) {
+        refuseBlocked(loader, bytes);
         photo.image = VImage::new_from_source(*photo.source, "", loadOptions());
-    } else if (hasBufferLoader(bytes)) {
-        photo.image = VImage::new_from_buffer(bytes.data(), bytes.size(), "", loadOptions());
-    } else {
-        photo.file.emplace(bytes);
-        photo.image = VImage::new_from_file(photo.file->path().c_str(), loadOptions());
+        return;
     }
+    if (const char* const loader = bufferLoader(bytes)) {
+        refuseBlocked(loader, bytes);
+        photo.image = VImage::new_from_buffer(bytes.data(), bytes.size(), "", loadOptions());
+        return;
+    }
+    photo.file.emplace(bytes);
+    const std::string path = photo.file->path();
+    const char* const loader = found(vips_foreign_find_load(path.c_str()));
+    if (!loader)
+        throw Failure(ExitCode::badInput, "is no picture in a format that can be read");
+    refuseBlocked(loader, bytes);
+    photo.image = VImage::new_from_file(path.c_str(), loadOptions());
 }
 
 // The reader of HEIC and AVIF lends the color profile, which goes with the image that it made. A copy stays.
@@ -72,21 +98,11 @@ VImage withOwnBlobs(const VImage& image) {
     return result;
 }
 
-bool isTiff(const std::string& bytes) {
-    return bytes.compare(0, 4, "II*\0", 4) == 0 || bytes.compare(0, 4, "MM\0*", 4) == 0;
-}
-
-Failure unreadable(const std::string& bytes, const vips::VError& error) {
-    // A TIFF that lost its end, where its directory is, passes for nothing that libvips itself reads.
-    if (isAboutBlockedFormat(error) && isTiff(bytes))
-        return {ExitCode::badInput, "is no valid picture (a TIFF that is damaged or cut short)"};
+Failure unreadable(const vips::VError& error) {
     const std::string reason = vipsReason(error);
     const auto says = [&](const char* text) { return reason.find(text) != reason.npos; };
-    if (isAboutBlockedFormat(error))
-        return {ExitCode::badInput, "is in a format whose reader libvips does not trust with files of "
-                                    "strangers; --untrusted reads it"};
-    if (says("not in a known format") || says("not a known file format"))
-        return {ExitCode::badInput, "is no picture in a format that can be read"};
+    if (says("not supported") || says("out of range"))
+        return {ExitCode::badInput, "is of a kind that libvips cannot read (" + reason + ")"};
     if (says("Unsupported codec"))
         return {ExitCode::badInput, "needs a decoder that the libheif of this machine lacks "
                                     "(libde265 for HEIC, dav1d or libaom for AVIF)"};
@@ -121,31 +137,74 @@ bool isFloating(const VImage& image) {
     return vips_band_format_isfloat(image.format()) != 0 || vips_band_format_iscomplex(image.format()) != 0;
 }
 
-VImage inSrgb(const VImage& image, const char* fallbackProfile) {
-    const bool deep = image.format() == VIPS_FORMAT_USHORT;
-    return image.icc_transform("srgb", VImage::option()
-                                           ->set("embedded", true)
-                                           ->set("input_profile", fallbackProfile)
-                                           ->set("intent", VIPS_INTENT_RELATIVE)
-                                           ->set("depth", deep ? 16 : 8));
+bool isOneOf(VipsInterpretation kind, std::initializer_list<VipsInterpretation> kinds) {
+    return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+}
+
+bool isGray(VipsInterpretation kind) {
+    return isOneOf(kind, {VIPS_INTERPRETATION_B_W, VIPS_INTERPRETATION_GREY16});
+}
+
+bool isRgb(VipsInterpretation kind) {
+    return isOneOf(kind, {VIPS_INTERPRETATION_sRGB, VIPS_INTERPRETATION_RGB, VIPS_INTERPRETATION_RGB16});
+}
+
+VipsInterpretation kindOf(const VImage& image) {
+    return vips_image_guess_interpretation(image.get_image());
+}
+
+bool hasProfile(const VImage& image) {
+    return image.get_typeof(VIPS_META_ICC_NAME) != 0;
+}
+
+VImage as(const VImage& image, VipsInterpretation kind) {
+    return image.copy(VImage::option()->set("interpretation", kind));
+}
+
+// `image` times `scale` in 16 bits.
+VImage scaledTo16Bits(const VImage& image, double scale) {
+    const bool gray = image.bands() < 3;
+    return as((image * scale).rint().cast(VIPS_FORMAT_USHORT),
+              gray ? VIPS_INTERPRETATION_GREY16 : VIPS_INTERPRETATION_RGB16);
+}
+
+// Samples of 32 bits in a form that the rest knows. Floats from 0 to 1 are numbers of the profile where there
+// is one; without one they are linear light.
+VImage withKnownSamples(const VImage& image) {
+    constexpr double kStepsOf32Bits = 65537; // in one of 16
+    const VipsInterpretation kind = kindOf(image);
+    const bool isPlain = isGray(kind) || isRgb(kind) || kind == VIPS_INTERPRETATION_scRGB;
+    if (image.format() == VIPS_FORMAT_UINT && isPlain)
+        return scaledTo16Bits(image, 1 / kStepsOf32Bits);
+    if (!isFloating(image) || !isPlain)
+        return image;
+    if (hasProfile(image))
+        return scaledTo16Bits(image, 65535);
+    const VImage first = image.bands() < 3 ? image.extract_band(0) : image;
+    return as(first.bands() == 1 ? first.bandjoin(first).bandjoin(first) : first, VIPS_INTERPRETATION_scRGB);
+}
+
+// What is not RGB has no use for its profile once it is.
+VImage withoutProfile(const VImage& image) {
+    const VImage result = image.copy();
+    vips_image_remove(result.get_image(), VIPS_META_ICC_NAME);
+    return result;
 }
 
 // RGB or RGBA of 8 or 16 bits.
 VImage inRgb(VImage image, ColorProfiles profiles) {
     if (image.get_int("coding") == VIPS_CODING_RAD)
         image = image.rad2float();
-    const bool hasProfile = image.get_typeof(VIPS_META_ICC_NAME) != 0;
-    const VipsInterpretation kind = vips_image_guess_interpretation(image.get_image());
-    const bool isGray = kind == VIPS_INTERPRETATION_B_W || kind == VIPS_INTERPRETATION_GREY16;
-    const bool isRgb = kind == VIPS_INTERPRETATION_sRGB || kind == VIPS_INTERPRETATION_RGB ||
-                       kind == VIPS_INTERPRETATION_RGB16;
+    image = withKnownSamples(image);
+    const VipsInterpretation kind = kindOf(image);
     if (kind == VIPS_INTERPRETATION_CMYK)
-        return inSrgb(image, "cmyk");
-    if (hasProfile && !isFloating(image) && (isGray || (isRgb && profiles == ColorProfiles::convertedToSrgb)))
-        return inSrgb(image, "srgb");
-    if (!isRgb)
-        image = image.colourspace(image.format() == VIPS_FORMAT_USHORT ? VIPS_INTERPRETATION_RGB16
-                                                                       : VIPS_INTERPRETATION_sRGB);
+        return convertedToSrgb(image, "cmyk");
+    if (hasProfile(image) && (isGray(kind) || (isRgb(kind) && profiles == ColorProfiles::convertedToSrgb)))
+        return convertedToSrgb(image);
+    const bool deep = image.format() == VIPS_FORMAT_USHORT || kind == VIPS_INTERPRETATION_LABS;
+    if (!isRgb(kind))
+        image =
+            withoutProfile(image.colourspace(deep ? VIPS_INTERPRETATION_RGB16 : VIPS_INTERPRETATION_sRGB));
     if (image.bands() > 4)
         image = image.extract_band(0, VImage::option()->set("n", 4));
     return image.format() == VIPS_FORMAT_USHORT ? image : image.cast(VIPS_FORMAT_UCHAR);
@@ -178,7 +237,7 @@ Photo decodePhoto(const std::string& name, const std::string& bytes, ColorProfil
         tellOfMorePages(name, photo.image);
         return upright(inRgb(withOwnBlobs(photo.image), profiles).copy_memory());
     } catch (const vips::VError& error) {
-        throw unreadable(bytes, error);
+        throw unreadable(error);
     }
 }
 
@@ -189,8 +248,7 @@ Photo readPhoto(const std::string& path, ColorProfiles profiles) {
 
 bool looksLikePhoto(const std::string& start) {
     startVips();
-    return hasSourceLoader(vips::VSource::new_from_memory(start.data(), start.size())) ||
-           hasBufferLoader(start);
+    return sourceLoader(vips::VSource::new_from_memory(start.data(), start.size())) || bufferLoader(start);
 }
 
 } // namespace ze::tool

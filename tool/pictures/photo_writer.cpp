@@ -13,24 +13,24 @@ using vips::VImage;
 constexpr double kUsualResolution = 72 / 25.4; // pixels per millimeter, of pictures that name none
 
 constexpr PhotoFormat kFormats[] = {
-    // extension, suffix, quality, losslessness
-    {".png", ".png", false, true},  {".jpg", ".jpg", true, false},  {".jpeg", ".jpg", true, false},
-    {".webp", ".webp", true, true}, {".tif", ".tif", false, true},  {".tiff", ".tif", false, true},
-    {".avif", ".heic", true, true}, {".heic", ".heic", true, true}, {".jp2", ".jp2", true, true},
-    {".jxl", ".jxl", true, true},   {".gif", ".gif", false, false}, {".ppm", ".ppm", false, true},
+    // extension, suffix, quality, losslessness, profile
+    {".png", ".png", false, true, true},   {".jpg", ".jpg", true, false, true},
+    {".jpeg", ".jpg", true, false, true},  {".webp", ".webp", true, true, true},
+    {".tif", ".tif", false, true, true},   {".tiff", ".tif", false, true, true},
+    {".avif", ".heic", true, false, true}, {".heic", ".heic", true, false, true},
+    {".jp2", ".jp2", true, true, false},   {".jxl", ".jxl", true, true, true},
+    {".gif", ".gif", false, false, false}, {".ppm", ".ppm", false, true, false},
 };
 
-// The class of the operation that saves `format`; null when libvips has none here.
-const VipsOperationClass* saverOf(const PhotoFormat& format) {
+// The operation that saves `format`; null when libvips has none here.
+const char* saverOf(const PhotoFormat& format) {
     startVips();
-    const char* const name = vips_foreign_find_save_target(format.suffix);
-    return name ? reinterpret_cast<const VipsOperationClass*>(vips_class_find("VipsOperation", name))
-                : nullptr;
+    return vips_foreign_find_save_target(format.suffix);
 }
 
 bool isWritable(const PhotoFormat& format) {
-    const VipsOperationClass* const saver = saverOf(format);
-    return saver && (saver->flags & VIPS_OPERATION_BLOCKED) == 0;
+    const char* const saver = saverOf(format);
+    return saver && !isBlocked(saver);
 }
 
 vips::VOption* saverOptions(const Photo& photo, const PhotoFormat& format, const SaveOptions& options) {
@@ -58,6 +58,13 @@ Photo withoutFields(const Photo& photo) {
     for (const std::string& name : fieldsOf(photo))
         vips_image_remove(result.get_image(), name.c_str());
     return result;
+}
+
+// Where the profile cannot go along, the numbers have to change for the colors to stay.
+Photo inColorsOf(const PhotoFormat& format, const Photo& photo) {
+    if (format.keepsProfile || photo.get_typeof(VIPS_META_ICC_NAME) == 0)
+        return photo;
+    return convertedToSrgb(photo);
 }
 
 uint32_t bigEndianAt(const std::string& bytes, size_t at) {
@@ -100,10 +107,10 @@ std::string writableExtensions() {
 
 void checkSaveOptions(const PhotoFormat& format, const SaveOptions& options) {
     const std::string name = format.extension;
-    const VipsOperationClass* const saver = saverOf(format);
+    const char* const saver = saverOf(format);
     if (!saver)
         throw Failure(ExitCode::usage, "libvips writes no " + name + " on this machine");
-    if ((saver->flags & VIPS_OPERATION_BLOCKED) != 0)
+    if (isBlocked(saver))
         throw Failure(ExitCode::usage,
                       "libvips does not trust its writer of " + name + "; --untrusted uses it");
     if (options.quality && !format.hasQuality)
@@ -113,9 +120,10 @@ void checkSaveOptions(const PhotoFormat& format, const SaveOptions& options) {
 }
 
 std::string encodePhoto(const Photo& photo, const PhotoFormat& format, const SaveOptions& options) {
+    vips_error_clear(); // Another photo's.
     try {
         const vips::VTarget target = vips::VTarget::new_to_memory();
-        const Photo whole = withResolution(options.strip ? withoutFields(photo) : photo);
+        const Photo whole = withResolution(inColorsOf(format, options.strip ? withoutFields(photo) : photo));
         whole.write_to_target(format.suffix, target, saverOptions(photo, format, options));
         VipsBlob* blob = nullptr;
         g_object_get(target.get_target(), "blob", &blob, nullptr);

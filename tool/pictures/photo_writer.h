@@ -15,6 +15,7 @@ struct PhotoFormat {
     const char* suffix;    ///< By which libvips knows the saver.
     bool hasQuality;       ///< `SaveOptions::quality` means something.
     bool canBeLossless;    ///< `SaveOptions::lossless` means something, or there is nothing else.
+    bool keepsProfile;     ///< Elsewhere colors are converted to sRGB.
 };
 
 struct SaveOptions {

@@ -1,12 +1,9 @@
 #include "tool/pictures/vips.h"
 
 #include <clocale>
-#include <string_view>
 
 namespace ze::tool {
 namespace {
-
-constexpr char kBlocked[] = "operation is blocked";
 
 bool initialize() {
     if (VIPS_INIT("zebeauty") != 0)
@@ -38,16 +35,18 @@ std::vector<std::string> fieldsOf(const vips::VImage& image) {
     return result;
 }
 
+bool isBlocked(const char* operation) {
+    const auto* const type =
+        reinterpret_cast<const VipsOperationClass*>(vips_class_find("VipsOperation", operation));
+    return (type->flags & VIPS_OPERATION_BLOCKED) != 0;
+}
+
 std::string vipsReason(const vips::VError& error) {
     std::string text = error.what();
     text.erase(text.find_last_not_of(" \n") + 1);
     for (size_t at = text.find('\n'); at != text.npos; at = text.find('\n', at))
         text.replace(at, 1, "; ");
     return text;
-}
-
-bool isAboutBlockedFormat(const vips::VError& error) {
-    return std::string_view(error.what()).find(kBlocked) != std::string_view::npos;
 }
 
 } // namespace ze::tool

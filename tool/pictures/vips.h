@@ -18,10 +18,10 @@ void allowUntrustedFormats();
 /// The names of all that the header of `image` holds.
 std::vector<std::string> fieldsOf(const vips::VImage& image);
 
+/// Whether the loader or saver of this name, which libvips has, is blocked.
+bool isBlocked(const char* operation);
+
 /// What libvips says about its last failure on this thread, as one line.
 std::string vipsReason(const vips::VError& error);
-
-/// Whether `error` is about a format that is blocked.
-bool isAboutBlockedFormat(const vips::VError& error);
 
 } // namespace ze::tool

@@ -1,5 +1,7 @@
 #include "tool/sheet/sheet.h"
 
+#include "tool/errors.h"
+
 #include <algorithm>
 
 namespace ze::tool {
@@ -16,14 +18,15 @@ constexpr int kPointsPerInch = 72;
 // Black letters on white, in lines that fit `width`.
 VImage drawnLabel(const std::string& label, int width) {
     const int fontSize = std::max(10, 2 * width / kCharactersAcross);
-    gchar* const escaped = g_markup_escape_text(label.data(), static_cast<gssize>(label.size()));
+    gchar* const escaped = g_markup_escape_text(printable(label).c_str(), -1);
     const std::string markup = escaped;
     g_free(escaped);
     const VImage letters =
         VImage::text(markup.c_str(), VImage::option()
                                          ->set("font", ("sans " + std::to_string(fontSize)).c_str())
                                          ->set("dpi", kPointsPerInch)
-                                         ->set("width", width));
+                                         ->set("width", width)
+                                         ->set("wrap", VIPS_TEXT_WRAP_WORD_CHAR));
     return letters.invert()
         .copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_B_W))
         .colourspace(VIPS_INTERPRETATION_sRGB);
