@@ -3,6 +3,7 @@
 #include "tool/errors.h"
 #include "tool/files/file_name.h"
 #include "tool/files/input_file.h"
+#include "tool/video/clip_sniffer.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -14,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr size_t kSniffedBytes = 4096;
+constexpr size_t kSniffedBytes = 65536;
 
 // Also of a file that cannot be read: the run will say why.
 bool isPhotoFile(const fs::path& path) {
@@ -24,7 +25,7 @@ bool isPhotoFile(const fs::path& path) {
         return true;
     file.read(start.data(), static_cast<std::streamsize>(start.size()));
     start.resize(static_cast<size_t>(file.gcount()));
-    return looksLikePhoto(start);
+    return !photoLoaderOf(start).empty() && !beginsLikeClip(start);
 }
 
 bool isHidden(const fs::path& path) {

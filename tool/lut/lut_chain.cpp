@@ -33,7 +33,7 @@ ColorTransform pictureTransform(const LutInput& input, PictureLayout layout) {
 
 // Only what is no text: libvips takes numbers in lines for a matrix.
 bool isPicture(const std::string& bytes) {
-    return bytes.find('\0') != bytes.npos && looksLikePhoto(bytes);
+    return bytes.find('\0') != bytes.npos && !photoLoaderOf(bytes).empty();
 }
 
 void checkLevels(const ColorTransform& transform) {

@@ -246,9 +246,13 @@ Photo readPhoto(const std::string& path, ColorProfiles profiles) {
                            [&] { return decodePhoto(path, readWholeInput(path, kMostBytes), profiles); });
 }
 
-bool looksLikePhoto(const std::string& start) {
+std::string photoLoaderOf(const std::string& start) {
     startVips();
-    return sourceLoader(vips::VSource::new_from_memory(start.data(), start.size())) || bufferLoader(start);
+    const vips::VSource source = vips::VSource::new_from_memory(start.data(), start.size());
+    const char* loader = sourceLoader(source);
+    if (!loader)
+        loader = bufferLoader(start);
+    return loader ? loader : "";
 }
 
 } // namespace ze::tool

@@ -26,7 +26,8 @@ Photo decodePhoto(const std::string& name, const std::string& bytes,
 /// The same for the bytes of the file `path`, or of standard input for "-".
 Photo readPhoto(const std::string& path, ColorProfiles profiles = ColorProfiles::kept);
 
-/// Whether `start`, the first bytes of a file, begin like a picture in a format that libvips reads.
-bool looksLikePhoto(const std::string& start);
+/// The name of libvips' loader for a picture whose file begins with the bytes `start`; empty when there is
+/// none. Those of ImageMagick (with "Magick" in their names) also claim moving pictures.
+std::string photoLoaderOf(const std::string& start);
 
 } // namespace ze::tool

@@ -181,6 +181,7 @@ bool ClipReader::readPacket() {
 
 // Raw frames must be whole; anything else may be of use in parts.
 void ClipReader::checkPacket() {
+    checkSignal(); // which cuts a frame short, too
     if (m_settings.raw)
         throw Failure(ExitCode::badInput,
                       "frame " + std::to_string(m_packets + 1) +

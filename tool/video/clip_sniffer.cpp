@@ -21,7 +21,8 @@ bool isForPictures(std::string_view demuxer) {
     constexpr std::string_view kPipe = "_pipe";
     if (demuxer.size() > kPipe.size() && demuxer.substr(demuxer.size() - kPipe.size()) == kPipe)
         return true;
-    for (const std::string_view name : {"image2", "gif", "apng", "tty", "alias_pix", "brender_pix"})
+    for (const std::string_view name :
+         {"image2", "gif", "apng", "ico", "fits", "tty", "alias_pix", "brender_pix"})
         if (demuxer == name)
             return true;
     return false;
@@ -36,9 +37,14 @@ bool hasPictureBrand(std::string_view start) {
     return brand.substr(0, 2) == "he";
 }
 
+bool hasPictureLoader(const std::string& start) {
+    const std::string loader = photoLoaderOf(start);
+    return !loader.empty() && loader.find("Magick") == loader.npos;
+}
+
 bool isPicture(std::string_view demuxer, const std::string& start) {
     const bool isMovie = demuxer.substr(0, 3) == "mov";
-    return isForPictures(demuxer) || (isMovie ? hasPictureBrand(start) : looksLikePhoto(start));
+    return isForPictures(demuxer) || (isMovie ? hasPictureBrand(start) : hasPictureLoader(start));
 }
 
 const AVInputFormat* demuxerFor(std::string start) {
@@ -55,11 +61,14 @@ const AVInputFormat* demuxerFor(std::string start) {
 
 } // namespace
 
-bool holdsClip(const std::string& path) {
+bool beginsLikeClip(const std::string& start) {
     catchFfmpegMessages();
-    const std::string start = peekInput(path, kPeekedBytes);
     const AVInputFormat* const demuxer = demuxerFor(start);
     return demuxer && !isPicture(demuxer->name, start);
+}
+
+bool holdsClip(const std::string& path) {
+    return beginsLikeClip(peekInput(path, kPeekedBytes));
 }
 
 } // namespace ze::tool

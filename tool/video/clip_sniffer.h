@@ -6,9 +6,12 @@
 
 namespace ze::tool {
 
-/// Whether what lies in `path` begins like a moving picture that FFmpeg reads and like no picture that
-/// libvips reads; animations in picture formats (GIF, WebP, AVIF) are pictures. A pipe loses nothing by it,
-/// see `peekInput`, which also says what this throws.
+/// Whether `start`, the first bytes of a file, are those of a moving picture that FFmpeg reads and of no
+/// picture that libvips reads by itself; animations in picture formats (GIF, WebP, AVIF) are pictures.
+bool beginsLikeClip(const std::string& start);
+
+/// The same for what lies in `path`. A pipe loses nothing by it, see `peekInput`, which also says what this
+/// throws.
 bool holdsClip(const std::string& path);
 
 } // namespace ze::tool
