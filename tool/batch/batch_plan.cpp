@@ -116,7 +116,7 @@ void checkJob(const BatchJob& job, const PhotoOptions& options) {
     std::error_code ignored;
     if (fs::path(job.input).extension().empty() && !fs::exists(job.input, ignored))
         throw Failure(ExitCode::badInput, job.input, "there is no such file or folder");
-    options.checkedFormat(job.output);
+    options.checkWritable(job.output);
 }
 
 } // namespace

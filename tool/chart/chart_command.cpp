@@ -42,7 +42,7 @@ std::string checkSize(const std::string& text) {
 }
 
 void writeChart(const ChartOptions& options) {
-    options.photo.checkedFormat(options.output);
+    options.photo.checkWritable(options.output);
     const Size size = parseSize(options.size);
     const Photo chart = withFileInError(
         options.output, [&] { return photoOf(drawChart(size.width, size.height, ChartNoise::speckled)); });

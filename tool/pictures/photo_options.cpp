@@ -49,11 +49,10 @@ const PhotoFormat& PhotoOptions::formatOf(const std::string& output) const {
                                     : "unknown extension; " + writableExtensions() + " can be written");
 }
 
-const PhotoFormat& PhotoOptions::checkedFormat(const std::string& output) const {
+void PhotoOptions::checkWritable(const std::string& output) const {
     const PhotoFormat& format = formatOf(output);
     withFileInError(output, [&] { checkSaveOptions(format, save); });
     checkOutput(output, overwrite);
-    return format;
 }
 
 std::string PhotoOptions::encoded(const std::string& output, const Photo& photo) const {

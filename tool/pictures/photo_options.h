@@ -22,9 +22,9 @@ struct PhotoOptions {
 
     Photo read(const std::string& path) const;
 
-    /// The format for the file `output`. Throws `Failure` (`usage`) when there is none, when it cannot be
-    /// written as the options say, and when the file must not be written.
-    const PhotoFormat& checkedFormat(const std::string& output) const;
+    /// Throws `Failure` (`usage`) when the file `output` has no format that can be written as the options
+    /// say, and when it must not be written.
+    void checkWritable(const std::string& output) const;
 
     std::string encoded(const std::string& output, const Photo& photo) const;
 

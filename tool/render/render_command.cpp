@@ -93,9 +93,9 @@ void checkCompare(const RenderOptions& options, const std::string& output) {
 }
 
 void checkOutputs(const RenderOptions& options, const std::string& output) {
-    options.photo.checkedFormat(output);
+    options.photo.checkWritable(output);
     if (!options.compare.empty())
-        options.photo.checkedFormat(options.compare);
+        options.photo.checkWritable(options.compare);
     checkCompare(options, output);
 }
 

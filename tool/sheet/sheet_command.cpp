@@ -89,7 +89,7 @@ Photo drawSheet(const SheetOptions& options, const Photo& photo, const std::vect
 }
 
 void writeSheet(const SheetOptions& options) {
-    options.photo.checkedFormat(options.output);
+    options.photo.checkWritable(options.output);
     std::list<TemporaryLut> tables;
     for (const std::string& lut : options.luts)
         tables.emplace_back(lut);
