@@ -1,6 +1,6 @@
 # Input filter of Doxygen. In the headers a docstring speaks for all declarations below it, up to an empty line,
 # the next comment or the end of the block. This makes a member group of them, and of the comment at the top the
-# docstring of the file. Lines keep their numbers.
+# docstring of the file, which goes into the group of its folder (groups.dox). Lines keep their numbers.
 
 function out(line) {
     print (isOpen ? "/**@}*/ " : "") line
@@ -12,6 +12,14 @@ function flush() {
         out((i == 1 && count > 1 ? "/**@{*/ " : "") lines[i])
     isOpen = count > 1
     total = count = inCode = 0
+}
+
+# What the calls need from other folders counts as theirs.
+function group(    folders, i) {
+    for (i = split(FILENAME, folders, "/"); i > 0; --i)
+        if (folders[i] ~ /^(host|core|log)$/)
+            return "ze_" folders[i]
+    return "ze_api"
 }
 
 # The line that ends the comment at the top is empty: the command before it takes that line's place.
@@ -26,7 +34,7 @@ inTop && /^\/\// {
 }
 
 inTop {
-    printf "%s*/", top
+    printf "%s@ingroup %s */ /** @addtogroup %s */ /**@{*/", top, group(), group()
     print ""
     inTop = 0
     next
@@ -61,5 +69,7 @@ inTop {
 END {
     flush()
     if (isOpen)
+        print "/**@}*/"
+    if (top)
         print "/**@}*/"
 }

@@ -68,9 +68,11 @@ private:
     ze::LogMessage* m_message; // null when there was no memory for it
 };
 
-/// Streams of level info, warning and error.
+/// A stream of level info.
 ZE_EXPORT CZeLogStream ZeLogInfo(const SZeLogContext& context = {}) noexcept;
+/// A stream of level warning.
 ZE_EXPORT CZeLogStream ZeLogWarning(const SZeLogContext& context = {}) noexcept;
+/// A stream of level error.
 ZE_EXPORT CZeLogStream ZeLogError(const SZeLogContext& context = {}) noexcept;
 
 /// Emits one message of level info, warning or error, formatted as printf does and cut at 1023 bytes. A

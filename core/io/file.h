@@ -8,8 +8,9 @@
 /// hold any characters but the zero; it goes to the system in UTF-8.
 class ZE_EXPORT CZeFile : public CZeFileDevice {
 public:
-    /// A closed file without a name, or with one.
+    /// A closed file without a name.
     CZeFile();
+    /// A closed file with a name.
     explicit CZeFile(const CZeString& fileName);
     /// Closes the file. Bytes that cannot be written then are logged as a warning.
     ~CZeFile() override;

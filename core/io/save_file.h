@@ -17,8 +17,9 @@
 /// umask. Other hard links keep the old contents.
 class ZE_EXPORT CZeSaveFile : public CZeFileDevice {
 public:
-    /// A closed file without a name, or with one.
+    /// A closed file without a name.
     CZeSaveFile();
+    /// A closed file with a name.
     explicit CZeSaveFile(const CZeString& fileName);
     /// Discards what was not committed.
     ~CZeSaveFile() override;

@@ -21,6 +21,21 @@ cp -r "$here/consumer" "$work"
 "$CMAKE_COMMAND" --build "$work/build" >/dev/null
 "$work/build/consumer"
 
+# The other way: as a part of the host's build, which gets no targets, tests and files but those it asked for.
+source=$(realpath "$here/../..")
+"$CMAKE_COMMAND" -S "$work/consumer" -B "$work/embedded" -G "$GENERATOR" -DZE_SOURCE="$source" \
+    -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_STANDARD=17 >/dev/null
+"$CMAKE_COMMAND" --build "$work/embedded" --target consumer >/dev/null
+"$work/embedded/consumer"
+"$CMAKE_COMMAND" --install "$work/embedded" --prefix "$work/nothing" >/dev/null
+[ ! -e "$work/nothing" ] || { echo "installs what the host did not ask for"; exit 1; }
+
+# Documents name only what is there.
+documents=$prefix/share/doc/ZeBeautyEffect
+grep -oE '\]\([a-z][^):]*' "$documents"/*.md | sed 's/\(.*\)\/[^/]*](/\1\//; s/#.*//' | while read -r link; do
+    [ -e "$link" ] || { echo "$link is named, but not there"; exit 1; }
+done
+
 pc=$(find "$prefix" -name pkgconfig)
 export PKG_CONFIG_PATH=$pc
 flags=$(pkg-config --cflags --libs ZeBeautyEffect)
