@@ -142,14 +142,35 @@ TEST_F(Video, KeepsTimesStreamsAndTagsOfEveryKindOfClip) {
     }
 }
 
-TEST_F(Video, ScalesWhatChangesInTheMiddleToTheFirstSize) {
+TEST_F(Video, MakesBt709OfBt2020InLinearLight) {
+    write("frame.yuv", std::string(256, '\x78') + std::string(256, '\x6e') + std::string(256, '\x96'));
+    make("-f rawvideo -pix_fmt yuv444p -s 16x16 -i frame.yuv -c:v ffv1 -colorspace bt2020nc -color_range tv "
+         "wide.mkv");
+    ASSERT_EQ(run("render wide.mkv out.mkv --lossless --smooth 0 --whiten 0"), 0) << errorText();
+    EXPECT_EQ(probe("out.mkv", "-show_entries stream=color_space,color_transfer,color_primaries"),
+              "stream,bt709,bt709,bt709\n");
+    ASSERT_EQ(run("render out.mkv - --as nv12 --smooth 0 --whiten 0"), 0) << errorText();
+    const std::string frame = outputText(); // by the equations of BT.2020, BT.1886 and BT.709
+    EXPECT_NEAR(static_cast<uint8_t>(frame[0]), 116.6, 1);
+    EXPECT_NEAR(static_cast<uint8_t>(frame[256]), 108.7, 1);
+    EXPECT_NEAR(static_cast<uint8_t>(frame[257]), 164.0, 1);
+}
+
+TEST_F(Video, BringsWhatChangesInTheMiddleToTheFirstFormat) {
     make("-f lavfi -i testsrc2=s=64x48:r=25:d=0.4 -c:v libx264 -pix_fmt yuv420p first.ts");
-    make("-f lavfi -i testsrc2=s=98x66:r=25:d=0.4 -c:v libx264 -pix_fmt yuv444p -output_ts_offset 0.4 "
-         "then.ts");
-    shell("cat first.ts then.ts > clip.ts");
-    ASSERT_EQ(run("render clip.ts out.mp4"), 0) << errorText();
+    const std::string then = "-f lavfi -i testsrc2=s=98x66:r=25:d=0.4 -c:v libx264 -output_ts_offset 0.4 ";
+    make(then + "-pix_fmt yuv444p then.ts");
+    make(then + "-pix_fmt yuv420p -color_trc smpte2084 hdr.ts");
+    shell("cat first.ts then.ts > clip.ts; cat first.ts hdr.ts > late.ts");
+    ASSERT_EQ(run("render clip.ts out.mp4"), 0);
+    EXPECT_THAT(errorText(),
+                testing::HasSubstr("zebeauty: clip.ts: changes its size; all frames are scaled to "
+                                   "the first one's, 64x48\nzebeauty: clip.ts: 8-bit 4:4:4 "));
     EXPECT_EQ(probe("out.mp4", "-count_packets -show_entries stream=width,height,nb_read_packets"),
               "stream,64,48,20\n");
+    EXPECT_EQ(run("render late.ts late.mp4"), 3);
+    EXPECT_THAT(errorText(), testing::HasSubstr("late.ts: is HDR (PQ); "));
+    EXPECT_EQ(fileNames().count("late.mp4"), 0);
 }
 
 TEST_F(Video, CutsFramesAndSoundAtTheSameTimes) {

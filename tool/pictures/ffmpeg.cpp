@@ -7,7 +7,7 @@ FfmpegPtr<AVFrame> makeFrame(AVPixelFormat format, int width, int height) {
     frame->format = format;
     frame->width = width;
     frame->height = height;
-    if (av_frame_get_buffer(frame.get(), 0) < 0)
+    if (av_frame_get_buffer(frame.get(), kFrameAlignment) < 0)
         throw std::bad_alloc();
     return frame;
 }

@@ -32,7 +32,10 @@ FfmpegPtr<T> owned(T* object) {
     return FfmpegPtr<T>(object);
 }
 
-/// A frame with memory for its pixels, padded as FFmpeg's kernels want it. Throws `std::bad_alloc`.
+/// Bytes that the kernels of FFmpeg and zimg want the beginnings of rows to be multiples of.
+inline constexpr int kFrameAlignment = 64;
+
+/// A frame with memory for its pixels, aligned as above. Throws `std::bad_alloc`.
 FfmpegPtr<AVFrame> makeFrame(AVPixelFormat format, int width, int height);
 
 } // namespace ze::tool

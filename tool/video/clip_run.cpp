@@ -28,7 +28,9 @@ VideoFormat formatOf(const ClipReader& reader, const AVFrame& frame, const Color
     format.height = frame.height;
     if (frame.format == AV_PIX_FMT_NV21)
         format.layout = AV_PIX_FMT_NV21;
-    format.tags = libraryTags(tagsOf(frame, colors));
+    const ColorTags tags = tagsOf(frame, colors);
+    checkColors(tags);
+    format.tags = libraryTags(tags);
     format.pixelShape =
         frame.sample_aspect_ratio.num > 0 ? frame.sample_aspect_ratio : reader.video().sample_aspect_ratio;
     format.timeBase = reader.video().time_base;
@@ -65,6 +67,7 @@ private:
     std::unique_ptr<ClipReader> m_reader;
     std::deque<ClipItem> m_start; // what was read to see the first frame
     VideoFormat m_format;
+    std::optional<FormatNotes> m_notes;
     std::optional<FrameConverter> m_converter;
     RenderSession m_session;
     std::optional<ClipOutput> m_output;
@@ -100,7 +103,8 @@ void ClipRun::readStart() {
     } while (!m_start.back().frame);
     const AVFrame& first = *m_start.back().frame;
     m_format = formatOf(*m_reader, first, m_job.colors);
-    printFormatNotes(m_job.input, first, tagsOf(first, m_job.colors), m_format);
+    m_notes.emplace(m_job.input, m_format, m_job.colors);
+    m_notes->look(first);
     if (m_settings.isActive())
         checkTextureSize(m_format.width, m_format.height, "pixels");
     m_converter.emplace(m_format, m_job.colors);
@@ -116,8 +120,11 @@ std::optional<Thing> ClipRun::read() {
     }
     if (!item)
         return std::nullopt;
-    if (item->frame)
+    if (item->frame) {
+        checkColors(tagsOf(*item->frame, m_job.colors));
+        m_notes->look(*item->frame);
         item->frame = m_converter->convert(std::move(item->frame));
+    }
     return Thing{std::move(*item), {}};
 }
 

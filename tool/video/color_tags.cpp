@@ -34,6 +34,15 @@ bool isBt601(AVColorSpace matrix) {
     return matrix == AVCOL_SPC_BT470BG || matrix == AVCOL_SPC_SMPTE170M;
 }
 
+bool isLibraryMatrix(AVColorSpace matrix) {
+    return matrix == AVCOL_SPC_UNSPECIFIED || matrix == AVCOL_SPC_BT709 || isBt601(matrix);
+}
+
+bool canBeConverted(AVColorSpace matrix) {
+    return matrix == AVCOL_SPC_RGB || matrix == AVCOL_SPC_FCC || matrix == AVCOL_SPC_SMPTE240M ||
+           matrix == AVCOL_SPC_YCGCO || matrix == AVCOL_SPC_BT2020_NCL;
+}
+
 void checkTransfer(AVColorTransferCharacteristic transfer) {
     const bool isPq = transfer == AVCOL_TRC_SMPTE2084;
     if (isPq || transfer == AVCOL_TRC_ARIB_STD_B67)
@@ -44,9 +53,13 @@ void checkTransfer(AVColorTransferCharacteristic transfer) {
                           "-crf 12 -c:a copy SDR.mp4");
 }
 
-bool canBeConverted(AVColorSpace matrix) {
-    return matrix == AVCOL_SPC_RGB || matrix == AVCOL_SPC_FCC || matrix == AVCOL_SPC_SMPTE240M ||
-           matrix == AVCOL_SPC_BT2020_NCL;
+void checkMatrix(AVColorSpace matrix) {
+    if (isLibraryMatrix(matrix) || canBeConverted(matrix))
+        return;
+    const char* const name = av_color_space_name(matrix);
+    throw Failure(ExitCode::badInput, std::string("has colors in the matrix ") + (name ? name : "?") +
+                                          ", of which there is no conversion; --standard names another "
+                                          "where that is not true");
 }
 
 } // namespace
@@ -70,27 +83,46 @@ ColorTags tagsOf(const AVFrame& frame, const ColorOverride& instead) {
     return tags;
 }
 
-ColorTags libraryTags(const ColorTags& tags) {
+void checkColors(const ColorTags& tags) {
     checkTransfer(tags.transfer);
+    checkMatrix(tags.matrix);
+}
+
+ColorTags libraryTags(const ColorTags& tags) {
     ColorTags result = tags;
-    if (tags.matrix == AVCOL_SPC_UNSPECIFIED || tags.matrix == AVCOL_SPC_BT709 || isBt601(tags.matrix))
+    if (isLibraryMatrix(tags.matrix))
         return result;
-    if (!canBeConverted(tags.matrix)) {
-        const char* const name = av_color_space_name(tags.matrix);
-        throw Failure(ExitCode::badInput, std::string("has colors in the matrix ") + (name ? name : "?") +
-                                              ", of which there is no conversion; --standard names another "
-                                              "where that is not true");
-    }
     result.matrix = AVCOL_SPC_BT709;
     if (tags.matrix == AVCOL_SPC_RGB)
         result.range = AVCOL_RANGE_MPEG;
+    if (isWide(tags)) {
+        result.primaries = AVCOL_PRI_BT709;
+        result.transfer = AVCOL_TRC_BT709;
+    }
     return result;
+}
+
+bool isWide(const ColorTags& tags) {
+    if (isLibraryMatrix(tags.matrix) || tags.matrix == AVCOL_SPC_RGB)
+        return false;
+    return tags.primaries == AVCOL_PRI_BT2020 ||
+           (tags.primaries == AVCOL_PRI_UNSPECIFIED && tags.matrix == AVCOL_SPC_BT2020_NCL);
+}
+
+bool haveSameMatrix(const ColorTags& first, const ColorTags& second) {
+    return first.matrix == second.matrix || (isBt601(first.matrix) && isBt601(second.matrix));
 }
 
 ColorStandard standardOf(const ColorTags& tags, int lines) {
     if (tags.matrix == AVCOL_SPC_UNSPECIFIED)
         return lines >= kFirstHdLine ? ColorStandard::bt709 : ColorStandard::bt601;
     return isBt601(tags.matrix) ? ColorStandard::bt601 : ColorStandard::bt709;
+}
+
+ColorTags withMatrix(ColorTags tags, int lines) {
+    if (tags.matrix == AVCOL_SPC_UNSPECIFIED)
+        tags.matrix = standardOf(tags, lines) == ColorStandard::bt709 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
+    return tags;
 }
 
 ColorRange rangeOf(const ColorTags& tags) {

@@ -4,14 +4,30 @@
 
 #include "tool/video/video_format.h"
 
+#include <set>
 #include <string>
 
 namespace ze::tool {
 
-/// Says on standard error what becomes of frames like `frame`, whose tags are `tags`, in `format`: depth,
-/// chroma, transparency, the color matrix; and that interlaced ones stay so. Each line begins with `name`;
-/// nothing is printed where nothing changes.
-void printFormatNotes(const std::string& name, const AVFrame& frame, const ColorTags& tags,
-                      const VideoFormat& format);
+/// Says on standard error what becomes of the frames of a clip: of their size, depth, chroma, transparency
+/// and colors; and that interlaced ones stay so. One thread at a time.
+class FormatNotes {
+public:
+    /// Each line begins with `name`. All frames are brought to `format`; their tags are read with `instead`.
+    FormatNotes(std::string name, const VideoFormat& format, const ColorOverride& instead);
+
+    /// Prints what becomes of `frame`, but nothing a second time.
+    void look(const AVFrame& frame);
+
+private:
+    void lookAtPixels(const AVFrame& frame);
+    void lookAtColors(const ColorTags& tags);
+    void say(const std::string& note);
+
+    std::string m_name;
+    VideoFormat m_format;
+    ColorOverride m_override;
+    std::set<std::string> m_said;
+};
 
 } // namespace ze::tool

@@ -2,8 +2,6 @@
 
 #include "tool/errors.h"
 
-#include <algorithm>
-
 extern "C" {
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
@@ -45,6 +43,12 @@ ChromaPosition positionOf(AVChromaLocation location) {
         return {128, 128};
     case AVCHROMA_LOC_TOPLEFT:
         return {0, 0};
+    case AVCHROMA_LOC_TOP:
+        return {128, 0};
+    case AVCHROMA_LOC_BOTTOMLEFT:
+        return {0, 256};
+    case AVCHROMA_LOC_BOTTOM:
+        return {128, 256};
     default:
         return {0, 128};
     }
@@ -60,10 +64,6 @@ bool isRgb(const FrameKind& kind) {
 
 const int* coefficientsOf(const FrameKind& kind) {
     return sws_getCoefficients(isRgb(kind) ? AVCOL_SPC_BT709 : kind.tags.matrix);
-}
-
-bool haveSameMatrix(const FrameKind& first, const FrameKind& second) {
-    return std::equal(coefficientsOf(first), coefficientsOf(first) + 4, coefficientsOf(second));
 }
 
 void setNumber(SwsContext* scaler, const char* name, int value) {
@@ -104,23 +104,16 @@ void run(SwsContext& scaler, const AVFrame& from, AVFrame& to) {
     sws_scale(&scaler, from.data, from.linesize, 0, from.height, to.data, to.linesize);
 }
 
-// `tags` with a matrix, for frames with `lines`.
-ColorTags named(ColorTags tags, int lines) {
-    if (tags.matrix == AVCOL_SPC_UNSPECIFIED)
-        tags.matrix = standardOf(tags, lines) == ColorStandard::bt709 ? AVCOL_SPC_BT709 : AVCOL_SPC_SMPTE170M;
-    return tags;
-}
-
 } // namespace
 
 FrameConverter::FrameConverter(const VideoFormat& format, const ColorOverride& instead)
-    : m_wanted{format.width, format.height, format.layout, named(format.tags, format.height)},
+    : m_wanted{format.width, format.height, format.layout, withMatrix(format.tags, format.height)},
       m_override(instead) {}
 
 FfmpegPtr<AVFrame> FrameConverter::convert(FfmpegPtr<AVFrame> frame) {
     // Without a tag all sizes in a clip mean what the first one does.
     const FrameKind kind = {frame->width, frame->height, static_cast<AVPixelFormat>(frame->format),
-                            named(tagsOf(*frame, m_override), m_wanted.height)};
+                            withMatrix(tagsOf(*frame, m_override), m_wanted.height)};
     const bool isAsWanted = kind == m_wanted;
     if (isAsWanted && isLibraryPitch(*frame) && av_frame_is_writable(frame.get()))
         return frame;
@@ -139,25 +132,27 @@ FfmpegPtr<AVFrame> FrameConverter::convert(FfmpegPtr<AVFrame> frame) {
 void FrameConverter::prepare(const FrameKind& from) {
     if (m_toLibrary && from == m_from)
         return;
-    m_toLibrary.reset();
-    m_toRgb.reset();
-    if (isRgb(from) || haveSameMatrix(from, m_wanted)) {
+    m_colors.reset();
+    if (isRgb(from) || haveSameMatrix(from.tags, m_wanted.tags)) {
         m_toLibrary = makeScaler(from, m_wanted);
-    } else { // FFmpeg would do the same by itself, but with chroma in the wrong place
-        FrameKind rgb = {from.width, from.height, AV_PIX_FMT_GBRP16, {}};
-        rgb.tags.matrix = AVCOL_SPC_RGB;
-        rgb.tags.range = AVCOL_RANGE_JPEG;
-        m_rgb = makeFrame(rgb.format, rgb.width, rgb.height);
-        m_toRgb = makeScaler(from, rgb);
-        m_toLibrary = makeScaler(rgb, m_wanted);
+    } else { // FFmpeg would change the matrix by itself, but with chroma in the wrong place
+        const FrameKind before = {m_wanted.width, m_wanted.height, AV_PIX_FMT_YUV444P16, from.tags};
+        const FrameKind after = {m_wanted.width, m_wanted.height, AV_PIX_FMT_YUV444P16, m_wanted.tags};
+        m_colors = ColorChange{makeScaler(from, before),
+                               makeFrame(before.format, before.width, before.height),
+                               makeFrame(after.format, after.width, after.height),
+                               {after.width, after.height, before.tags, after.tags}};
+        m_toLibrary = makeScaler(after, m_wanted);
     }
     m_from = from;
 }
 
 void FrameConverter::scale(const AVFrame& from, AVFrame& to) {
-    if (m_toRgb)
-        run(*m_toRgb, from, *m_rgb);
-    run(*m_toLibrary, m_toRgb ? *m_rgb : from, to);
+    if (m_colors) {
+        run(*m_colors->unpack, from, *m_colors->before);
+        m_colors->converter.convert(*m_colors->before, *m_colors->after);
+    }
+    run(*m_toLibrary, m_colors ? *m_colors->after : from, to);
 }
 
 } // namespace ze::tool

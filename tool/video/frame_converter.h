@@ -3,7 +3,10 @@
 #pragma once
 
 #include "tool/pictures/ffmpeg.h"
+#include "tool/video/color_space_converter.h"
 #include "tool/video/video_format.h"
+
+#include <optional>
 
 namespace ze::tool {
 
@@ -25,20 +28,26 @@ public:
     FrameConverter(const VideoFormat& format, const ColorOverride& instead);
 
     /// `frame` itself when nobody else holds its memory and it is as it should be, or else a converted copy
-    /// with its times; one whose rows the library can read in place. Throws `Failure`: `badInput` when FFmpeg
-    /// knows no conversion.
+    /// with its times; one whose rows the library can read in place. Throws `Failure` (`badInput`) when
+    /// there is no conversion.
     FfmpegPtr<AVFrame> convert(FfmpegPtr<AVFrame> frame);
 
 private:
+    /// From one color space to another, with all chroma and depth that there is.
+    struct ColorChange {
+        FfmpegPtr<SwsContext> unpack;
+        FfmpegPtr<AVFrame> before, after;
+        ColorSpaceConverter converter;
+    };
+
     void prepare(const FrameKind& from);
     void scale(const AVFrame& from, AVFrame& to);
 
     FrameKind m_wanted;
     ColorOverride m_override;
     FrameKind m_from;                  ///< What the rest was made for.
-    FfmpegPtr<SwsContext> m_toRgb;     ///< Only where the color matrix changes.
-    FfmpegPtr<AVFrame> m_rgb;          ///< Between the two.
-    FfmpegPtr<SwsContext> m_toLibrary; ///< From RGB there, from what comes otherwise.
+    FfmpegPtr<SwsContext> m_toLibrary; ///< From what comes, or from `m_colors` where colors change.
+    std::optional<ColorChange> m_colors;
 };
 
 } // namespace ze::tool
