@@ -51,7 +51,7 @@ protected:
         // The first effect takes the core's context with it, which lasts until the core leaves it.
         for (ZecEffect* effect : m_effects)
             EXPECT_TRUE(ZecDestoryEffect(effect));
-        EXPECT_TRUE(!m_core || ZecDestroyRenderCore(m_core));
+        EXPECT_TRUE(!m_core || ZecDestroyRenderCore(m_core) != forgetsDestroyedSurfaces());
     }
 
     /// Whether the frame comes out as it should when both effects have these parameters.

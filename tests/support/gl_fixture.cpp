@@ -12,8 +12,9 @@ void GlTest::SetUp() {
     if (!ze::createContext(m_context))
         GTEST_SKIP() << "There is no OpenGL ES 2.0 here.";
     const std::string_view renderer(reinterpret_cast<const char*>(glGetString(GL_RENDERER)));
-    m_isPrecise = renderer.starts_with("llvmpipe") && std::getenv("GALLIVM_PERF") &&
-                  std::getenv("GALLIUM_OVERRIDE_CPU_CAPS");
+    m_isAngle = renderer.starts_with("ANGLE");
+    m_isPrecise = m_isAngle || (renderer.starts_with("llvmpipe") && std::getenv("GALLIVM_PERF") &&
+                                std::getenv("GALLIUM_OVERRIDE_CPU_CAPS"));
     ze::createFramebuffer(); // bound from here on
 }
 

@@ -27,8 +27,12 @@ protected:
     /// Software rendering (llvmpipe) holds `precise` when GALLIUM_OVERRIDE_CPU_CAPS=sse4.1 makes it compute
     /// lowp and mediump in full floats and GALLIVM_PERF=no_aos_sampling interpolate texels in floats. Without
     /// them it takes half floats, and interpolates in steps of 1/256 with a result of 8 bits; this and what
-    /// other drivers do has to hold `loose`.
+    /// other drivers do has to hold `loose`, but ANGLE, which computes in full floats, `precise`.
     Tolerance tolerance(Tolerance precise, Tolerance loose) const { return m_isPrecise ? precise : loose; }
+
+    /// Outside Android ANGLE forgets a destroyed surface at once although it is current: its context cannot
+    /// be made current any more.
+    bool forgetsDestroyedSurfaces() const { return m_isAngle; }
 
     /// Leaves this thread without a context.
     void releaseContext();
@@ -42,6 +46,7 @@ protected:
 
 private:
     ze::EglContextRecord m_context;
+    bool m_isAngle = false;
     bool m_isPrecise = false;
 };
 

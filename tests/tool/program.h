@@ -13,6 +13,9 @@
 
 #include <sys/wait.h>
 
+/// Keeps EGL from the program: the first is for Mesa, the second for ANGLE.
+constexpr char kNoGl[] = "__EGL_VENDOR_LIBRARY_FILENAMES=/dev/null VK_ICD_FILENAMES=/dev/null";
+
 /// A directory in which the program runs, and what it says.
 class Program : public testing::Test {
 protected:
@@ -33,6 +36,9 @@ protected:
         const int status = std::system(command.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
+
+    /// ANGLE takes no platform from EGL_PLATFORM, and has words of its own on standard error.
+    bool isOnAngle() { return run("info") == 0 && outputText().find("ANGLE") != std::string::npos; }
 
     std::string errorText() const { return contentOf(m_streams / "err"); }
     std::string outputText() const { return contentOf(m_streams / "out"); }
