@@ -2,26 +2,28 @@
 
 #include "tool/video/dictionary.h"
 #include "tool/video/ffmpeg_errors.h"
+#include "tool/video/movie_tags.h"
 
-#include <string_view>
+#include <algorithm>
 
 namespace ze::tool {
 namespace {
 
-constexpr char kAppleKeys[] = "com.apple.quicktime"; // what the metadata of its phones begins with
-
-bool hasAppleMetadata(const AVFormatContext& container) {
-    return av_dict_get(container.metadata, kAppleKeys, nullptr, AV_DICT_IGNORE_SUFFIX) != nullptr;
+bool hasCover(const AVFormatContext& container) {
+    const auto isCover = [](const AVStream* stream) {
+        return (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
+    };
+    return std::any_of(container.streams, container.streams + container.nb_streams, isCover);
 }
 
-// MP4 has its index at the end or, in pieces, everywhere; and keys of a maker's own where it is told to.
-std::string movieFlags(const AVFormatContext& container, bool isStream) {
-    std::string flags;
-    if (isStream)
-        flags += "+frag_keyframe+empty_moov+default_base_moof";
-    if (hasAppleMetadata(container))
-        flags += "+use_metadata_tags";
-    return flags;
+// MP4 holds either what it has places for, covers among them, or keys of any name.
+bool needsFreeKeys(const AVFormatContext& container, const std::string& name) {
+    const std::string key = keyWithoutPlace(container);
+    if (key.empty() || !hasCover(container))
+        return !key.empty();
+    printError(name + ": metadata such as '" + key +
+               "' is left out: there is no place for it beside a cover; .mkv has one");
+    return false;
 }
 
 } // namespace
@@ -42,7 +44,7 @@ void ClipOutput::open(const ClipContainer& container, const EncoderSettings& set
     m_encoder.emplace(settings, container, format, needsHeader);
     m_copy.emplace(from, streamsToCopy(m_path, from, container), *context);
     addVideo(container, format);
-    if (!canHold(container, *m_copy->video().codecpar) && container.holdsStreams)
+    if (!canHold(container, m_copy->video()) && container.holdsStreams)
         throw Failure(ExitCode::usage, std::string("--encoder: ") +
                                            avcodec_get_name(m_copy->video().codecpar->codec_id) +
                                            " has no place in " + container.extension);
@@ -61,7 +63,12 @@ void ClipOutput::addVideo(const ClipContainer& container, const VideoFormat& for
 
 void ClipOutput::writeHeader() {
     Dictionary options;
-    const std::string flags = movieFlags(*m_container, m_sink.isStream());
+    std::string flags;
+    if (m_sink.isStream()) // MP4 has its index at the end or, in pieces, everywhere
+        flags += "+frag_keyframe+empty_moov+default_base_moof";
+    if (needsFreeKeys(*m_container, m_path))
+        flags += "+use_metadata_tags";
+    nameStreams(*m_container);
     if (!flags.empty())
         options.set("movflags", flags);
     if (m_sink.isStream())

@@ -1,0 +1,19 @@
+// Metadata in MP4 and QuickTime files.
+
+#pragma once
+
+#include <string>
+
+struct AVFormatContext;
+
+namespace ze::tool {
+
+/// The first of the file's metadata that its format, MP4 or QuickTime, has no place of its own for; empty
+/// where there is none, and for other formats.
+std::string keyWithoutPlace(const AVFormatContext& file);
+
+/// Gives the streams of such a file their titles as names where they have none, because these are what is
+/// read again.
+void nameStreams(AVFormatContext& file);
+
+} // namespace ze::tool
