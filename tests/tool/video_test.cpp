@@ -111,13 +111,14 @@ TEST_F(Video, KeepsTimesStreamsAndTagsOfEveryKindOfClip) {
              "-i chapters -map 0:v -map 1:a -map_metadata 2 -c:v libx264 -bf 3 -pix_fmt yuv420p "
              "-colorspace bt709 -color_trc bt709 -color_primaries bt709 -color_range tv "
              "-metadata:s:a language=eng tmp.mp4 && "
-             "ffmpeg -v error -i tmp.mp4 -map 0:v -map 0:a -c copy -metadata:s:v:0 rotate=90"},
+             "ffmpeg -v error -i tmp.mp4 -map 0:v -map 0:a -c copy -metadata:s:v:0 rotate=90 "
+             "-metadata com.android.version=13 -movflags use_metadata_tags"},
         {"variable.mkv", "out.webm", source + "-vf 'select=not(mod(n\\,3))+eq(n\\,4)' -vsync vfr -c:v ffv1"},
         {"streams.mkv", "out.mkv",
          source + tone +
              "-i words.srt -i chapters -map 0 -map 1 -map 1 -map 1 -map 2 -c:v ffv1 -pix_fmt yuv420p -c:a:0 "
              "flac "
-             "-c:a:1 libmp3lame -c:a:2 pcm_s16le -disposition:a:1 default -attach words.srt "
+             "-c:a:1 wmav2 -c:a:2 pcm_s16le -disposition:a:1 default -attach words.srt "
              "-metadata:s:t mimetype=text/plain"},
         {"late.mp4", "out.mp4", source + tone + "-c:v libx264 -bf 2 -pix_fmt yuv420p -output_ts_offset 1.5"},
         {"full.mkv", "out.mkv", source + "-pix_fmt yuv420p -color_range pc -colorspace smpte170m -c:v ffv1"},
@@ -130,7 +131,7 @@ TEST_F(Video, KeepsTimesStreamsAndTagsOfEveryKindOfClip) {
     const std::string same =
         "-show_entries stream=codec_type,width,height,color_space,color_transfer,color_primaries,"
         "sample_aspect_ratio:stream_disposition=default:stream_side_data=rotation:"
-        "chapter=start_time,end_time:chapter_tags=title:format_tags=title";
+        "chapter=start_time,end_time:chapter_tags=title:format_tags=title,com.android.version";
     for (const auto& [input, output, arguments] : clips) {
         SCOPED_TRACE(input);
         make(arguments + " " + input);
@@ -154,6 +155,17 @@ TEST_F(Video, MakesBt709OfBt2020InLinearLight) {
     EXPECT_NEAR(static_cast<uint8_t>(frame[0]), 116.6, 1);
     EXPECT_NEAR(static_cast<uint8_t>(frame[256]), 108.7, 1);
     EXPECT_NEAR(static_cast<uint8_t>(frame[257]), 164.0, 1);
+}
+
+TEST_F(Video, TakesAllFramesAndSoundOfOldFilesAndBareStreams) {
+    make("-f lavfi -i testsrc2=s=64x48:r=25:d=0.8 -f lavfi -i sine=d=0.8 -c:v mpeg4 -c:a adpcm_ms old.avi "
+         "-c:v mpeg2video -bf 2 -c:a mp2 disc.mpg -map 0 -c:v libx264 -bf 2 -pix_fmt yuv420p bare.h264");
+    for (const auto& [input, sound] :
+         {std::pair{"old.avi", "stream,audio,18\n"}, {"disc.mpg", "stream,audio,31\n"}, {"bare.h264", ""}}) {
+        ASSERT_EQ(run(std::string("render ") + input + " out.mkv -y"), 0) << errorText();
+        EXPECT_EQ(probe("out.mkv", "-count_packets -show_entries stream=codec_type,nb_read_packets"),
+                  std::string("stream,video,20\n") + sound);
+    }
 }
 
 TEST_F(Video, BringsWhatChangesInTheMiddleToTheFirstFormat) {
@@ -216,7 +228,7 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
         {"render cut.mp4 out.mp4 --strict", 3, "cut.mp4: is damaged near .*"},
         {"render sound.mp3 out.mp4", 3, "sound.mp3: has no moving pictures"},
         {"render sound.mkv out.webm", 2,
-         "out.webm: stream 1 .audio, flac. has no place in .webm; .mp4 holds .*"},
+         "out.webm: stream 1 .audio, flac. has no place in .webm; .mkv holds .*"},
         {"render odd.mkv out.mp4", 2, "out.mp4: 33x17 pixels: .*even.*"},
         {"render clip.mp4 out.mp4 --quality 3", 2, "--quality is for pictures.*"},
         {"render clip.mp4 out.mp4 --encoder-option no=1", 2, ".*libx264 has no option 'no'.*"},

@@ -1,5 +1,8 @@
 #include "tool/video/clip_container.h"
 
+#include "tool/video/ffmpeg_errors.h"
+
+#include <new>
 #include <string_view>
 
 extern "C" {
@@ -20,6 +23,29 @@ constexpr ClipContainer kContainers[] = {
     {".nv21", "rawvideo", "rawvideo", false},
 };
 
+// A file in memory, of which nothing is kept.
+class ScratchFile {
+public:
+    explicit ScratchFile(const char* muxer) {
+        if (avformat_alloc_output_context2(&m_context, nullptr, muxer, nullptr) < 0 ||
+            avio_open_dyn_buf(&m_context->pb) < 0)
+            throw std::bad_alloc();
+    }
+    ~ScratchFile() {
+        uint8_t* bytes = nullptr;
+        avio_close_dyn_buf(m_context->pb, &bytes);
+        av_free(bytes);
+        avformat_free_context(m_context);
+    }
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+    AVFormatContext* context() const { return m_context; }
+
+private:
+    AVFormatContext* m_context = nullptr;
+};
+
 } // namespace
 
 const ClipContainer* clipContainerOf(const std::string& extension) {
@@ -36,11 +62,33 @@ std::string clipExtensions() {
     return text;
 }
 
-bool canHold(const ClipContainer& container, const AVCodecParameters& stream) {
-    if (stream.codec_type == AVMEDIA_TYPE_ATTACHMENT)
-        return std::string_view(container.muxer) == "matroska";
-    const AVOutputFormat* const format = av_guess_format(container.muxer, nullptr, nullptr);
-    return format && avformat_query_codec(format, stream.codec_id, FF_COMPLIANCE_NORMAL) == 1;
+// Only the head of a file of that stream alone, written to memory, tells all that FFmpeg's muxers mind.
+bool canHold(const ClipContainer& container, const AVStream& stream) {
+    const std::string_view muxer = container.muxer;
+    if (stream.codecpar->codec_type == AVMEDIA_TYPE_ATTACHMENT)
+        return muxer == "matroska"; // WebM passes them over, without an error
+    if (muxer == "mov" && (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) != 0)
+        return false; // the same
+    const ScratchFile file(container.muxer);
+    const AVOutputFormat& format = *file.context()->oformat;
+    // The answer leaves out what Matroska holds in the way of AVI, which nothing but Matroska should.
+    if (muxer != "matroska" &&
+        avformat_query_codec(&format, stream.codecpar->codec_id, FF_COMPLIANCE_NORMAL) != 1)
+        return false;
+    AVStream* const copy = avformat_new_stream(file.context(), nullptr);
+    if (!copy || avcodec_parameters_copy(copy->codecpar, stream.codecpar) < 0)
+        throw std::bad_alloc();
+    copy->codecpar->codec_tag = codecTag(*stream.codecpar, format);
+    copy->disposition = stream.disposition;
+    copy->time_base = stream.time_base;
+    const int written = avformat_write_header(file.context(), nullptr);
+    if (written < 0)
+        ffmpegReason(written); // so that it is not taken for that of another failure
+    return written >= 0;
+}
+
+uint32_t codecTag(const AVCodecParameters& stream, const AVOutputFormat& format) {
+    return av_codec_get_id(format.codec_tag, stream.codec_tag) == stream.codec_id ? stream.codec_tag : 0;
 }
 
 } // namespace ze::tool

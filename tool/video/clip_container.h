@@ -2,9 +2,12 @@
 
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 struct AVCodecParameters;
+struct AVOutputFormat;
+struct AVStream;
 
 namespace ze::tool {
 
@@ -21,8 +24,12 @@ const ClipContainer* clipContainerOf(const std::string& extension);
 /// ".mp4, .mov, …" for messages.
 std::string clipExtensions();
 
-/// Whether a stream of this kind can be in such a file.
-bool canHold(const ClipContainer& container, const AVCodecParameters& stream);
+/// Whether `stream` can be in such a file. Throws `std::bad_alloc`.
+bool canHold(const ClipContainer& container, const AVStream& stream);
+
+/// What a file of `format` calls the codec: as `stream` does where that means the same there, otherwise 0 for
+/// what is usual.
+uint32_t codecTag(const AVCodecParameters& stream, const AVOutputFormat& format);
 
 /// The first container for which `holdsAll` is true; null when there is none.
 template <class HoldsAll>

@@ -6,6 +6,10 @@
 #include <cstring>
 #include <string_view>
 
+extern "C" {
+#include <libavutil/avstring.h>
+}
+
 namespace ze::tool {
 namespace {
 
@@ -13,10 +17,24 @@ bool isOther(const ClipReader& reader, const AVStream& stream) {
     return &stream != &reader.video() && stream.discard != AVDISCARD_ALL; // such as the text behind chapters
 }
 
-// Timed data of a maker's own is nothing that FFmpeg could write.
+// Timed data of a maker's own, or sound that is announced and does not come.
 bool isUnknown(const AVStream& stream) {
-    return stream.codecpar->codec_id == AV_CODEC_ID_NONE &&
-           stream.codecpar->codec_type != AVMEDIA_TYPE_ATTACHMENT;
+    const AVCodecParameters& kind = *stream.codecpar;
+    if (kind.codec_id == AV_CODEC_ID_NONE)
+        return kind.codec_type != AVMEDIA_TYPE_ATTACHMENT;
+    return (kind.codec_type == AVMEDIA_TYPE_AUDIO && kind.sample_rate <= 0) ||
+           (kind.codec_type == AVMEDIA_TYPE_VIDEO && kind.width <= 0);
+}
+
+// What broadcasts have beside sound and subtitles.
+bool isForNoContainer(const AVStream& stream) {
+    const auto holds = [&](const ClipContainer& container) { return canHold(container, stream); };
+    return stream.codecpar->codec_type == AVMEDIA_TYPE_DATA && !firstContainer(holds);
+}
+
+// The time of day of the first frame, which metadata says, too, and FFmpeg makes such a stream of.
+bool isTimecode(const AVStream& stream) {
+    return stream.codecpar->codec_tag == MKTAG('t', 'm', 'c', 'd');
 }
 
 std::string describe(const AVStream& stream) {
@@ -25,25 +43,26 @@ std::string describe(const AVStream& stream) {
            avcodec_get_name(stream.codecpar->codec_id) + ")";
 }
 
-[[noreturn]] void refuse(const ClipReader& from, const std::vector<int>& streams, const AVStream& stream,
-                         const ClipContainer& container) {
-    const ClipContainer* const better = firstContainer([&](const ClipContainer& other) {
-        return std::all_of(streams.begin(), streams.end(), [&](int index) {
-            return canHold(other, *from.container().streams[index]->codecpar);
-        });
-    });
-    throw Failure(ExitCode::usage, describe(stream) + " has no place in " + container.extension +
-                                       (better ? std::string("; ") + better->extension + " holds all streams"
-                                               : "; no container holds all streams of this clip"));
+// How to go on: with another container, or without the stream.
+std::string remedy(const ClipReader& from, const std::vector<int>& streams, const AVStream& stream) {
+    const AVFormatContext& input = from.container();
+    const auto holdsAll = [&](const ClipContainer& other) {
+        return std::all_of(streams.begin(), streams.end(),
+                           [&](int index) { return canHold(other, *input.streams[index]); });
+    };
+    if (const ClipContainer* const better = firstContainer(holdsAll))
+        return std::string(better->extension) + " holds all streams";
+    return "no container holds all streams of this clip; 'ffmpeg -i CLIP -map 0 -map -0:" +
+           std::to_string(stream.index) + " -c copy OTHER' leaves this one out";
 }
 
 // What describes the old file and would be untrue of the new one.
-bool isAboutFile(std::string_view key) {
-    for (const std::string_view known : {"major_brand", "minor_version", "compatible_brands", "encoder"})
-        if (key == known)
+bool isAboutFile(const std::string& key) {
+    for (const char* const known : {"major_brand", "minor_version", "compatible_brands"})
+        if (av_strcasecmp(key.c_str(), known) == 0)
             return true;
-    for (const std::string_view start : {"BPS", "NUMBER_OF_", "_STATISTICS_", "DURATION"})
-        if (key.substr(0, start.size()) == start)
+    for (const char* const start : {"BPS", "NUMBER_OF_", "_STATISTICS_", "DURATION"})
+        if (key.rfind(start, 0) == 0)
             return true;
     return false;
 }
@@ -53,15 +72,6 @@ void copyMetadata(const AVDictionary* from, AVDictionary** to) {
          (entry = av_dict_get(from, "", entry, AV_DICT_IGNORE_SUFFIX)) != nullptr;)
         if (!isAboutFile(entry->key))
             av_dict_set(to, entry->key, entry->value, 0);
-}
-
-// The old number of the codec where it means the same in the new container, otherwise none.
-uint32_t codecTag(const AVCodecParameters& stream, const AVOutputFormat& format) {
-    unsigned usual = 0;
-    const bool isKnown = !format.codec_tag ||
-                         av_codec_get_id(format.codec_tag, stream.codec_tag) == stream.codec_id ||
-                         av_codec_get_tag2(format.codec_tag, stream.codec_id, &usual) == 0;
-    return isKnown ? stream.codec_tag : 0;
 }
 
 bool describesPlacement(AVPacketSideDataType type) {
@@ -110,19 +120,23 @@ std::vector<int> streamsToCopy(const std::string& name, const ClipReader& from,
     const AVFormatContext& input = from.container();
     for (unsigned i = 0; i < input.nb_streams; ++i) {
         const AVStream& stream = *input.streams[i];
-        if (!isOther(from, stream))
+        if (!isOther(from, stream) || isTimecode(stream))
             continue;
-        if (container.holdsStreams && !isUnknown(stream))
-            streams.push_back(stream.index);
+        if (!container.holdsStreams)
+            printError(name + ": " + describe(stream) + " is left out: " + container.extension +
+                       " has frames alone");
+        else if (isUnknown(stream))
+            printError(name + ": " + describe(stream) + " is left out: FFmpeg cannot tell what it is");
+        else if (isForNoContainer(stream))
+            printError(name + ": " + describe(stream) + " is left out: no container holds it");
         else
-            printError(name + ": " + describe(stream) + " is left out" +
-                       (container.holdsStreams
-                            ? ": its kind is unknown"
-                            : std::string(": ") + container.extension + " has frames alone"));
+            streams.push_back(stream.index);
     }
     for (const int index : streams)
-        if (!canHold(container, *input.streams[index]->codecpar))
-            refuse(from, streams, *input.streams[index], container);
+        if (!canHold(container, *input.streams[index]))
+            throw Failure(ExitCode::usage, describe(*input.streams[index]) + " has no place in " +
+                                               container.extension + "; " +
+                                               remedy(from, streams, *input.streams[index]));
     return streams;
 }
 
@@ -161,6 +175,7 @@ AVStream& StreamCopy::addRendered(const AVStream& from) {
     for (int i = 0; i < from.nb_side_data; ++i)
         if (describesPlacement(from.side_data[i].type))
             copySideData(from.side_data[i], stream);
+    av_dict_set(&stream.metadata, "encoder", nullptr, 0); // in whatever case
     return stream;
 }
 
