@@ -44,12 +44,6 @@ bool isMovingPicture(const AVStream& stream) {
            stream.discard != AVDISCARD_ALL;
 }
 
-bool isContinuous(const AVStream& stream) {
-    const AVMediaType type = stream.codecpar->codec_type;
-    return (type == AVMEDIA_TYPE_VIDEO || type == AVMEDIA_TYPE_AUDIO) && stream.discard != AVDISCARD_ALL &&
-           (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
-}
-
 int64_t inUnitsOf(const AVStream& stream, int64_t microseconds) {
     return av_rescale_q(microseconds, kMicrosecond, stream.time_base);
 }
@@ -62,7 +56,7 @@ void subtract(int64_t shift, int64_t& time) {
 } // namespace
 
 ClipReader::ClipReader(const std::string& path, const ReaderSettings& settings)
-    : m_settings(settings), m_source(path), m_packet(owned(av_packet_alloc())) {
+    : m_settings(settings), m_source(path) {
     catchFfmpegMessages();
     open();
     findVideo();
@@ -102,6 +96,7 @@ void ClipReader::findVideo() {
     if (found == end)
         throw Failure(ExitCode::badInput, "has no moving pictures");
     m_video = *found;
+    m_clock.emplace(*m_container, m_video->index);
 }
 
 void ClipReader::openDecoder() {
@@ -157,35 +152,47 @@ std::optional<ClipItem> ClipReader::next() {
         } else if (m_packet->stream_index == m_video->index) {
             decode(m_packet.get());
         } else if (isToBeCopied()) {
-            return ClipItem{nullptr, std::exchange(m_packet, owned(av_packet_alloc()))};
+            return ClipItem{nullptr, std::move(m_packet)};
         }
     }
 }
 
 bool ClipReader::readPacket() {
-    av_packet_unref(m_packet.get());
-    const int error = isRangeOver() ? AVERROR_EOF : av_read_frame(m_container.get(), m_packet.get());
-    if (error < 0) {
-        if (!isRangeOver())
-            checkEnd(error);
+    m_packet = m_clock->take();
+    while (!m_packet && demux())
+        m_packet = m_clock->take();
+    return m_packet != nullptr;
+}
+
+// Hands the next packet to the clock, or the end. False after that.
+bool ClipReader::demux() {
+    if (m_isDemuxed || isRangeOver())
         return false;
+    FfmpegPtr<AVPacket> packet = owned(av_packet_alloc());
+    const int error = av_read_frame(m_container.get(), packet.get());
+    if (error < 0) {
+        m_isDemuxed = true;
+        checkEnd(error);
+        m_clock->finish();
+        return true;
     }
-    if (m_packet->flags & AV_PKT_FLAG_CORRUPT)
-        checkPacket();
-    if (m_packet->stream_index == m_video->index)
+    if (packet->flags & AV_PKT_FLAG_CORRUPT)
+        checkPacket(*packet);
+    if (packet->stream_index == m_video->index)
         ++m_packets;
-    m_packetSize = m_packet->size;
-    m_end = m_packet->pos + m_packetSize;
+    m_packetSize = packet->size;
+    m_end = packet->pos + m_packetSize;
+    m_clock->add(std::move(packet));
     return true;
 }
 
 // Raw frames must be whole; anything else may be of use in parts.
-void ClipReader::checkPacket() {
+void ClipReader::checkPacket(const AVPacket& packet) {
     checkSignal(); // which cuts a frame short, too
     if (m_settings.raw)
         throw Failure(ExitCode::badInput,
-                      "frame " + std::to_string(m_packets + 1) +
-                          " is short: " + std::to_string(m_packet->size) + " of " +
+                      "frame " + std::to_string(m_packets + 1) + " is short: " + std::to_string(packet.size) +
+                          " of " +
                           std::to_string(av_image_get_buffer_size(
                               m_settings.raw->layout, m_settings.raw->width, m_settings.raw->height, 1)) +
                           " bytes");

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "tool/video/clip_clock.h"
 #include "tool/video/clip_item.h"
 #include "tool/video/clip_source.h"
 #include "tool/video/time_range.h"
@@ -37,7 +38,8 @@ public:
 
     /// The next frame, with its time in `pts` and its length in `pkt_duration`, or the next packet of another
     /// stream; nothing at the end. Times begin at 0 where a range is cut out and in transport streams, whose
-    /// clocks start anywhere; in other files they stay as they are.
+    /// clocks start anywhere and are carried on where they jump (`ClipClock`); in other files they stay as
+    /// they are.
     ///
     /// Throws `Failure` when the input cannot be read, when the last frame of raw frames or of YUV4MPEG2 is
     /// short, for damage with `strict`, and when a signal waits to end the program.
@@ -73,7 +75,8 @@ private:
     void startRange();
 
     bool readPacket();
-    void checkPacket();
+    bool demux();
+    void checkPacket(const AVPacket& packet);
     void checkEnd(int error);
     void decode(const AVPacket* packet);
     bool isToBeCopied();
@@ -88,6 +91,7 @@ private:
     std::unique_ptr<AVFormatContext, ContainerCloser> m_container;
     AVStream* m_video = nullptr;
     FfmpegPtr<AVCodecContext> m_decoder;
+    std::optional<ClipClock> m_clock;
     FfmpegPtr<AVPacket> m_packet;
     int64_t m_start = 0;                 ///< Where the clip begins, in microseconds.
     int64_t m_shift = 0;                 ///< In microseconds.
@@ -97,6 +101,7 @@ private:
     int64_t m_packets = 0;               ///< Of the video.
     int m_packetSize = 0;                ///< In bytes, of the last packet.
     std::set<int> m_ended;               ///< Streams that have left the range.
+    bool m_isDemuxed = false;            ///< There are no more packets in the file.
     bool m_isAtEnd = false;
     std::atomic<int> m_damaged = 0;
 };
