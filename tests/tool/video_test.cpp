@@ -3,6 +3,7 @@
 #include "host/beautifier.h"
 #include "host/library_log.h"
 #include "tests/tool/program.h"
+#include "tool/video/clip_clock.h"
 #include "tool/video/clip_pipeline.h"
 
 #include <array>
@@ -185,6 +186,29 @@ TEST_F(Video, BringsWhatChangesInTheMiddleToTheFirstFormat) {
     EXPECT_EQ(fileNames().count("late.mp4"), 0);
 }
 
+TEST_F(Video, CarriesTimesOnWhereTheClockJumps) {
+    const std::string source = "-f lavfi -i testsrc2=s=64x48:r=25:d=1 -f lavfi -i sine=d=1 -c:v libx264 "
+                               "-pix_fmt yuv420p -c:a mp2 ";
+    make(source + "soon.ts");
+    make(source + "-output_ts_offset 1000 late.ts");
+    make(source + "-f vob soon.mpg");
+    for (const char* const parts :
+         {"soon.ts soon.ts", "soon.ts late.ts", "late.ts soon.ts", "soon.mpg soon.mpg"}) {
+        SCOPED_TRACE(parts);
+        shell(std::string("cat ") + parts + " >clip");
+        ASSERT_EQ(run("render clip out.mkv -y --smooth 0.5"), 0) << errorText();
+        // Milliseconds from packet to packet: 40 of frames, 26 of sound; what overlaps is put close together.
+        EXPECT_EQ(
+            shell("ffprobe -v error -of csv=p=0 -select_streams v -show_entries packet=pts_time out.mkv "
+                  "| sort -n | awk 'NR > 1 {print int(($1 - t) * 1000 + .5)} {t = $1}' | uniq -c"),
+            "     49 40\n");
+        EXPECT_EQ(
+            shell("ffprobe -v error -of csv=p=0 -select_streams a -show_entries packet=pts_time out.mkv "
+                  "| awk 'NR > 1 && $1 - t > .06 {print} {t = $1} END {print int(t * 10 + .5)}'"),
+            "20\n");
+    }
+}
+
 TEST_F(Video, CutsFramesAndSoundAtTheSameTimes) {
     make("-f lavfi -i testsrc2=s=64x48:r=25:d=4 -f lavfi -i sine=d=4 -c:v libx264 -g 25 -bf 3 -pix_fmt "
          "yuv420p "
@@ -249,6 +273,43 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
     EXPECT_THAT(errorText(), testing::HasSubstr("is damaged: "));
     run("render clip.y4m - 2>words | head -c 1");
     EXPECT_EQ(contentOf(m_directory / "words"), "");
+}
+
+TEST(ClipClock, MovesStreamsAlikeThoughTheyGetToAJumpOneAfterTheOther) {
+    const auto close = [](AVFormatContext* container) { avformat_free_context(container); };
+    const std::unique_ptr<AVFormatContext, decltype(close)> container(avformat_alloc_context(), close);
+    container->iformat = av_find_input_format("mpegts");
+    for (const AVMediaType type : {AVMEDIA_TYPE_VIDEO, AVMEDIA_TYPE_AUDIO}) {
+        AVStream* const stream = avformat_new_stream(container.get(), nullptr);
+        stream->codecpar->codec_type = type;
+        stream->time_base = {1, 1000};
+    }
+    for (const int jump : {-3000, 20000})
+        for (const int lag : {-1500, 0, 700, 3000}) { // of sound behind the frames, in the file
+            ClipClock clock(*container, 0);
+            std::map<int, std::vector<int64_t>> times;
+            const auto add = [&](int stream, int time) {
+                FfmpegPtr<AVPacket> packet = owned(av_packet_alloc());
+                packet->stream_index = stream;
+                packet->pts = packet->dts = time >= 5000 ? time + jump : time;
+                if (stream == 0 && time == 6000)
+                    packet->pts = packet->dts = 900000; // is damaged
+                packet->duration = 50;
+                clock.add(std::move(packet));
+                while (const FfmpegPtr<AVPacket> next = clock.take())
+                    times[next->stream_index].push_back(next->pts);
+            };
+            for (int time = -3000; time < 14000; time += 50) {
+                if (time >= 0 && time < 10000)
+                    add(0, time);
+                if (time - lag >= 0 && time - lag < 10000)
+                    add(1, time - lag);
+            }
+            clock.finish();
+            for (const int stream : {0, 1})
+                for (size_t i = 0; i < 200; ++i)
+                    EXPECT_EQ(times[stream].at(i), i * 50);
+        }
 }
 
 TEST(ClipPipeline, EndsAllStagesWithTheFirstError) {

@@ -9,11 +9,12 @@
 namespace ze::tool {
 namespace {
 
-constexpr int64_t kStepBack = AV_TIME_BASE / 5;   // less is disorder
+constexpr int64_t kStepBack = AV_TIME_BASE / 10;  // less is disorder
 constexpr int64_t kStepAhead = 10 * AV_TIME_BASE; // less is a pause
 constexpr int64_t kPatience = 2 * AV_TIME_BASE;
+constexpr size_t kMostWaiting = 4096;           // packets, where times do not move
 constexpr int64_t kOverlap = AV_TIME_BASE / 10; // of other streams, so that frames keep their distance
-constexpr int64_t kFarthest = int64_t{1} << 60; // beyond are no times, and sums could overflow
+constexpr int64_t kFarthest = int64_t{1} << 56; // beyond are no times, and sums could overflow
 
 int64_t microseconds(int64_t time, const AVStream& stream) {
     const int64_t converted =
@@ -44,12 +45,15 @@ void ClipClock::add(FfmpegPtr<AVPacket> packet) {
         follow(index, times);
     const auto track = m_tracks.find(index);
     const bool isKnown = track != m_tracks.end();
+    if (isKnown)
+        track->second.next += times.length; // also where only some packets have times
     if (m_isWaiting && (!isKnown || isLast(track->second)))
         m_waiting.push_back(std::move(packet));
     else
         giveOut(std::move(packet), isKnown ? track->second.part : usualPart());
     const auto isThere = [this](const auto& entry) { return isLast(entry.second); };
-    if (m_parts.back().end > m_waitEnd || std::all_of(m_tracks.begin(), m_tracks.end(), isThere))
+    if (m_parts.back().end > m_waitEnd || m_waiting.size() > kMostWaiting ||
+        std::all_of(m_tracks.begin(), m_tracks.end(), isThere))
         endWait();
 }
 
@@ -69,8 +73,9 @@ ClipClock::Times ClipClock::timesOf(const AVPacket& packet) const {
     const AVStream& stream = *m_container.streams[packet.stream_index];
     const int64_t decoded = microseconds(packet.dts, stream);
     const int64_t shown = microseconds(packet.pts, stream);
-    const int64_t length = std::max<int64_t>(0, microseconds(packet.duration, stream));
-    return {decoded == AV_NOPTS_VALUE ? shown : decoded, shown == AV_NOPTS_VALUE ? decoded : shown, length};
+    const int64_t length = std::clamp<int64_t>(microseconds(packet.duration, stream), 0, kStepAhead);
+    return {decoded == AV_NOPTS_VALUE ? shown : decoded, shown == AV_NOPTS_VALUE ? decoded : shown, length,
+            (packet.flags & AV_PKT_FLAG_KEY) != 0};
 }
 
 void ClipClock::follow(int stream, const Times& times) {
@@ -82,8 +87,7 @@ void ClipClock::follow(int stream, const Times& times) {
         enter(track, usualPart());
     else if (!goesOn(track, track.part, times))
         jump(track, times);
-    track.decoded = times.decoded;
-    track.next = times.decoded + times.length;
+    track.decoded = track.next = times.decoded;
     track.end = std::max(track.end, times.shown + times.length);
     m_parts[track.part].end = std::max(m_parts[track.part].end, track.end);
 }
@@ -95,25 +99,33 @@ bool ClipClock::goesOn(const Track& track, size_t part, const Times& times) cons
            times.decoded <= std::max(track.end + shift, m_parts[part].end) + kStepAhead;
 }
 
+// By how much `times` are behind the next ones of `track`. Between key frames, what is decoded later may be
+// shown earlier.
+int64_t ClipClock::distance(const Track& track, const Times& times) {
+    const int64_t distance = track.next - times.decoded;
+    return times.isKey ? std::max(distance, track.end - times.shown) : distance;
+}
+
 void ClipClock::jump(Track& track, const Times& times) {
     if (isLast(track))
         endWait(); // a second jump, before all others had the first
-    const size_t last = m_parts.size() - 1;
-    if (goesOn(track, track.partBefore, times)) {
-        enter(track, track.partBefore);
-    } else if (!m_isWaiting && goesOn(track, last, times)) {
-        enter(track, last);
-    } else {
-        if (!m_isWaiting || std::abs(times.decoded - m_parts.back().end) > kStepAhead)
-            beginPart(times);
-        track.offset =
-            m_parts[track.part].offset + std::max(track.end - times.shown, track.next - times.decoded);
-        enter(track, m_parts.size() - 1);
+    for (const size_t part : {track.partBefore, usualPart(), m_parts.size() - 1}) {
+        const bool hasOffset = !m_isWaiting || part < m_parts.size() - 1;
+        if (hasOffset && goesOn(track, part, times)) {
+            enter(track, part);
+            return;
+        }
     }
+    if (!m_isWaiting || std::abs(times.decoded - m_parts.back().end) > kStepAhead)
+        beginPart(track, times);
+    track.offset = m_parts[track.part].offset + distance(track, times);
+    enter(track, m_parts.size() - 1);
 }
 
-void ClipClock::beginPart(const Times& times) {
+void ClipClock::beginPart(const Track& track, const Times& times) {
     endWait();
+    m_before = m_parts[track.part].offset;
+    m_jump = m_before + m_parts[track.part].end;
     m_parts.push_back({0, times.decoded});
     m_waitEnd = times.decoded + kPatience;
     m_isWaiting = true;
@@ -127,19 +139,27 @@ void ClipClock::enter(Track& track, size_t part) {
 void ClipClock::endWait() {
     if (!std::exchange(m_isWaiting, false))
         return;
-    int64_t offset = INT64_MIN;
-    for (const auto& [index, track] : m_tracks)
-        if (isLast(track))
-            offset = std::max(offset, track.offset);
-    const auto video = m_tracks.find(m_video);
-    if (video != m_tracks.end() && isLast(video->second) && offset - video->second.offset <= kOverlap)
-        offset = video->second.offset;
-    m_parts.back().offset = offset;
+    m_parts.back().offset = nextOffset();
     for (FfmpegPtr<AVPacket>& packet : std::exchange(m_waiting, {})) {
         const bool isKnown = m_tracks.count(packet->stream_index) != 0;
         const size_t part = isKnown ? m_parts.size() - 1 : nearestPart(*packet);
         giveOut(std::move(packet), part);
     }
+}
+
+int64_t ClipClock::nextOffset() const {
+    int64_t offset = INT64_MIN;
+    bool isClocks = true;
+    for (const auto& [index, track] : m_tracks)
+        if (isLast(track))
+            offset = std::max(offset, track.offset);
+        else if (m_parts[track.part].offset + track.end > m_jump + kPatience / 2)
+            isClocks = false;
+    if (!isClocks && std::abs(offset - m_before) < kStepAhead)
+        return m_before; // other streams went on where this one jumped, and it stays beside them
+    const auto video = m_tracks.find(m_video);
+    const bool isVideoThere = video != m_tracks.end() && isLast(video->second);
+    return isVideoThere && offset - video->second.offset <= kOverlap ? video->second.offset : offset;
 }
 
 // For streams of which it cannot be told by themselves.

@@ -34,15 +34,15 @@ std::chrono::seconds whole(double seconds) {
 
 } // namespace
 
-ClipProgress::ClipProgress(ProgressKind kind, int64_t duration)
-    : m_kind(kind), m_isShown(kind == ProgressKind::json || isatty(STDERR_FILENO) == 1),
-      m_duration(static_cast<double>(duration) / AV_TIME_BASE) {}
+ClipProgress::ClipProgress(ProgressKind kind)
+    : m_kind(kind), m_isShown(kind == ProgressKind::json || isatty(STDERR_FILENO) == 1) {}
 
 ClipProgress::~ClipProgress() {
     clearStatus();
 }
 
-void ClipProgress::advance(const AVFrame& frame, AVRational timeBase) {
+void ClipProgress::advance(const AVFrame& frame, AVRational timeBase, int64_t duration) {
+    m_duration = static_cast<double>(duration) / AV_TIME_BASE;
     if (m_frames++ == 0)
         m_first = frame.pts;
     m_time = static_cast<double>(frame.pts - m_first + frame.pkt_duration) * av_q2d(timeBase);

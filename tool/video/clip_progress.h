@@ -12,14 +12,14 @@ namespace ze::tool {
 /// of its own. One thread at a time.
 class ClipProgress {
 public:
-    /// `duration` is that of the whole in microseconds, 0 where it is not known.
-    ClipProgress(ProgressKind kind, int64_t duration);
+    explicit ClipProgress(ProgressKind kind);
     ~ClipProgress();
     ClipProgress(const ClipProgress&) = delete;
     ClipProgress& operator=(const ClipProgress&) = delete;
 
-    /// `frame` is done, whose time and length are in units of `timeBase` seconds.
-    void advance(const AVFrame& frame, AVRational timeBase);
+    /// `frame` is done, whose time and length are in units of `timeBase` seconds. `duration` is that of the
+    /// whole in microseconds, as far as is known by now; 0 where it is not.
+    void advance(const AVFrame& frame, AVRational timeBase, int64_t duration);
 
     /// All frames are done.
     void finish();
@@ -33,9 +33,9 @@ private:
 
     ProgressKind m_kind;
     bool m_isShown;
-    double m_duration;   ///< In seconds, like the next.
-    double m_time = 0;   ///< From the first frame to the end of the last.
-    int64_t m_first = 0; ///< When the first one begins, in units of the frames.
+    double m_duration = 0; ///< In seconds, like the next.
+    double m_time = 0;     ///< From the first frame to the end of the last.
+    int64_t m_first = 0;   ///< When the first one begins, in units of the frames.
     int64_t m_frames = 0;
     Clock::time_point m_start = Clock::now();
     Clock::time_point m_shown = m_start;

@@ -72,6 +72,7 @@ void ClipReader::open() {
     container->io_open = refuseOtherFiles;
     container->interrupt_callback.callback = isInterrupted;
     Dictionary options;
+    options.set("scan_all_pmts", "1"); // transport streams: streams that begin later, too
     const AVInputFormat* demuxer = nullptr;
     if (const auto& raw = m_settings.raw) {
         demuxer = av_find_input_format("rawvideo");
@@ -119,6 +120,7 @@ void ClipReader::openDecoder() {
 void ClipReader::startRange() {
     const bool hasFreeClock = (m_container->iformat->flags & AVFMT_TS_DISCONT) != 0;
     m_start = m_container->start_time == AV_NOPTS_VALUE ? 0 : m_container->start_time;
+    m_total = m_container->duration == AV_NOPTS_VALUE ? 0 : m_container->duration;
     if (hasFreeClock || !m_settings.range.isWhole())
         m_shift = m_start + m_settings.range.from;
     // A second before, so that a reordered frame is not missed. Decoding brings up what is dropped.
@@ -134,9 +136,15 @@ AVRational ClipReader::frameRate() const {
 }
 
 int64_t ClipReader::duration() const {
-    if (m_container->duration == AV_NOPTS_VALUE)
-        return 0;
-    return std::max<int64_t>(0, std::min(m_container->duration, m_settings.range.to) - m_settings.range.from);
+    const int64_t total = m_total;
+    return total == 0 ? 0
+                      : std::max<int64_t>(0, std::min(total, m_settings.range.to) - m_settings.range.from);
+}
+
+int64_t ClipReader::estimatedTotal() const {
+    const int64_t size = avio_size(m_container->pb);
+    const int64_t done = avio_tell(m_container->pb);
+    return size > 0 && done > 0 ? av_rescale(std::max<int64_t>(0, m_clock->time() - m_start), size, done) : 0;
 }
 
 std::optional<ClipItem> ClipReader::next() {
@@ -183,6 +191,8 @@ bool ClipReader::demux() {
     m_packetSize = packet->size;
     m_end = packet->pos + m_packetSize;
     m_clock->add(std::move(packet));
+    if (m_clock->hasJumped())
+        m_total = estimatedTotal();
     return true;
 }
 

@@ -55,7 +55,8 @@ public:
     int64_t shift() const { return m_shift; }
     /// Where a range ends, counted from where it begins, in microseconds.
     int64_t end() const { return m_settings.range.to - m_settings.range.from; }
-    /// Of what `next` returns, in microseconds; 0 where unknown.
+    /// Of what `next` returns, in microseconds; 0 where unknown. An estimate, from the size of the file, once
+    /// the clock has jumped. Any thread may call.
     int64_t duration() const;
 
     /// Whether what has been read is gone.
@@ -73,6 +74,7 @@ private:
     void findVideo();
     void openDecoder();
     void startRange();
+    int64_t estimatedTotal() const;
 
     bool readPacket();
     bool demux();
@@ -103,6 +105,7 @@ private:
     std::set<int> m_ended;               ///< Streams that have left the range.
     bool m_isDemuxed = false;            ///< There are no more packets in the file.
     bool m_isAtEnd = false;
+    std::atomic<int64_t> m_total = 0; ///< Length of the whole clip, in microseconds; 0 where unknown.
     std::atomic<int> m_damaged = 0;
 };
 

@@ -82,7 +82,7 @@ ClipRun::ClipRun(const ClipJob& job, const zebeauty::Settings& settings)
     m_output.emplace(job.output, *job.container, job.encoder, m_format, *m_reader);
     if (!job.compare.empty())
         m_compare.emplace(job.compare, *job.compareContainer, job.encoder, doubled(m_format), *m_reader);
-    m_progress.emplace(job.progress, m_reader->duration());
+    m_progress.emplace(job.progress);
 }
 
 std::string ClipRun::noFrames() const {
@@ -152,7 +152,7 @@ void ClipRun::write(const Thing& thing) {
     if (m_compare)
         m_compare->write(thing.item.frame ? thing.both : thing.item);
     if (thing.item.frame)
-        m_progress->advance(*thing.item.frame, m_format.timeBase);
+        m_progress->advance(*thing.item.frame, m_format.timeBase, m_reader->duration());
 }
 
 void ClipRun::run() {
