@@ -17,7 +17,8 @@ constexpr char kGroup[] = "Moving pictures";
 
 int64_t timeOf(const std::string& text) {
     int64_t time = 0;
-    return av_parse_time(&time, text.c_str(), 1) == 0 && time >= 0 ? time : -1;
+    const std::string whole = (text.rfind('.', 0) == 0 ? "0" : "") + text; // FFmpeg refuses ".5"
+    return av_parse_time(&time, whole.c_str(), 1) == 0 && time >= 0 ? time : -1;
 }
 
 std::string checkTime(const std::string& text) {

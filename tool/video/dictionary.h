@@ -22,6 +22,12 @@ public:
         av_dict_set(&m_entries, key.c_str(), value.c_str(), 0);
     }
 
+    /// Empty where there is none.
+    std::string valueOf(const char* key) const {
+        const AVDictionaryEntry* const entry = av_dict_get(m_entries, key, nullptr, AV_DICT_MATCH_CASE);
+        return entry ? entry->value : "";
+    }
+
     /// For functions that take entries out; those that they do not know are left.
     AVDictionary** address() { return &m_entries; }
 

@@ -1,6 +1,7 @@
 #include "tool/video/ffmpeg_errors.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <mutex>
 #include <utility>
 
@@ -38,6 +39,7 @@ std::string meaningOf(int error) {
 
 void catchFfmpegMessages() {
     av_log_set_callback(keepError);
+    setenv("SVT_LOG", "1", 0); // SVT-AV1 writes by itself: errors alone, unless the user wants more
 }
 
 std::string ffmpegReason(int error) {

@@ -1,5 +1,6 @@
 #include "tool/video/video_encoder.h"
 
+#include "tool/number_text.h"
 #include "tool/video/dictionary.h"
 #include "tool/video/ffmpeg_errors.h"
 
@@ -7,6 +8,7 @@
 #include <string_view>
 
 extern "C" {
+#include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
 
@@ -74,6 +76,33 @@ bool setsRate(const std::string& option) {
     return option.rfind("crf=", 0) == 0 || option.rfind("qp=", 0) == 0 || option.rfind("b=", 0) == 0;
 }
 
+// FFmpeg takes any number for x264 and x265, which cut it or say something else.
+double highestCrf(const AVCodec& codec, const AVOption& option) {
+    return codec.id == AV_CODEC_ID_H264 || codec.id == AV_CODEC_ID_HEVC ? 51 : option.max;
+}
+
+void checkCrf(const AVCodec& codec, int crf) {
+    const AVOption* const option = codec.priv_class ? av_opt_find(const_cast<AVClass**>(&codec.priv_class),
+                                                                  "crf", nullptr, 0, AV_OPT_SEARCH_FAKE_OBJ)
+                                                    : nullptr;
+    if (!option)
+        throw Failure(ExitCode::usage,
+                      std::string("--crf: the encoder ") + codec.name + " has no such setting");
+    const double highest = highestCrf(codec, *option);
+    if (crf < 0 || crf > highest)
+        throw Failure(ExitCode::usage, std::string("--crf: the encoder ") + codec.name + " takes 0 to " +
+                                           numberText(highest, 0) + ", not " + std::to_string(crf));
+}
+
+// x265 prints what it does, whatever FFmpeg says, unless it is told not to; the user may tell it otherwise.
+void quiet(Dictionary& options, std::string_view encoder) {
+    constexpr char kKey[] = "x265-params";
+    if (encoder != "libx265")
+        return;
+    const std::string named = options.valueOf(kKey);
+    options.set(kKey, "log-level=error" + (named.empty() ? "" : ":" + named));
+}
+
 void addOptions(Dictionary& options, const EncoderSettings& settings, std::string_view encoder) {
     const bool hasRate = std::any_of(settings.options.begin(), settings.options.end(), setsRate);
     for (const UsualOptions& usual : usualOptions())
@@ -128,10 +157,13 @@ void VideoEncoder::describe(const VideoFormat& format) {
 void VideoEncoder::open(const EncoderSettings& settings) {
     const AVCodec& codec = *m_context->codec;
     Dictionary options;
+    if (settings.crf)
+        checkCrf(codec, *settings.crf);
     addOptions(options, settings, codec.name);
+    quiet(options, codec.name);
     const int opened = avcodec_open2(m_context.get(), &codec, options.address());
     if (opened < 0)
-        throw Failure(ExitCode::failed,
+        throw Failure(settings.crf || !settings.options.empty() ? ExitCode::usage : ExitCode::failed,
                       std::string("the encoder ") + codec.name + " refuses: " + ffmpegReason(opened));
     if (!options.firstKey().empty())
         throw Failure(ExitCode::usage, std::string("--encoder-option: the encoder ") + codec.name +
