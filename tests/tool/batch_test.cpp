@@ -36,7 +36,7 @@ TEST_F(Batch, GoesOnAfterFailuresAndTellsThemAtTheEnd) {
     EXPECT_EQ(run("render -r in missing.png --into in/out --as jpg"), 3);
     EXPECT_THAT(errorText(),
                 testing::MatchesRegex(
-                    "zebeauty: warning: in: passed over 2 files that are no picture, the first clip.y4m\n"
+                    "zebeauty: warning: in: passed over 2 files that are no picture, the first clip.y4m; .*\n"
                     "zebeauty: in/b.png: is no valid picture .*\n"
                     "zebeauty: missing.png: cannot be read: .*\n"
                     "zebeauty: 2 of 4 pictures failed\n"));

@@ -256,6 +256,10 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
         {"render odd.mkv out.mp4", 2, "out.mp4: 33x17 pixels: .*even.*"},
         {"render clip.mp4 out.mp4 --quality 3", 2, "--quality is for pictures.*"},
         {"render clip.mp4 out.mp4 --encoder-option no=1", 2, ".*libx264 has no option 'no'.*"},
+        {"render clip.mp4 out.mp4 --crf 99", 2,
+         "out.mp4: --crf: the encoder libx264 takes 0 to 51, not 99.*"},
+        {"render clip.mp4 --into out", 2, "clip.mp4: is a clip; .*"},
+        {"render clip.mp4 out.mp4 --from .4 --to .3", 2, "--to is not after --from.*"},
         {"render clip.mp4 out.mp4 --from 5", 3, "clip.mp4: has no frames between --from and --to"},
         {"render clip.mp4 missing/out.mp4", 1,
          "missing/out.mp4: cannot be written: No such file or directory"},
@@ -271,8 +275,11 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
     EXPECT_EQ(fileNames(), names);
     EXPECT_EQ(run("render cut.mp4 out.mp4"), 0);
     EXPECT_THAT(errorText(), testing::HasSubstr("is damaged: "));
+    EXPECT_EQ(run("render cut.mp4 out.mp4 --skip-existing"), 0);
     run("render clip.y4m - 2>words | head -c 1");
     EXPECT_EQ(contentOf(m_directory / "words"), "");
+    run("render clip.y4m - --compare both.mkv 2>words | head -c 1");
+    EXPECT_THAT(contentOf(m_directory / "words"), testing::StartsWith("zebeauty: both.mkv: is not written"));
 }
 
 TEST(ClipClock, MovesStreamsAlikeThoughTheyGetToAJumpOneAfterTheOther) {

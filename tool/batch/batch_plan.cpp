@@ -17,15 +17,28 @@ namespace fs = std::filesystem;
 
 constexpr size_t kSniffedBytes = 65536;
 
-// Also of a file that cannot be read: the run will say why.
-bool isPhotoFile(const fs::path& path) {
+constexpr char kClipHint[] = "each clip needs a run of its own, without --into";
+
+// Empty for a file that cannot be read: the run will say why.
+std::string startOf(const fs::path& path) {
     std::string start(kSniffedBytes, '\0');
     std::ifstream file(path, std::ios::binary);
-    if (!file)
-        return true;
     file.read(start.data(), static_cast<std::streamsize>(start.size()));
     start.resize(static_cast<size_t>(file.gcount()));
-    return !photoLoaderOf(start).empty() && !beginsLikeClip(start);
+    return start;
+}
+
+bool isReadable(const fs::path& path) {
+    return std::ifstream(path).is_open();
+}
+
+bool isClipFile(const fs::path& path) {
+    return beginsLikeClip(startOf(path));
+}
+
+bool isPhotoFile(const fs::path& path) {
+    const std::string start = startOf(path);
+    return !isReadable(path) || (!photoLoaderOf(start).empty() && !beginsLikeClip(start));
 }
 
 bool isHidden(const fs::path& path) {
@@ -75,7 +88,8 @@ void tellOfOthers(const std::string& folder, const std::vector<fs::path>& others
     const std::string count = std::to_string(others.size());
     printError("warning: " + folder + ": passed over " + count +
                (others.size() == 1 ? " file that is" : " files that are") + " no picture, " +
-               (others.size() == 1 ? "" : "the first ") + others.front().filename().string());
+               (others.size() == 1 ? "" : "the first ") + others.front().filename().string() +
+               (std::any_of(others.begin(), others.end(), isClipFile) ? std::string("; ") + kClipHint : ""));
 }
 
 // Where the picture `name`, relative to what the user named, goes.
@@ -91,6 +105,8 @@ std::vector<BatchJob> jobsFor(const std::string& input, const BatchOptions& batc
     if (input == kStandardStream)
         throw Failure(ExitCode::usage, "standard input has no name for a file in --into");
     std::error_code ignored;
+    if (fs::is_regular_file(input, ignored) && isClipFile(input))
+        throw Failure(ExitCode::usage, input, std::string("is a clip; ") + kClipHint);
     if (!fs::is_directory(input, ignored))
         return {{input, outputFor(fs::path(input).filename(), batch.into, photo)}};
     std::vector<BatchJob> jobs;

@@ -107,14 +107,16 @@ void renderClip(const RenderOptions& options, const std::string& input, const st
 }
 
 void renderOne(const RenderOptions& options, const std::string& input, const std::string& output) {
+    std::error_code ignored;
+    if (std::filesystem::is_directory(input, ignored))
+        throw Failure(ExitCode::usage, input, "is a folder; --into DIR renders the pictures in it");
+    if (options.batch.skipExisting && !isStream(output) && std::filesystem::exists(output, ignored))
+        return;
     if (options.clip.isClip(input)) {
         renderClip(options, input, output);
         return;
     }
     options.clip.checkUnused();
-    std::error_code ignored;
-    if (std::filesystem::is_directory(input, ignored))
-        throw Failure(ExitCode::usage, input, "is a folder; --into DIR renders the pictures in it");
     checkOutputs(options, output);
     const Photo before = options.photo.read(input);
     Effects effects(options);
@@ -175,10 +177,8 @@ void addRenderCommand(CLI::App& program) {
         ->type_name("DIR");
     command->add_flag("-r", options->batch.recursive, "Also take the pictures in folders of folders")
         ->needs("--into");
-    command
-        ->add_flag("--skip-existing", options->batch.skipExisting,
-                   "Leave out pictures whose output exists, to go on where a run ended")
-        ->needs("--into");
+    command->add_flag("--skip-existing", options->batch.skipExisting,
+                      "Leave out pictures and clips whose output exists, to go on where a run ended");
     CLI::Option* smooth = command->add_option("--smooth", options->smooth, "How much to smooth skin, 0 to 1")
                               ->check(checkAmount)
                               ->capture_default_str();

@@ -181,6 +181,18 @@ bool writesFiles(const ClipJob& job) {
     return !isStream(job.output) || (!job.compare.empty() && !isStream(job.compare));
 }
 
+// The reader of a pipe wanted no more, which is no failure unless there was to be a file, too.
+void endWithoutReader(const ClipJob& job) {
+    const std::string& file = isStream(job.output) ? job.compare : job.output;
+    if (file.empty() || isStream(file))
+        return;
+    const Failure failure(ExitCode::failed, file,
+                          "is not written, because the reader of the pipe beside it has gone");
+    if (waitingSignal() == 0)
+        throw failure;
+    printError(failure.what());
+}
+
 } // namespace
 
 void runClip(const ClipJob& job, const zebeauty::Settings& settings) {
@@ -192,12 +204,15 @@ void runClip(const ClipJob& job, const zebeauty::Settings& settings) {
     try {
         ClipRun(job, settings).run();
     } catch (const ReaderGone&) {
+        endWithoutReader(job);
     } catch (const Failure& failure) {
-        const int signal = waitingSignal();
+        const int signal = waitingSignal(); // at the end of the hold it ends the program
         if (signal == 0)
             throw;
-        if (signal != SIGPIPE)
-            printError(failure.what()); // the end of the hold ends the program
+        if (signal == SIGPIPE)
+            endWithoutReader(job);
+        else
+            printError(failure.what());
     }
 }
 
