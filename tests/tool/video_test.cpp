@@ -237,6 +237,7 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
                   "-map 0 -map 1 -c:a flac -c:v ffv1 sound.mkv");
     make("-f lavfi -i testsrc=s=33x17:r=25:d=0.2 -pix_fmt yuv420p -c:v ffv1 odd.mkv");
     write("short.y4m", contentOf(m_directory / "clip.y4m").substr(0, 20000));
+    write("nothing", "");
     write("empty.y4m", "YUV4MPEG2 W64 H48 F25:1 Ip A1:1 C420jpeg\n");
     const std::string movie = contentOf(m_directory / "clip.mp4");
     write("cut.mp4", movie.substr(0, movie.size() - 300));
@@ -247,7 +248,9 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
     } cases[] = {
         {"render hdr.mp4 out.mp4", 3, "hdr.mp4: is HDR \\(PQ\\); .*tonemap.*"},
         {"render short.y4m out.mkv", 3, "short.y4m: frame 5 is short: [0-9]+ of 4608 bytes"},
-        {"render clip.y4m out.mkv --raw nv12 --size 64x48", 3, "clip.y4m: frame 21 is short: .*"},
+        {"render clip.y4m out.mkv --raw nv12 --size 64x48 --rate 5 --from 3", 3,
+         "clip.y4m: frame 21 is short: .*"},
+        {"render nothing out.mp4", 3, "nothing: is empty"},
         {"render empty.y4m out.mkv", 3, "empty.y4m: has no .*"},
         {"render cut.mp4 out.mp4 --strict", 3, "cut.mp4: is damaged near .*"},
         {"render sound.mp3 out.mp4", 3, "sound.mp3: has no moving pictures"},

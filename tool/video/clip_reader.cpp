@@ -37,6 +37,13 @@ void checkSignal() {
     throw Failure(ExitCode::badInput, "cannot be read: " + reason);
 }
 
+// Times of frames without anything around them are their numbers, from 0.
+[[noreturn]] void failAtShortFrame(int64_t time, int64_t bytes, int size) {
+    throw Failure(ExitCode::badInput, "frame " + std::to_string(time + 1) +
+                                          " is short: " + std::to_string(std::max<int64_t>(0, bytes)) +
+                                          " of " + std::to_string(size) + " bytes");
+}
+
 // Whether `stream` is shown, and not a cover or a track of thumbnails.
 bool isMovingPicture(const AVStream& stream) {
     constexpr int kStill = AV_DISPOSITION_ATTACHED_PIC | AV_DISPOSITION_TIMED_THUMBNAILS;
@@ -186,9 +193,8 @@ bool ClipReader::demux() {
     }
     if (packet->flags & AV_PKT_FLAG_CORRUPT)
         checkPacket(*packet);
-    if (packet->stream_index == m_video->index)
-        ++m_packets;
     m_packetSize = packet->size;
+    m_packetTime = packet->pts;
     m_end = packet->pos + m_packetSize;
     m_clock->add(std::move(packet));
     if (m_clock->hasJumped())
@@ -199,13 +205,9 @@ bool ClipReader::demux() {
 // Raw frames must be whole; anything else may be of use in parts.
 void ClipReader::checkPacket(const AVPacket& packet) {
     checkSignal(); // which cuts a frame short, too
-    if (m_settings.raw)
-        throw Failure(ExitCode::badInput,
-                      "frame " + std::to_string(m_packets + 1) + " is short: " + std::to_string(packet.size) +
-                          " of " +
-                          std::to_string(av_image_get_buffer_size(
-                              m_settings.raw->layout, m_settings.raw->width, m_settings.raw->height, 1)) +
-                          " bytes");
+    if (const auto& raw = m_settings.raw)
+        failAtShortFrame(packet.pts, packet.size,
+                         av_image_get_buffer_size(raw->layout, raw->width, raw->height, 1));
     noteDamage();
 }
 
@@ -213,13 +215,13 @@ void ClipReader::checkEnd(int error) {
     if (!m_source.failure().empty())
         failToRead(m_source.failure());
     checkSignal();
-    if (std::string_view(m_container->iformat->name) == "yuv4mpegpipe" && m_source.position() > m_end) {
-        const int64_t got = m_source.position() - m_end - static_cast<int64_t>(sizeof kFrameMark - 1);
-        throw Failure(ExitCode::badInput,
-                      m_packets == 0 ? "has no whole frame"
-                                     : "frame " + std::to_string(m_packets + 1) +
-                                           " is short: " + std::to_string(std::max<int64_t>(0, got)) +
-                                           " of " + std::to_string(m_packetSize) + " bytes");
+    const int64_t left = m_source.position() - m_end;
+    if (std::string_view(m_container->iformat->name) == "yuv4mpegpipe" && left > 0) {
+        if (m_packetTime != AV_NOPTS_VALUE)
+            failAtShortFrame(m_packetTime + 1, left - static_cast<int64_t>(sizeof kFrameMark - 1),
+                             m_packetSize);
+        if (m_settings.range.from == 0)
+            throw Failure(ExitCode::badInput, "has no whole frame");
     }
     if (error != AVERROR_EOF)
         noteDamage();
@@ -302,10 +304,11 @@ bool ClipReader::isRangeOver() const {
 
 void ClipReader::noteDamage() {
     ++m_damaged;
-    if (m_settings.strict)
-        throw Failure(ExitCode::badInput,
-                      "is damaged near " +
-                          numberText(static_cast<double>(m_nextTime) * av_q2d(m_video->time_base), 2) + " s");
+    if (!m_settings.strict)
+        return;
+    const double time =
+        static_cast<double>(m_nextTime) * av_q2d(m_video->time_base) - static_cast<double>(m_start) / kSecond;
+    throw Failure(ExitCode::badInput, "is damaged near " + numberText(std::max(0.0, time), 2) + " s");
 }
 
 } // namespace ze::tool

@@ -95,15 +95,15 @@ private:
     FfmpegPtr<AVCodecContext> m_decoder;
     std::optional<ClipClock> m_clock;
     FfmpegPtr<AVPacket> m_packet;
-    int64_t m_start = 0;                 ///< Where the clip begins, in microseconds.
-    int64_t m_shift = 0;                 ///< In microseconds.
-    int64_t m_lastTime = AV_NOPTS_VALUE; ///< Of the frame before.
-    int64_t m_nextTime = 0;              ///< Where a frame begins that does not say it.
-    int64_t m_end = 0;                   ///< In bytes, of the last packet.
-    int64_t m_packets = 0;               ///< Of the video.
-    int m_packetSize = 0;                ///< In bytes, of the last packet.
-    std::set<int> m_ended;               ///< Streams that have left the range.
-    bool m_isDemuxed = false;            ///< There are no more packets in the file.
+    int64_t m_start = 0;                   ///< Where the clip begins, in microseconds.
+    int64_t m_shift = 0;                   ///< In microseconds.
+    int64_t m_lastTime = AV_NOPTS_VALUE;   ///< Of the frame before.
+    int64_t m_nextTime = 0;                ///< Where a frame begins that does not say it.
+    int64_t m_end = 0;                     ///< In bytes, of the last packet.
+    int m_packetSize = 0;                  ///< In bytes, of the last packet.
+    int64_t m_packetTime = AV_NOPTS_VALUE; ///< Of the last packet.
+    std::set<int> m_ended;                 ///< Streams that have left the range.
+    bool m_isDemuxed = false;              ///< There are no more packets in the file.
     bool m_isAtEnd = false;
     std::atomic<int64_t> m_total = 0; ///< Length of the whole clip, in microseconds; 0 where unknown.
     std::atomic<int> m_damaged = 0;

@@ -1,5 +1,6 @@
 #include "tool/video/clip_sniffer.h"
 
+#include "tool/errors.h"
 #include "tool/files/input_stream.h"
 #include "tool/pictures/photo_reader.h"
 #include "tool/video/ffmpeg_errors.h"
@@ -68,7 +69,10 @@ bool beginsLikeClip(const std::string& start) {
 }
 
 bool holdsClip(const std::string& path) {
-    return beginsLikeClip(peekInput(path, kPeekedBytes));
+    const std::string start = peekInput(path, kPeekedBytes);
+    if (start.empty())
+        throw Failure(ExitCode::badInput, path, "is empty");
+    return beginsLikeClip(start);
 }
 
 } // namespace ze::tool

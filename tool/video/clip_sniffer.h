@@ -10,8 +10,8 @@ namespace ze::tool {
 /// picture that libvips reads by itself; animations in picture formats (GIF, WebP, AVIF) are pictures.
 bool beginsLikeClip(const std::string& start);
 
-/// The same for what lies in `path`. A pipe loses nothing by it, see `peekInput`, which also says what this
-/// throws.
+/// The same for what lies in `path`. A pipe loses nothing by it, see `peekInput`. Throws what that throws,
+/// and `Failure` (`badInput`) when there is nothing in it.
 bool holdsClip(const std::string& path);
 
 } // namespace ze::tool
