@@ -63,6 +63,11 @@ protected:
         return shell("ffprobe -v error -of csv " + fields + " '" + name + "'");
     }
 
+    // A sum of each frame of video, as players show them.
+    std::string frames(const std::string& name) const {
+        return shell("ffmpeg -v error -i " + name + " -map 0:v -f framemd5 - | grep -v '^#' | cut -d, -f6");
+    }
+
     // The times of all packets, by stream, in the order in which they are shown.
     std::string times(const std::string& name) const {
         return shell("ffprobe -v error -of csv=p=0 -show_entries packet=stream_index,pts_time '" + name +
@@ -128,9 +133,10 @@ TEST_F(Video, KeepsTimesStreamsAndTagsOfEveryKindOfClip) {
         {"one.mp4", "out.mp4", source + "-frames:v 1 -c:v libx264 -pix_fmt yuv420p"},
         {"odd.mkv", "out.webm", "-f lavfi -i testsrc=s=33x17:r=25:d=0.2 -pix_fmt yuv420p -c:v ffv1"},
         {"clip.y4m", "out.y4m", source + "-pix_fmt yuv420p"},
+        {"fields.mkv", "out.mkv", source + "-vf interlace=scan=bff -pix_fmt yuv420p -c:v ffv1"},
     };
     const std::string same =
-        "-show_entries stream=codec_type,width,height,color_space,color_transfer,color_primaries,"
+        "-show_entries stream=codec_type,width,height,field_order,color_space,color_transfer,color_primaries,"
         "sample_aspect_ratio:stream_disposition=default:stream_side_data=rotation:"
         "chapter=start_time,end_time:chapter_tags=title:format_tags=title,com.android.version";
     for (const auto& [input, output, arguments] : clips) {
@@ -142,6 +148,9 @@ TEST_F(Video, KeepsTimesStreamsAndTagsOfEveryKindOfClip) {
         const std::string sound = "-select_streams a -show_entries stream=codec_name:stream_tags=language";
         EXPECT_EQ(probe(output, sound), probe(input, sound));
     }
+    ASSERT_EQ(run("render variable.mkv varied.y4m --compare both.mov"), 0) << errorText();
+    EXPECT_EQ(errorText(), "zebeauty: varied.y4m: frames come at varying times, which are left out: .y4m has "
+                           "frames alone, at one rate\n");
 }
 
 TEST_F(Video, MakesBt709OfBt2020InLinearLight) {
@@ -213,9 +222,6 @@ TEST_F(Video, CutsFramesAndSoundAtTheSameTimes) {
     make("-f lavfi -i testsrc2=s=64x48:r=25:d=4 -f lavfi -i sine=d=4 -c:v libx264 -g 25 -bf 3 -pix_fmt "
          "yuv420p "
          "-c:a pcm_s16le whole.mov");
-    const auto frames = [this](const std::string& name) {
-        return shell("ffmpeg -v error -i " + name + " -map 0:v -f framemd5 - | grep -v '^#' | cut -d, -f6");
-    };
     const std::string lossless = " -y --lossless --smooth 0.5";
     ASSERT_EQ(run("render whole.mov whole.mkv" + lossless), 0) << errorText();
     ASSERT_EQ(run("render whole.mov first.mkv --to 1.8" + lossless), 0) << errorText();
@@ -229,6 +235,18 @@ TEST_F(Video, CutsFramesAndSoundAtTheSameTimes) {
     EXPECT_EQ(frames("both.mkv -vf crop=64:48:64:0"), frames("third.mkv"));
 }
 
+TEST_F(Video, ComparesFromLeftToRightWhereFramesAreTurned) {
+    make("-f lavfi -i testsrc2=s=64x48:r=25:d=0.2 -c:v libx264 -pix_fmt yuv420p clip.mp4");
+    for (const int angle : {90, 180, 270}) {
+        SCOPED_TRACE(angle);
+        make("-i clip.mp4 -c copy -metadata:s:v rotate=" + std::to_string(angle) + " turned.mp4");
+        ASSERT_EQ(run("render turned.mp4 out.mp4 -y --compare both.mp4 --encoder-option qp=0"), 0)
+            << errorText();
+        EXPECT_EQ(frames("both.mp4 -vf crop=iw/2:ih:0:0"), frames("turned.mp4"));
+        EXPECT_EQ(frames("both.mp4 -vf crop=iw/2:ih:iw/2:0"), frames("out.mp4"));
+    }
+}
+
 TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
     const std::string source = "-f lavfi -i testsrc2=s=64x48:r=25:d=0.8 ";
     make(source + "-pix_fmt yuv420p clip.y4m -c:v libx264 -pix_fmt yuv420p -movflags faststart clip.mp4 "
@@ -236,6 +254,7 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
     make(source + "-f lavfi -i sine=d=0.8 -i clip.mp4 -map 1 -c:a libmp3lame sound.mp3 "
                   "-map 0 -map 1 -c:a flac -c:v ffv1 sound.mkv");
     make("-f lavfi -i testsrc=s=33x17:r=25:d=0.2 -pix_fmt yuv420p -c:v ffv1 odd.mkv");
+    make("-i clip.mp4 -c copy -metadata:s:v rotate=90 turned.mp4");
     write("short.y4m", contentOf(m_directory / "clip.y4m").substr(0, 20000));
     write("nothing", "");
     write("empty.y4m", "YUV4MPEG2 W64 H48 F25:1 Ip A1:1 C420jpeg\n");
@@ -256,6 +275,8 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
         {"render sound.mp3 out.mp4", 3, "sound.mp3: has no moving pictures"},
         {"render sound.mkv out.webm", 2,
          "out.webm: stream 1 .audio, flac. has no place in .webm; .mkv holds .*"},
+        {"render turned.mp4 out.mp4 --compare out.mkv", 2,
+         "out.mkv: the rotation of frames by 90 degrees has no place in .mkv; .mp4 and .mov hold it.*"},
         {"render odd.mkv out.mp4", 2, "out.mp4: 33x17 pixels: .*even.*"},
         {"render clip.mp4 out.mp4 --quality 3", 2, "--quality is for pictures.*"},
         {"render clip.mp4 out.mp4 --encoder-option no=1", 2, ".*libx264 has no option 'no'.*"},

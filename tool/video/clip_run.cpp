@@ -11,7 +11,9 @@
 #include "tool/video/clip_progress.h"
 #include "tool/video/format_notes.h"
 #include "tool/video/frame_converter.h"
+#include "tool/video/rotation.h"
 #include "tool/video/side_by_side.h"
+#include "tool/video/steady_rate.h"
 
 #include <csignal>
 #include <deque>
@@ -21,23 +23,6 @@
 
 namespace ze::tool {
 namespace {
-
-VideoFormat formatOf(const ClipReader& reader, const AVFrame& frame, const ColorOverride& colors) {
-    VideoFormat format;
-    format.width = frame.width;
-    format.height = frame.height;
-    if (frame.format == AV_PIX_FMT_NV21)
-        format.layout = AV_PIX_FMT_NV21;
-    const ColorTags tags = tagsOf(frame, colors);
-    checkColors(tags);
-    format.tags = libraryTags(tags);
-    format.pixelShape =
-        frame.sample_aspect_ratio.num > 0 ? frame.sample_aspect_ratio : reader.video().sample_aspect_ratio;
-    format.timeBase = reader.video().time_base;
-    format.frameRate = reader.frameRate();
-    format.isInterlaced = frame.interlaced_frame != 0;
-    return format;
-}
 
 // What goes through the stages: a frame, with one of before and after where that is wanted, or a packet.
 struct Thing {
@@ -56,6 +41,7 @@ private:
     std::optional<Thing> read();
     void render(Thing& thing);
     void write(const Thing& thing);
+    void checkTime(const AVFrame& frame);
     void tellDamage() const;
     template <class Work>
     auto ofInput(Work work) const {
@@ -71,7 +57,9 @@ private:
     std::optional<FrameConverter> m_converter;
     RenderSession m_session;
     std::optional<ClipOutput> m_output;
+    std::optional<SideBySide> m_both; // with the next
     std::optional<ClipOutput> m_compare;
+    std::optional<SteadyRate> m_rate; // until times do not fit
     std::optional<ClipProgress> m_progress;
 };
 
@@ -79,9 +67,16 @@ ClipRun::ClipRun(const ClipJob& job, const zebeauty::Settings& settings)
     : m_job(job), m_settings(settings),
       m_reader(ofInput([&] { return std::make_unique<ClipReader>(job.input, job.reader); })) {
     ofInput([this] { readStart(); });
-    m_output.emplace(job.output, *job.container, job.encoder, m_format, *m_reader);
+    checkRotation(job.output, *job.container, m_reader->video());
     if (!job.compare.empty())
-        m_compare.emplace(job.compare, *job.compareContainer, job.encoder, doubled(m_format), *m_reader);
+        checkRotation(job.compare, *job.compareContainer, m_reader->video());
+    m_output.emplace(job.output, *job.container, job.encoder, m_format, *m_reader);
+    if (!job.compare.empty()) {
+        const bool isTurned = holdsRotation(*job.compareContainer);
+        m_both.emplace(m_format, isTurned ? displayMatrixOf(m_reader->video()) : nullptr);
+        m_compare.emplace(job.compare, *job.compareContainer, job.encoder, m_both->format(), *m_reader);
+    }
+    m_rate.emplace(m_format.frameRate, m_format.timeBase);
     m_progress.emplace(job.progress);
 }
 
@@ -102,7 +97,7 @@ void ClipRun::readStart() {
         m_start.push_back(std::move(*item));
     } while (!m_start.back().frame);
     const AVFrame& first = *m_start.back().frame;
-    m_format = formatOf(*m_reader, first, m_job.colors);
+    m_format = formatOf(m_reader->video(), m_reader->frameRate(), first, m_job.colors);
     m_notes.emplace(m_job.input, m_format, m_job.colors);
     m_notes->look(first);
     if (m_settings.isActive())
@@ -133,7 +128,7 @@ void ClipRun::render(Thing& thing) {
         return;
     AVFrame& pixels = *thing.item.frame;
     if (m_compare)
-        thing.both.frame = withLeftHalf(pixels, doubled(m_format));
+        thing.both.frame = m_both->withBefore(pixels);
     zebeauty::Frame frame;
     frame.planes = {pixels.data[0], pixels.data[1], pixels.linesize[0], pixels.linesize[1]};
     frame.width = pixels.width;
@@ -144,15 +139,28 @@ void ClipRun::render(Thing& thing) {
     frame.range = static_cast<zebeauty::ColorRange>(rangeOf(m_format.tags));
     m_session.render(frame, m_settings);
     if (m_compare)
-        fillRightHalf(*thing.both.frame, pixels);
+        m_both->addAfter(*thing.both.frame, pixels);
 }
 
 void ClipRun::write(const Thing& thing) {
     m_output->write(thing.item);
     if (m_compare)
         m_compare->write(thing.item.frame ? thing.both : thing.item);
-    if (thing.item.frame)
+    if (thing.item.frame) {
+        checkTime(*thing.item.frame);
         m_progress->advance(*thing.item.frame, m_format.timeBase, m_reader->duration());
+    }
+}
+
+void ClipRun::checkTime(const AVFrame& frame) {
+    if (!m_rate || m_rate->fits(frame.pts))
+        return;
+    m_rate.reset();
+    for (const auto& [name, container] :
+         {std::pair(m_job.output, m_job.container), {m_job.compare, m_job.compareContainer}})
+        if (container && !container->holdsStreams)
+            printError(name + ": frames come at varying times, which are left out: " + container->extension +
+                       " has frames alone, at one rate");
 }
 
 void ClipRun::run() {

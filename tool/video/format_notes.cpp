@@ -38,8 +38,10 @@ FormatNotes::FormatNotes(std::string name, const VideoFormat& format, const Colo
 void FormatNotes::look(const AVFrame& frame) {
     lookAtPixels(frame);
     lookAtColors(tagsOf(frame, m_override));
-    if (frame.interlaced_frame)
+    if (frame.interlaced_frame && m_format.isInterlaced())
         say("is interlaced and stays so; its fields are rendered as one picture");
+    else if (frame.interlaced_frame)
+        say("becomes interlaced in the middle; is written as progressive, as it begins");
 }
 
 void FormatNotes::lookAtPixels(const AVFrame& frame) {

@@ -129,6 +129,8 @@ VideoEncoder::VideoEncoder(const EncoderSettings& settings, const ClipContainer&
     m_context = owned(avcodec_alloc_context3(codec));
     m_context->pix_fmt = inputFormat(*codec, container, format.layout);
     describe(format);
+    if (!container.holdsStreams && format.tags.chroma == AVCHROMA_LOC_UNSPECIFIED)
+        m_context->chroma_sample_location = AVCHROMA_LOC_LEFT; // FFmpeg's YUV4MPEG2 has JPEG's otherwise
     if (needsGlobalHeader)
         m_context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     open(settings);
@@ -150,7 +152,8 @@ void VideoEncoder::describe(const VideoFormat& format) {
     m_context->color_trc = format.tags.transfer;
     m_context->chroma_sample_location = format.tags.chroma;
     m_context->thread_count = 0; // as many as there are processors
-    if (format.isInterlaced)
+    m_context->field_order = format.fieldOrder;
+    if (format.isInterlaced())
         m_context->flags |= AV_CODEC_FLAG_INTERLACED_DCT | AV_CODEC_FLAG_INTERLACED_ME;
 }
 

@@ -5,7 +5,7 @@
 #include "tool/video/color_tags.h"
 
 extern "C" {
-#include <libavutil/rational.h>
+#include <libavformat/avformat.h>
 }
 
 namespace ze::tool {
@@ -18,7 +18,14 @@ struct VideoFormat {
     AVRational pixelShape = {0, 1};         ///< Width to height of a pixel; 0/1 where unknown.
     AVRational timeBase = {1, 1};           ///< Seconds of one unit of the frames' `pts` and `pkt_duration`.
     AVRational frameRate = {0, 1};          ///< The usual one; 0/1 where unknown.
-    bool isInterlaced = false;
+    AVFieldOrder fieldOrder = AV_FIELD_PROGRESSIVE;
+
+    bool isInterlaced() const { return fieldOrder != AV_FIELD_PROGRESSIVE; }
 };
+
+/// The format in which the library takes a clip whose first frame is `first`, from `video`, with its tags
+/// read with `instead`. Throws what `checkColors` does.
+VideoFormat formatOf(const AVStream& video, AVRational frameRate, const AVFrame& first,
+                     const ColorOverride& instead);
 
 } // namespace ze::tool
