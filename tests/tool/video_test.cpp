@@ -119,7 +119,8 @@ TEST_F(Video, KeepsTimesStreamsAndTagsOfEveryKindOfClip) {
              "-metadata:s:a language=eng tmp.mp4 && "
              "ffmpeg -v error -i tmp.mp4 -map 0:v -map 0:a -c copy -metadata:s:v:0 rotate=90 "
              "-metadata com.android.version=13 -movflags use_metadata_tags"},
-        {"variable.mkv", "out.webm", source + "-vf 'select=not(mod(n\\,3))+eq(n\\,4)' -vsync vfr -c:v ffv1"},
+        {"variable.mkv", "out.webm",
+         source + "-vf 'select=not(mod(n\\,3))+eq(n\\,4)' -vsync vfr -c:v ffv1 -colorspace bt709"},
         {"streams.mkv", "out.mkv",
          source + tone +
              "-i words.srt -i chapters -map 0 -map 1 -map 1 -map 1 -map 2 -c:v ffv1 -pix_fmt yuv420p -c:a:0 "
@@ -149,7 +150,9 @@ TEST_F(Video, KeepsTimesStreamsAndTagsOfEveryKindOfClip) {
         EXPECT_EQ(probe(output, sound), probe(input, sound));
     }
     ASSERT_EQ(run("render variable.mkv varied.y4m --compare both.mov"), 0) << errorText();
-    EXPECT_EQ(errorText(), "zebeauty: varied.y4m: frames come at varying times, which are left out: .y4m has "
+    EXPECT_EQ(errorText(), "zebeauty: varied.y4m: its color matrix, bt709, is left out: .y4m names none, and "
+                           "smpte170m is taken for it at this size\n"
+                           "zebeauty: varied.y4m: frames come at varying times, which are left out: .y4m has "
                            "frames alone, at one rate\n");
 }
 
@@ -245,6 +248,9 @@ TEST_F(Video, ComparesFromLeftToRightWhereFramesAreTurned) {
         EXPECT_EQ(frames("both.mp4 -vf crop=iw/2:ih:0:0"), frames("turned.mp4"));
         EXPECT_EQ(frames("both.mp4 -vf crop=iw/2:ih:iw/2:0"), frames("out.mp4"));
     }
+    make("-i clip.mp4 -c copy -bsf:v h264_metadata=display_orientation=insert:rotate=90 inside.mp4");
+    ASSERT_EQ(run("render inside.mp4 out.mp4 -y"), 0) << errorText();
+    EXPECT_THAT(probe("out.mp4", "-show_entries stream_side_data=rotation"), testing::HasSubstr("90"));
 }
 
 TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {

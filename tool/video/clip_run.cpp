@@ -38,6 +38,7 @@ public:
 private:
     std::string noFrames() const;
     void readStart();
+    void checkOutput(const std::string& name, const ClipContainer& container) const;
     std::optional<Thing> read();
     void render(Thing& thing);
     void write(const Thing& thing);
@@ -67,9 +68,9 @@ ClipRun::ClipRun(const ClipJob& job, const zebeauty::Settings& settings)
     : m_job(job), m_settings(settings),
       m_reader(ofInput([&] { return std::make_unique<ClipReader>(job.input, job.reader); })) {
     ofInput([this] { readStart(); });
-    checkRotation(job.output, *job.container, m_reader->video());
+    checkOutput(job.output, *job.container);
     if (!job.compare.empty())
-        checkRotation(job.compare, *job.compareContainer, m_reader->video());
+        checkOutput(job.compare, *job.compareContainer);
     m_output.emplace(job.output, *job.container, job.encoder, m_format, *m_reader);
     if (!job.compare.empty()) {
         const bool isTurned = holdsRotation(*job.compareContainer);
@@ -98,11 +99,17 @@ void ClipRun::readStart() {
     } while (!m_start.back().frame);
     const AVFrame& first = *m_start.back().frame;
     m_format = formatOf(m_reader->video(), m_reader->frameRate(), first, m_job.colors);
+    adoptDisplayMatrix(m_reader->video(), first);
     m_notes.emplace(m_job.input, m_format, m_job.colors);
     m_notes->look(first);
     if (m_settings.isActive())
         checkTextureSize(m_format.width, m_format.height, "pixels");
     m_converter.emplace(m_format, m_job.colors);
+}
+
+void ClipRun::checkOutput(const std::string& name, const ClipContainer& container) const {
+    checkRotation(name, container, m_reader->video());
+    tellUnnamedMatrix(name, container, m_format);
 }
 
 std::optional<Thing> ClipRun::read() {

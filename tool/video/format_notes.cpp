@@ -2,6 +2,8 @@
 
 #include "tool/errors.h"
 
+#include <string_view>
+
 extern "C" {
 #include <libavutil/pixdesc.h>
 }
@@ -74,6 +76,14 @@ void FormatNotes::lookAtColors(const ColorTags& tags) {
 void FormatNotes::say(const std::string& note) {
     if (m_said.insert(note).second)
         printError(m_name + ": " + note);
+}
+
+void tellUnnamedMatrix(const std::string& name, const ClipContainer& container, const VideoFormat& format) {
+    const ColorTags tags = withMatrix(format.tags, format.height), taken = withMatrix({}, format.height);
+    if (std::string_view(container.muxer) == "yuv4mpegpipe" && !haveSameMatrix(tags, taken))
+        printError(name + ": its color matrix, " + nameOf(tags.matrix) +
+                   ", is left out: .y4m names none, and " + nameOf(taken.matrix) +
+                   " is taken for it at this size");
 }
 
 } // namespace ze::tool

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "tool/video/clip_container.h"
 #include "tool/video/video_format.h"
 
 #include <set>
@@ -29,5 +30,9 @@ private:
     ColorOverride m_override;
     std::set<std::string> m_said;
 };
+
+/// Says on standard error, beginning with `name`, where players of a file of YUV4MPEG2, which does not name
+/// the color matrix, will take another one than that of `format`. Nothing for other containers.
+void tellUnnamedMatrix(const std::string& name, const ClipContainer& container, const VideoFormat& format);
 
 } // namespace ze::tool

@@ -3,6 +3,8 @@
 #include "tool/errors.h"
 
 #include <cmath>
+#include <cstring>
+#include <new>
 #include <string_view>
 
 extern "C" {
@@ -33,14 +35,20 @@ std::string describe(const int32_t* matrix) {
 } // namespace
 
 const int32_t* displayMatrixOf(const AVStream& video) {
-    for (int i = 0; i < video.nb_side_data; ++i) {
-        const AVPacketSideData& data = video.side_data[i];
-        if (data.type != AV_PKT_DATA_DISPLAYMATRIX || data.size < kMatrixBytes)
-            continue;
-        const auto* const matrix = reinterpret_cast<const int32_t*>(data.data);
-        return changesNothing(matrix) ? nullptr : matrix;
-    }
-    return nullptr;
+    size_t size = 0;
+    const auto* const matrix =
+        reinterpret_cast<const int32_t*>(av_stream_get_side_data(&video, AV_PKT_DATA_DISPLAYMATRIX, &size));
+    return !matrix || size < kMatrixBytes || changesNothing(matrix) ? nullptr : matrix;
+}
+
+void adoptDisplayMatrix(AVStream& video, const AVFrame& first) {
+    const AVFrameSideData* const data = av_frame_get_side_data(&first, AV_FRAME_DATA_DISPLAYMATRIX);
+    if (!data || data->size < kMatrixBytes || displayMatrixOf(video))
+        return;
+    uint8_t* const copy = av_stream_new_side_data(&video, AV_PKT_DATA_DISPLAYMATRIX, kMatrixBytes);
+    if (!copy)
+        throw std::bad_alloc();
+    std::memcpy(copy, data->data, kMatrixBytes);
 }
 
 bool holdsRotation(const ClipContainer& container) {

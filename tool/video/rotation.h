@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+struct AVFrame;
 struct AVStream;
 
 namespace ze::tool {
@@ -14,6 +15,10 @@ namespace ze::tool {
 /// The nine numbers of libavutil/display.h that turn or mirror the frames of `video`; null where they are
 /// shown as they are. They live as long as `video`.
 const int32_t* displayMatrixOf(const AVStream& video);
+
+/// Gives `video` the display matrix of `first`, its first frame, where that alone has one: H.264 and H.265
+/// can say it among the frames, too. Throws `std::bad_alloc`.
+void adoptDisplayMatrix(AVStream& video, const AVFrame& first);
 
 /// Whether files of this kind say how frames are turned.
 bool holdsRotation(const ClipContainer& container);
