@@ -263,6 +263,7 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
     make("-i clip.mp4 -c copy -metadata:s:v rotate=90 turned.mp4");
     write("short.y4m", contentOf(m_directory / "clip.y4m").substr(0, 20000));
     write("nothing", "");
+    shell("mkfifo pipe");
     write("empty.y4m", "YUV4MPEG2 W64 H48 F25:1 Ip A1:1 C420jpeg\n");
     const std::string movie = contentOf(m_directory / "clip.mp4");
     write("cut.mp4", movie.substr(0, movie.size() - 300));
@@ -294,6 +295,8 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
         {"render clip.mp4 missing/out.mp4", 1,
          "missing/out.mp4: cannot be written: No such file or directory"},
         {"render --raw nv12 --size 64x48 /dev/zero out.mkv", -1, "/dev/zero: interrupted"},
+        {"render --raw nv12 --size 64x48 /dev/zero -", -1, "/dev/zero: interrupted"},
+        {"render clip.y4m pipe", -1, "clip.y4m: interrupted"},
     };
     const auto names = fileNames();
     for (const auto& [arguments, code, reason] : cases) {

@@ -2,7 +2,7 @@
 
 #include "tool/errors.h"
 #include "tool/files/input_file.h"
-#include "tool/files/interruption.h"
+#include "tool/files/waiting.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -18,28 +18,10 @@
 namespace ze::tool {
 namespace {
 
-constexpr int kPatience = 100; // milliseconds between two looks for a signal
-
 // A pipe can be opened once only: its stream is kept here, by its path, until somebody reads on.
 std::map<std::string, InputStream>& peekedStreams() {
     static std::map<std::string, InputStream> s_streams;
     return s_streams;
-}
-
-// False with errno set when there will be nothing to read.
-bool waitForBytes(int file) {
-    pollfd event = {file, POLLIN, 0};
-    for (;;) {
-        if (waitingSignal() != 0) {
-            errno = EINTR;
-            return false;
-        }
-        const int count = poll(&event, 1, kPatience);
-        if (count > 0)
-            return true;
-        if (count < 0 && errno != EINTR)
-            return false;
-    }
 }
 
 } // namespace
@@ -54,7 +36,7 @@ InputStream::InputStream(const std::string& path)
         return;
     }
     if (!m_isStandardInput)
-        m_file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        m_file = openStream(path, O_RDONLY);
     struct stat status = {};
     if (m_file < 0 || fstat(m_file, &status) != 0)
         throw Failure(ExitCode::badInput, path, "cannot be read: " + systemReason());
@@ -77,7 +59,7 @@ ssize_t InputStream::read(char* to, size_t count) {
         m_peeked.erase(0, taken);
         return static_cast<ssize_t>(taken);
     }
-    if (!m_isFile && !waitForBytes(m_file))
+    if (!m_isFile && !waitFor(m_file, POLLIN))
         return -1;
     ssize_t result = 0;
     do

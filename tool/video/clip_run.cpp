@@ -191,11 +191,6 @@ void ClipRun::tellDamage() const {
                    " could not be read whole; --strict makes that a failure");
 }
 
-// Signals end the program at once where it writes to pipes alone, which are left as they are.
-bool writesFiles(const ClipJob& job) {
-    return !isStream(job.output) || (!job.compare.empty() && !isStream(job.compare));
-}
-
 // The reader of a pipe wanted no more, which is no failure unless there was to be a file, too.
 void endWithoutReader(const ClipJob& job) {
     const std::string& file = isStream(job.output) ? job.compare : job.output;
@@ -213,21 +208,19 @@ void endWithoutReader(const ClipJob& job) {
 void runClip(const ClipJob& job, const zebeauty::Settings& settings) {
     if (settings.isActive())
         avoidDeadDisplay(); // while there are no threads yet
-    std::optional<InterruptionHold> hold;
-    if (writesFiles(job))
-        hold.emplace();
+    const InterruptionHold hold;
     try {
         ClipRun(job, settings).run();
     } catch (const ReaderGone&) {
         endWithoutReader(job);
-    } catch (const Failure& failure) {
+    } catch (const Failure&) {
         const int signal = waitingSignal(); // at the end of the hold it ends the program
         if (signal == 0)
             throw;
         if (signal == SIGPIPE)
             endWithoutReader(job);
         else
-            printError(failure.what());
+            printError(job.input + ": interrupted");
     }
 }
 

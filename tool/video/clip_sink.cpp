@@ -3,14 +3,16 @@
 #include "tool/errors.h"
 #include "tool/files/file_name.h"
 #include "tool/files/input_file.h"
-#include "tool/files/interruption.h"
 #include "tool/files/output_file.h"
+#include "tool/files/waiting.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 extern "C" {
@@ -32,7 +34,7 @@ ClipSink::ClipSink(const std::string& path) : m_path(path) {
         if (!m_file->open(Ze::WriteOnly))
             fail(m_file->errorString().toUtf8().constData());
     } else {
-        m_stream = path == kStandardStream ? STDOUT_FILENO : open(path.c_str(), O_WRONLY | O_CLOEXEC);
+        m_stream = path == kStandardStream ? STDOUT_FILENO : openStream(path, O_WRONLY);
         if (m_stream < 0)
             fail(systemReason());
     }
@@ -84,8 +86,10 @@ int ClipSink::write(void* self, uint8_t* bytes, int count) {
 
 int ClipSink::writeToStream(const uint8_t* bytes, int count) {
     for (int done = 0; done < count;) {
-        const ssize_t written = ::write(m_stream, bytes + done, static_cast<size_t>(count - done));
-        if (written < 0 && errno != EINTR) {
+        const bool isReady = waitFor(m_stream, POLLOUT);
+        const auto size = static_cast<size_t>(std::min(count - done, PIPE_BUF));
+        const ssize_t written = isReady ? ::write(m_stream, bytes + done, size) : -1;
+        if (written < 0 && (!isReady || errno != EINTR)) {
             const int error = errno;
             m_isReaderGone = error == EPIPE;
             fail(systemReason());
