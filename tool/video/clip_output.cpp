@@ -55,6 +55,8 @@ void ClipOutput::addVideo(const ClipContainer& container, const VideoFormat& for
     AVStream& video = m_copy->video();
     if (avcodec_parameters_from_context(video.codecpar, &m_encoder->context()) < 0)
         throw std::bad_alloc();
+    if (video.codecpar->codec_id == AV_CODEC_ID_HEVC && isMovie(*m_container))
+        video.codecpar->codec_tag = MKTAG('h', 'v', 'c', '1'); // the other one is not for Apple's players
     m_isTimeless = !container.holdsStreams;
     video.time_base = m_isTimeless && format.frameRate.num > 0 ? av_inv_q(format.frameRate) : format.timeBase;
     video.avg_frame_rate = format.frameRate;

@@ -34,11 +34,6 @@ bool repeatsAnother(const AVDictionary* tags, const char* key) {
            av_dict_get(tags, std::string(key, dash).c_str(), nullptr, 0) != nullptr;
 }
 
-bool isMovie(const AVFormatContext& file) {
-    const std::string_view format = file.oformat->name;
-    return format == "mp4" || format == "mov";
-}
-
 bool hasPlace(const AVFormatContext& file, const char* key) {
     const bool isMp4 = std::string_view(file.oformat->name) == "mp4";
     return isMp4 ? isOneOf(std::begin(kMp4Keys), std::end(kMp4Keys), key)
@@ -46,6 +41,11 @@ bool hasPlace(const AVFormatContext& file, const char* key) {
 }
 
 } // namespace
+
+bool isMovie(const AVFormatContext& file) {
+    const std::string_view format = file.oformat->name;
+    return format == "mp4" || format == "mov";
+}
 
 std::string keyWithoutPlace(const AVFormatContext& file) {
     if (!isMovie(file))

@@ -1,4 +1,4 @@
-// Metadata in MP4 and QuickTime files.
+// What MP4 and QuickTime files want to have said about them.
 
 #pragma once
 
@@ -7,6 +7,9 @@
 struct AVFormatContext;
 
 namespace ze::tool {
+
+/// Whether `file`, which is to be written, is one of these.
+bool isMovie(const AVFormatContext& file);
 
 /// The first of the file's metadata that its format, MP4 or QuickTime, has no place of its own for; empty
 /// where there is none, and for other formats.
