@@ -38,7 +38,8 @@ function(ze_add_shared_library)
   set_target_properties(ZeBeautyEffect PROPERTIES LINKER_LANGUAGE CXX LINK_DEPENDS ${map})
   target_sources(ZeBeautyEffect INTERFACE FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${public_headers})
   target_compile_features(ZeBeautyEffect INTERFACE cxx_std_17)
-  target_link_libraries(ZeBeautyEffect PRIVATE ze_options ze_gl_driver ze_android_log ZLIB::ZLIB Threads::Threads)
+  target_link_libraries(ZeBeautyEffect PRIVATE ze_options ze_gl_driver ze_android_log ZLIB::ZLIB Threads::Threads
+    ${CMAKE_DL_LIBS})
   target_link_options(ZeBeautyEffect PRIVATE -Wl,--version-script=${map} -Wl,--no-undefined -Wl,--build-id=sha1
     -Wl,-z,max-page-size=16384 -Wl,-z,common-page-size=16384 # devices have pages of 4 or 16 KB
     -Wl,-z,relro -Wl,-z,now -Wl,-z,text -Wl,-z,noexecstack)

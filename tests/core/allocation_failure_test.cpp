@@ -6,6 +6,8 @@
 #include "core/io/file.h"
 #include "core/io/resource_info.h"
 #include "core/io/save_file.h"
+#include "core/threads/object.h"
+#include "core/threads/thread.h"
 #include "core/tools/compression.h"
 #include "log/log_settings.h"
 #include "tests/core/test_file.h"
@@ -18,6 +20,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -288,6 +291,23 @@ TEST_F(FileAllocationFailure, CannotMeetWhatNeedsNoMemory) {
     });
     EXPECT_EQ(failures, 0);
     EXPECT_TRUE(CZeResourceInfo::unregisterResource(resource));
+}
+
+TEST_F(FileAllocationFailure, IsReportedByObjectsAndThreads) {
+    bool isDone = false;
+    const auto attempt = [&](int n) { // on a thread that nothing is kept for yet
+        auto event = std::make_unique<CZeEvent>(1);
+        const bool hasFailed = t_memory.run(n, [&] {
+            CZeObject object;
+            CZeThread thread;
+            isDone = object.post(std::move(event)) && object.startTimer(1) != 0 && object.handOver(thread) &&
+                     thread.start();
+        });
+        EXPECT_NE(isDone, hasFailed) << n;
+    };
+    for (int n = 1; !isDone && n < 100; ++n)
+        std::thread(attempt, n).join();
+    EXPECT_TRUE(isDone);
 }
 
 } // namespace

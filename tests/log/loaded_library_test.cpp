@@ -1,6 +1,7 @@
-// The file log from load to unload, through what the shared library exports. The test program does not
-// contain the library itself, so each test loads it afresh.
+// The file log and threads from load to unload, through what the shared library exports. The test program
+// does not contain the library itself, so each test loads it afresh.
 
+#include "core/threads/thread.h"
 #include "log/log_stream.h"
 #include "tests/support/log_capture.h"
 #include "tests/support/other_threads.h"
@@ -96,6 +97,22 @@ TEST_F(LoadedLibraryTest, KeepsTheRootDirectoryWhileNoThreadCanBeStarted) {
     ASSERT_EQ(pthread_setattr_default_np(&normal), 0);
     info(kToFile, "kept");
     EXPECT_THAT(writtenText(), testing::EndsWith("] kept\n"));
+}
+
+TEST_F(LoadedLibraryTest, StaysForTheThreadsThatItHasStarted) {
+    const auto endUnloaded = [&] {
+        alignas(CZeThread) char memory[sizeof(CZeThread)];
+        const auto thread = reinterpret_cast<CZeThread*>(memory);
+        load<void(CZeThread*)>("_ZN9CZeThreadC1Ev")(thread);
+        const auto end = load<void(CZeThread*, int)>("_ZN9CZeThread3endEi");
+        const auto wait = load<bool(CZeThread*, int64_t)>("_ZN9CZeThread4waitEl");
+        const bool isStarted = load<bool(CZeThread*)>("_ZN9CZeThread5startEv")(thread);
+        unload();
+        const bool hasEnded = wait(thread, 50);
+        end(thread, 0);
+        _exit(isStarted && !hasEnded && wait(thread, -1) ? EXIT_SUCCESS : EXIT_FAILURE);
+    };
+    EXPECT_EXIT(endUnloaded(), testing::ExitedWithCode(EXIT_SUCCESS), "");
 }
 
 } // namespace
