@@ -37,6 +37,10 @@ void checkSignal() {
     throw Failure(ExitCode::badInput, "cannot be read: " + reason);
 }
 
+bool isYuv4Mpeg(const AVFormatContext& container) {
+    return std::string_view(container.iformat->name) == "yuv4mpegpipe";
+}
+
 // Times of frames without anything around them are their numbers, from 0.
 [[noreturn]] void failAtShortFrame(int64_t time, int64_t bytes, int size) {
     throw Failure(ExitCode::badInput, "frame " + std::to_string(time + 1) +
@@ -65,10 +69,14 @@ void subtract(int64_t shift, int64_t& time) {
 ClipReader::ClipReader(const std::string& path, const ReaderSettings& settings)
     : m_settings(settings), m_source(path) {
     catchFfmpegMessages();
+    begin();
+    startRange();
+}
+
+void ClipReader::begin() {
     open();
     findVideo();
     openDecoder();
-    startRange();
 }
 
 void ClipReader::open() {
@@ -131,11 +139,21 @@ void ClipReader::startRange() {
     if (hasFreeClock || !m_settings.range.isWhole())
         m_shift = m_start + m_settings.range.from;
     // A second before, so that a reordered frame is not missed. Decoding brings up what is dropped.
-    const int64_t target = m_shift - kSecond;
-    const bool canSeek = m_source.isSeekable() && !hasFreeClock;
-    if (canSeek && target > m_start)
-        avformat_seek_file(m_container.get(), m_video->index, INT64_MIN, inUnitsOf(*m_video, target),
-                           inUnitsOf(*m_video, target), 0);
+    const int64_t target = inUnitsOf(*m_video, m_shift - kSecond);
+    if (!m_source.isSeekable() || hasFreeClock || m_shift - kSecond <= m_start || !hasFrameBefore(target))
+        return;
+    const int sought = avformat_seek_file(m_container.get(), m_video->index, INT64_MIN, target, target, 0);
+    if (sought >= 0)
+        return;
+    m_container.reset();
+    avio_seek(m_source.context(), 0, SEEK_SET);
+    begin();
+}
+
+// Otherwise demuxers go to a later one, past the sound that is to be copied.
+bool ClipReader::hasFrameBefore(int64_t time) const {
+    return isYuv4Mpeg(*m_container) ||
+           avformat_index_get_entry_from_timestamp(m_video, time, AVSEEK_FLAG_BACKWARD) != nullptr;
 }
 
 AVRational ClipReader::frameRate() const {
@@ -216,7 +234,7 @@ void ClipReader::checkEnd(int error) {
         failToRead(m_source.failure());
     checkSignal();
     const int64_t left = m_source.position() - m_end;
-    if (std::string_view(m_container->iformat->name) == "yuv4mpegpipe" && left > 0) {
+    if (isYuv4Mpeg(*m_container) && left > 0) {
         if (m_packetTime != AV_NOPTS_VALUE)
             failAtShortFrame(m_packetTime + 1, left - static_cast<int64_t>(sizeof kFrameMark - 1),
                              m_packetSize);

@@ -70,10 +70,12 @@ private:
         void operator()(AVFormatContext* container) const { avformat_close_input(&container); }
     };
 
+    void begin();
     void open();
     void findVideo();
     void openDecoder();
     void startRange();
+    bool hasFrameBefore(int64_t time) const;
     int64_t estimatedTotal() const;
 
     bool readPacket();

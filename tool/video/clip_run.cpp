@@ -24,6 +24,9 @@
 namespace ze::tool {
 namespace {
 
+constexpr size_t kLongestStart = size_t{256} << 20; // bytes; 20 minutes of uncompressed sound, an hour of AAC
+constexpr size_t kPacketOverhead = 1024;            // of FFmpeg's, about
+
 // What goes through the stages: a frame, with one of before and after where that is wanted, or a packet.
 struct Thing {
     ClipItem item;
@@ -91,10 +94,17 @@ std::string ClipRun::noFrames() const {
 }
 
 void ClipRun::readStart() {
+    size_t size = 0;
     do {
         std::optional<ClipItem> item = m_reader->next();
         if (!item)
             throw Failure(ExitCode::badInput, noFrames());
+        if (item->packet)
+            size += static_cast<size_t>(item->packet->size) + kPacketOverhead;
+        if (size > kLongestStart)
+            throw Failure(ExitCode::badInput, "has more than " + std::to_string(kLongestStart >> 20) +
+                                                  " MiB of sound and more before its first frame; --from "
+                                                  "leaves that out");
         m_start.push_back(std::move(*item));
     } while (!m_start.back().frame);
     const AVFrame& first = *m_start.back().frame;
