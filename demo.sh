@@ -31,7 +31,7 @@ esac
 [ -z "$output" ] || [ -d "${output%/*}/" ] || fail "${output%/*} is no directory"
 
 ./setup/install.sh tool
-[ -f build/release/build.ninja ] || cmake --preset release -DZE_BUILD_TESTS=OFF >/dev/null
+[ -f build/release/build.ninja ] || cmake --preset release -DZE_BUILD_TESTS=OFF -DZE_BUILD_GST=OFF >/dev/null
 cmake --build --preset release --target zebeauty >&2
 
 # NASA's portrait of Eileen Collins, out of a Debian package that carries it as sample data.

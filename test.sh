@@ -7,7 +7,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 preset=${PRESET:-release}
 case $preset in
     arm64-*) ./setup/install.sh tool test arm64 ;;
-    *) ./setup/install.sh tool test ;;
+    *) ./setup/install.sh tool gst test ;;
 esac
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"

@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
 # Installs Debian packages that are missing, as root or through sudo:
 #     setup/install.sh [SET...]
-# SET is tool, test, bench, arm64 or ci, for the packages in the file of that name here; without one it is all but
+# SET is tool, gst, test, bench, arm64 or ci, for the packages in the file of that name here; without one it is all but
 # arm64. Some packages of arm64 are of that architecture. Prints nothing and needs no rights when nothing is missing.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
-[ $# -gt 0 ] || set -- tool test bench ci
+[ $# -gt 0 ] || set -- tool gst test bench ci
 for set; do
     [ -f "$set.txt" ] || { echo "setup: there is no set $set; see the head of setup/install.sh" >&2; exit 2; }
 done

@@ -54,3 +54,10 @@ if [ -x "$prefix/bin/zebeauty" ]; then
         done
     fi
 fi
+
+plugin=$(find "$prefix" -name libgstzebeauty.so)
+if [ -n "$plugin" ]; then
+    export GST_PLUGIN_PATH=${plugin%/*} GST_REGISTRY=$work/registry
+    gst-inspect-1.0 zebeauty | grep -q "^  *smooth  *: How much"
+    gst-launch-1.0 -q videotestsrc num-buffers=2 ! zebeauty smooth=0.5 ! fakesink
+fi
