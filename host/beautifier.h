@@ -99,7 +99,7 @@ public:
     /// are missing, rows shorter than the frame's and sizes below 1 are refused here; a frame larger than the
     /// GPU takes, a GL that is not there, and with `takeError` whatever else goes wrong, by the library. Each
     /// frame tries again, but for a context that could not be made: that needs `reset` or another object.
-    /// Throws nothing.
+    /// After an error of GL's the next frame makes everything anew. Throws nothing.
     std::optional<std::string> process(const Frame& frame);
 
     /// The same, from `frame`, which is only read, to `output`. They may share memory in any way. Bytes

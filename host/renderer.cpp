@@ -36,6 +36,15 @@ void keepForever(const void* handle) noexcept {
     }
 }
 
+// Whether the library has found that GL refused something. GL may lack then what it is told only once: a
+// table, the constants of a program.
+bool isGlError(const std::string& error) {
+    for (const char* start : {"GL error", "gl", "Failed to create fbo"})
+        if (error.rfind(start, 0) == 0)
+            return true;
+    return false;
+}
+
 void destroy(ZecEffect* effect) {
     if (!ZecDestoryEffect(effect))
         keepForever(effect);
@@ -99,7 +108,13 @@ std::optional<std::string> Renderer::draw(const Run& run, const Frame& frame, co
         return std::nullopt;
     }
 
+    if (isGlError(error)) {
+        release(); // The next frame makes everything anew.
+        return error;
+    }
     m_lastRun = {};
+    for (Table& table : m_tables)
+        table.intensity = 0; // Set again, with a path that there may have been no memory for.
     if (!error.empty())
         m_lastError = std::move(error);
     else if (m_lastError.empty())

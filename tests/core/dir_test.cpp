@@ -1,7 +1,7 @@
 #include "core/io/dir.h"
 
-#include "tests/core/file_system_double.h"
 #include "tests/core/test_file.h"
+#include "tests/support/file_system_double.h"
 #include "tests/support/log_capture.h"
 
 #include <gmock/gmock.h>

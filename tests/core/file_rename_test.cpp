@@ -1,9 +1,9 @@
 // Renaming files, directly, in two steps and by copying.
 
 #include "core/io/file.h"
-#include "tests/core/file_system_double.h"
 #include "tests/core/test_file.h"
 #include "tests/core/text.h"
+#include "tests/support/file_system_double.h"
 #include "tests/support/log_capture.h"
 
 #include <gmock/gmock.h>

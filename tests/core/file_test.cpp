@@ -4,9 +4,9 @@
 #include "core/io/file.h"
 #include "core/io/generic_file_engine.h"
 #include "core/io/save_file.h"
-#include "tests/core/file_system_double.h"
 #include "tests/core/test_file.h"
 #include "tests/core/text.h"
+#include "tests/support/file_system_double.h"
 #include "tests/support/log_capture.h"
 
 #include <gmock/gmock.h>

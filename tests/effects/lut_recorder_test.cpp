@@ -92,7 +92,7 @@ TEST_F(Lut, TheFirstPathStaysAndTheLastIntensityCounts) {
     EXPECT_FALSE(effect->isActive());
 }
 
-TEST_F(Lut, TriesAFailedTableOrProgramAgainInEveryFrame) {
+TEST_F(Lut, TellsWhatIsWrongWithItsTable) {
     EXPECT_FALSE(render());
     EXPECT_THAT(log.texts(), ElementsAre("lut path is empty"));
     start({0, 1});
@@ -103,17 +103,8 @@ TEST_F(Lut, TriesAFailedTableOrProgramAgainInEveryFrame) {
         writeFile(path, file);
         EXPECT_FALSE(render());
     }
-    writeFile(path, good);
-    gl.refuse("glGenTextures", 1, GL_OUT_OF_MEMORY);
-    EXPECT_FALSE(render());
-    gl.refuse("glCreateProgram", 1);
-    EXPECT_FALSE(render());
     EXPECT_THAT(log.texts(), ElementsAre("Failed to read lut level values!", "failed to read lut file",
-                                         "we only support 3D lut now", "GL error: 0x1285",
-                                         "failed to allocate texture", "Failed to prepare 3d lut program"));
-    gl.clear();
-    EXPECT_TRUE(render());
-    EXPECT_EQ(gl.calls({"glTexSubImage2D"}), ""); // the table is there
+                                         "we only support 3D lut now"));
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "tests/support/failing_memory.h"
 
+#include <cerrno>
 #include <cstddef>
+#include <cstring>
 #include <new>
 
 bool FailingMemory::run(int n, const std::function<void()>& work) {
@@ -22,7 +24,7 @@ bool FailingMemory::failsNow() {
 namespace {
 
 bool failsNew() {
-    return t_memory.includesNew && t_memory.failsNow();
+    return t_memory.includesNew && t_memory.exempt == 0 && t_memory.failsNow();
 }
 
 } // namespace
@@ -37,6 +39,15 @@ void* __wrap_malloc(size_t size) {
 void* __real_realloc(void* block, size_t size);
 void* __wrap_realloc(void* block, size_t size) {
     return t_memory.failsNow() ? nullptr : __real_realloc(block, size);
+}
+int __real_posix_memalign(void** block, size_t alignment, size_t size);
+int __wrap_posix_memalign(void** block, size_t alignment, size_t size) {
+    if (t_memory.failsNow())
+        return ENOMEM;
+    const int result = __real_posix_memalign(block, alignment, size);
+    if (result == 0)
+        std::memset(*block, 0xAA, size); // which nobody may count on
+    return result;
 }
 void __real_free(void* block);
 void __wrap_free(void* block) {

@@ -10,6 +10,7 @@ struct FailingMemory {
     int untilFailure = 0;    ///< allocations up to and with the one that fails; 0: none does
     bool failsOn = true;     ///< so do all that follow
     bool includesNew = true; ///< so does operator new
+    int exempt = 0;          ///< more than 0: operator new does not fail, for now
     bool hasFailed = false;
     int blocks = 0; ///< taken by malloc, less those that were freed
 

@@ -7,8 +7,8 @@
 
 namespace {
 
-bool isCounted(const std::string& call) {
-    return call.starts_with("gl") && call != "glGetError()";
+bool tellsOfErrors(const std::string& call) {
+    return call == "glGetError()" || call == "eglGetError()";
 }
 
 } // namespace
@@ -35,7 +35,8 @@ std::string GlRecorder::calls(std::initializer_list<std::string_view> functions)
 }
 
 int GlRecorder::glCallCount() const {
-    return static_cast<int>(std::ranges::count_if(lines, isCounted));
+    return static_cast<int>(std::ranges::count_if(
+        lines, [](const auto& call) { return call.starts_with("gl") && !tellsOfErrors(call); }));
 }
 
 std::string GlRecorder::currentContext() const {
@@ -106,10 +107,13 @@ void RecordedCall::record(const std::string& function, const std::string& argume
     if (isGl && !gl.context)
         ADD_FAILURE() << call << ": without a current context";
     for (GlRecorder::Failure& failure : gl.failures) {
-        const bool isMeant = failure.function.empty() ? isCounted(call) : failure.function == function;
+        const bool isMeant = failure.function == "*" ? !tellsOfErrors(call) : failure.function == function;
         if (!isMeant || --failure.countdown != 0)
             continue;
+        gl.failed = call;
         isRefused = failure.refuses;
+        if (isRefused)
+            before = gl;
         (isGl ? gl.glError : gl.eglError) = failure.error;
     }
 }
@@ -125,11 +129,19 @@ GLuint RecordedCall::create(const std::string& kind, const std::string& label) c
 
 void RecordedCall::destroy(GLuint name) const {
     gl.objects.erase(name);
-    std::ranges::replace(gl.units, name, 0u);
+    std::ranges::replace(gl.bound.units, name, 0u);
 }
 
-void RecordedCall::expectTarget() const {
-    EXPECT_NE(gl.target().kind, "") << gl.lines.back() << ": without a target";
+bool RecordedCall::needs(bool condition) const {
+    if (!condition)
+        gl.glError = GL_INVALID_OPERATION;
+    return condition;
+}
+
+bool RecordedCall::hasTarget() const {
+    const bool isTexture = gl.target().kind == "texture";
+    EXPECT_TRUE(isTexture || !gl.failed.empty()) << gl.lines.back() << ": without a target";
+    return needs(isTexture && !gl.target().size.empty());
 }
 
 std::string RecordedCall::show(GLfloat value) const {
@@ -154,8 +166,10 @@ std::string RecordedCall::show(Name name) const {
 
 /// Those of programs that are not in use are shown with them.
 std::string RecordedCall::show(Variable variable) const {
+    if (static_cast<size_t>(variable.location) >= gl.locations.size())
+        return "none";
     const auto& [program, name] = gl.locations.at(static_cast<size_t>(variable.location));
-    return program == gl.program ? name : gl.find(program).label + '.' + name;
+    return program == gl.bound.program ? name : gl.find(program).label + '.' + name;
 }
 
 std::string RecordedCall::show(Enum value) const {

@@ -24,7 +24,7 @@ EglObject* create(const RecordedCall& call, const char* label) {
 
 // clang-format off
 
-EGLBoolean eglBindAPI(EGLenum api) { RecordedCall(__func__, Enum{api}); return EGL_TRUE; }
+EGLBoolean eglBindAPI(EGLenum api) { return !RecordedCall(__func__, Enum{api}).isRefused; }
 
 EGLBoolean eglChooseConfig(EGLDisplay display, const EGLint* attributes, EGLConfig* configs, EGLint size,
                            EGLint* count) {
@@ -42,17 +42,23 @@ EGLSurface eglCreatePbufferSurface(EGLDisplay display, EGLConfig config, const E
 }
 EGLBoolean eglDestroyContext(EGLDisplay display, EGLContext context) {
     const RecordedCall call(__func__, display, context);
-    return destroy(context);
+    return !call.isRefused && destroy(context);
 }
 EGLBoolean eglDestroySurface(EGLDisplay display, EGLSurface surface) {
     const RecordedCall call(__func__, display, surface);
-    return destroy(surface);
+    return !call.isRefused && destroy(surface);
 }
-EGLContext eglGetCurrentContext() { return RecordedCall(__func__).gl.context; }
-EGLDisplay eglGetCurrentDisplay() { return RecordedCall(__func__).gl.context ? &g_display : nullptr; }
+EGLContext eglGetCurrentContext() {
+    const RecordedCall call(__func__);
+    return call.isRefused ? nullptr : call.gl.context;
+}
+EGLDisplay eglGetCurrentDisplay() {
+    const RecordedCall call(__func__);
+    return call.isRefused || !call.gl.context ? nullptr : &g_display;
+}
 EGLSurface eglGetCurrentSurface(EGLint which) {
     const RecordedCall call(__func__, Enum{which});
-    return which == EGL_DRAW ? call.gl.drawSurface : call.gl.readSurface;
+    return call.isRefused ? nullptr : which == EGL_DRAW ? call.gl.drawSurface : call.gl.readSurface;
 }
 EGLDisplay eglGetDisplay(EGLNativeDisplayType native) {
     const RecordedCall call(__func__, native == EGL_DEFAULT_DISPLAY ? "EGL_DEFAULT_DISPLAY" : "other");
@@ -74,8 +80,12 @@ EGLBoolean eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read, 
 }
 EGLBoolean eglReleaseThread() {
     const RecordedCall call(__func__);
+    if (call.isRefused)
+        return EGL_FALSE;
     call.gl.context = nullptr;
     call.gl.drawSurface = nullptr;
     call.gl.readSurface = nullptr;
+    call.gl.bound = {};
+    call.gl.glError = GL_NO_ERROR;
     return EGL_TRUE;
 }

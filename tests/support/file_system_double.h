@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-/// While it lives, the calls that tests/core/CMakeLists.txt lists for io_test are noted and fail where the
-/// test wants it. One at a time.
+/// While it lives, the calls that CMakeLists.txt lists for it are noted and fail where the test wants it. One
+/// at a time.
 struct FileSystemDouble {
     struct Failure {
         int error;
@@ -25,6 +25,7 @@ struct FileSystemDouble {
 
     std::map<std::string, Failure> failures; ///< by function
     std::size_t mostBytes = SIZE_MAX;        ///< that one read or write moves
+    int endingRead = 0;                      ///< the so manyth finds the end of its file; 0: none
     int interrupted = 0;                     ///< a read or write is when it is the so manyth call; 0: none
     std::function<void(const std::string& function)> before; ///< is called first, or behind a closing call
     std::vector<std::string> calls;                          ///< in order
