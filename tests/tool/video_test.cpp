@@ -265,6 +265,8 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
     write("nothing", "");
     shell("mkfifo pipe");
     write("empty.y4m", "YUV4MPEG2 W64 H48 F25:1 Ip A1:1 C420jpeg\n");
+    make("-f lavfi -i testsrc2=s=64x48:r=5:d=4 -pix_fmt yuv420p -c:v ffv1 cut.mkv");
+    write("cut.mkv", contentOf(m_directory / "cut.mkv").substr(0, 12000));
     const std::string movie = contentOf(m_directory / "clip.mp4");
     write("cut.mp4", movie.substr(0, movie.size() - 300));
     const struct {
@@ -279,6 +281,7 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
         {"render nothing out.mp4", 3, "nothing: is empty"},
         {"render empty.y4m out.mkv", 3, "empty.y4m: has no .*"},
         {"render cut.mp4 out.mp4 --strict", 3, "cut.mp4: is damaged near .*"},
+        {"render cut.mkv out.mkv --strict", 3, "cut.mkv: ends [1-9].* s early"},
         {"render sound.mp3 out.mp4", 3, "sound.mp3: has no moving pictures"},
         {"render sound.mkv out.webm", 2,
          "out.webm: stream 1 .audio, flac. has no place in .webm; .mkv holds .*"},

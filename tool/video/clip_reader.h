@@ -2,26 +2,15 @@
 
 #pragma once
 
-#include "tool/video/clip_clock.h"
+#include "tool/video/clip_demuxer.h"
 #include "tool/video/clip_item.h"
-#include "tool/video/clip_source.h"
 #include "tool/video/time_range.h"
 
-#include <atomic>
-#include <memory>
 #include <optional>
 #include <set>
 #include <string>
 
 namespace ze::tool {
-
-/// Frames that follow each other without anything between or around them.
-struct RawLayout {
-    AVPixelFormat layout = AV_PIX_FMT_NV12; ///< Or NV21.
-    int width = 0;
-    int height = 0;
-    std::string rate = "30"; ///< Frames a second, as in "25" or "30000/1001".
-};
 
 /// How a clip is read.
 struct ReaderSettings {
@@ -46,69 +35,46 @@ public:
     std::optional<ClipItem> next();
 
     /// What the file says about itself and its streams.
-    const AVFormatContext& container() const { return *m_container; }
+    const AVFormatContext& container() const { return m_demuxer.container(); }
     /// The stream that is decoded.
-    AVStream& video() const { return *m_video; }
+    AVStream& video() const { return m_demuxer.video(); }
     /// Usual frames a second; 0/1 where unknown.
-    AVRational frameRate() const;
+    AVRational frameRate() const { return m_demuxer.frameRate(); }
     /// What `next` subtracts from times, in microseconds.
     int64_t shift() const { return m_shift; }
     /// Where a range ends, counted from where it begins, in microseconds.
-    int64_t end() const { return m_settings.range.to - m_settings.range.from; }
+    int64_t end() const { return m_range.to - m_range.from; }
     /// Of what `next` returns, in microseconds; 0 where unknown. An estimate, from the size of the file, once
     /// the clock has jumped. Any thread may call.
     int64_t duration() const;
 
     /// Whether what has been read is gone.
-    bool isPipe() const { return !m_source.isSeekable(); }
+    bool isPipe() const { return m_demuxer.isPipe(); }
 
     /// How many packets and frames could not be read or decoded so far. Any thread may call.
-    int damaged() const { return m_damaged; }
+    int damaged() const { return m_demuxer.damaged(); }
+    /// By how many microseconds the file ended early (`ClipDemuxer::missing`). At the end.
+    int64_t missing() const { return m_demuxer.missing(); }
 
 private:
-    struct ContainerCloser {
-        void operator()(AVFormatContext* container) const { avformat_close_input(&container); }
-    };
-
-    void begin();
-    void open();
-    void findVideo();
     void openDecoder();
-    void startRange();
-    bool hasFrameBefore(int64_t time) const;
-    int64_t estimatedTotal() const;
-
-    bool readPacket();
-    bool demux();
-    void checkPacket(const AVPacket& packet);
-    void checkEnd(int error);
     void decode(const AVPacket* packet);
     bool isToBeCopied();
     FfmpegPtr<AVFrame> receiveFrame();
     void setTimes(AVFrame& frame, int64_t time);
     bool isInRange(int64_t time, const AVStream& stream);
     bool isRangeOver() const;
-    void noteDamage();
 
-    ReaderSettings m_settings;
-    ClipSource m_source;
-    std::unique_ptr<AVFormatContext, ContainerCloser> m_container;
-    AVStream* m_video = nullptr;
+    TimeRange m_range;
+    ClipDemuxer m_demuxer;
     FfmpegPtr<AVCodecContext> m_decoder;
-    std::optional<ClipClock> m_clock;
     FfmpegPtr<AVPacket> m_packet;
-    int64_t m_start = 0;                   ///< Where the clip begins, in microseconds.
-    int64_t m_shift = 0;                   ///< In microseconds.
-    int64_t m_lastTime = AV_NOPTS_VALUE;   ///< Of the frame before.
-    int64_t m_nextTime = 0;                ///< Where a frame begins that does not say it.
-    int64_t m_end = 0;                     ///< In bytes, of the last packet.
-    int m_packetSize = 0;                  ///< In bytes, of the last packet.
-    int64_t m_packetTime = AV_NOPTS_VALUE; ///< Of the last packet.
-    std::set<int> m_ended;                 ///< Streams that have left the range.
-    bool m_isDemuxed = false;              ///< There are no more packets in the file.
+    int64_t m_start;                     ///< Where the clip begins, in microseconds.
+    int64_t m_shift = 0;                 ///< In microseconds.
+    int64_t m_lastTime = AV_NOPTS_VALUE; ///< Of the frame before.
+    int64_t m_nextTime = 0;              ///< Where a frame begins that does not say it.
+    std::set<int> m_ended;               ///< Streams that have left the range.
     bool m_isAtEnd = false;
-    std::atomic<int64_t> m_total = 0; ///< Length of the whole clip, in microseconds; 0 where unknown.
-    std::atomic<int> m_damaged = 0;
 };
 
 } // namespace ze::tool

@@ -3,6 +3,7 @@
 #include "tool/errors.h"
 #include "tool/files/interruption.h"
 #include "tool/files/output_file.h"
+#include "tool/number_text.h"
 #include "tool/render/headless.h"
 #include "tool/render/render_session.h"
 #include "tool/render/texture_limit.h"
@@ -199,6 +200,10 @@ void ClipRun::tellDamage() const {
         printError(m_job.input + ": is damaged: " + std::to_string(count) +
                    (count == 1 ? " packet or frame" : " packets or frames") +
                    " could not be read whole; --strict makes that a failure");
+    if (const int64_t missing = m_reader->missing())
+        printError(m_job.input + ": ends " + numberText(static_cast<double>(missing) / AV_TIME_BASE, 2) +
+                   " s before the end that it names, as it does when it was cut off; --strict makes that a "
+                   "failure");
 }
 
 // The reader of a pipe wanted no more, which is no failure unless there was to be a file, too.
