@@ -96,6 +96,12 @@ TEST(Thread, SleepsUntilItIsEnded) {
     for (const int round : {1, 2}) {
         std::array<char, 16> name = {};
         EXPECT_TRUE(thread.start());
+        for (int i = 0; i < 10; ++i) { // each may go while `post` is about to return
+            auto* const brief = new Caller;
+            EXPECT_TRUE(brief->handOver(thread));
+            brief->call([brief] { delete brief; });
+            EXPECT_TRUE(becomesTrue([] { return g_calls == 0; }));
+        }
         object.call([&] { pthread_getname_np(pthread_self(), name.data(), name.size()); });
         const std::clock_t before = std::clock();
         EXPECT_FALSE(thread.wait(200));
@@ -183,61 +189,66 @@ TEST(Thread, NeedNotBeMadeHereForItsObjectsAndValues) {
     EXPECT_THAT(log.texts(), testing::Each("CZeThreadStorage::set: The thread is ending"));
 }
 
-/// Where all threads find an object. Who holds the lock may post to it: it is destroyed under that, too.
+struct Traveller : Caller {
+    std::array<int, 8> handled = {}; // by the thread that posted
+};
+
+/// Where all threads find an object. Who holds the lock may post to it; who posts its end takes it away.
 struct Place {
     std::mutex mutex;
-    Caller* object = nullptr;
-    std::array<int, 8> posted = {}, handled = {}; // of this object, by the thread that posted
+    Traveller* object = nullptr;
+    std::array<int, 8> posted = {}; // to this object, by each thread
 };
 
 /// Takes ZE_STRESS_SECONDS, or 1.
 TEST(Object, StandsThreadsThatPostHandOverAndDestroy) {
     const LogCapture log;
     const char* const seconds = std::getenv("ZE_STRESS_SECONDS");
+    const auto end =
+        std::chrono::steady_clock::now() + std::chrono::seconds(seconds ? std::atoi(seconds) : 1);
+    std::array<CZeThread, 8> threads;
     std::array<Place, 32> places;
-    {
-        std::array<CZeThread, 8> threads;
-        std::array<Caller, 8> drivers;
-        std::array<Function, 8> steps;
-        for (size_t self = 0; self < threads.size(); ++self) {
-            steps[self] = [&, self, random = std::minstd_rand(static_cast<unsigned>(self + 1))]() mutable {
-                drivers[self].call([&, self] { steps[self](); });
-                Place& place = places[random() % places.size()];
-                CZeThread& other = threads[random() % threads.size()];
-                const std::lock_guard lock(place.mutex);
-                Caller*& object = place.object;
-                if (!object) {
-                    object = new Caller;
-                    place.posted = place.handled = {};
-                    object->onTimer = [o = object](int64_t) { EXPECT_EQ(o->thread(), CZeThread::current()); };
-                    object->startTimer(1);
-                    EXPECT_TRUE(object->handOver(other));
-                }
-                object->call(
-                    [self, &place, &other, o = object, n = ++place.posted[self], choice = random() % 16] {
-                        EXPECT_EQ(o->thread(), CZeThread::current());
-                        EXPECT_EQ(n, ++place.handled[self]);
-                        EXPECT_TRUE(choice != 1 || o->handOver(other));
-                        if (choice != 0)
-                            return;
-                        const std::lock_guard last(place.mutex);
-                        place.object = nullptr;
-                        delete o;
-                    });
-            };
-            steps[self]();
-            EXPECT_TRUE(drivers[self].handOver(threads[self]));
-            EXPECT_TRUE(threads[self].start());
+    const auto postAtRandom = [&](size_t self) {
+        std::minstd_rand random(static_cast<unsigned>(self + 1));
+        while (std::chrono::steady_clock::now() < end) {
+            Place& place = places[random() % places.size()];
+            CZeThread& other = threads[random() % threads.size()];
+            const auto choice = random() % 16;
+            EXPECT_TRUE(becomesTrue([] { return g_calls < 5000; })); // posting is the faster side
+            const std::lock_guard lock(place.mutex);
+            if (!place.object) {
+                Traveller* const object = place.object = new Traveller;
+                place.posted = {};
+                object->onTimer = [object](int64_t) { EXPECT_EQ(object->thread(), CZeThread::current()); };
+                object->startTimer(1);
+                EXPECT_TRUE(object->handOver(other));
+            }
+            Traveller* const object = place.object;
+            object->call([=, &other, number = ++place.posted[self]] {
+                EXPECT_EQ(object->thread(), CZeThread::current());
+                EXPECT_EQ(number, ++object->handled[self]);
+                EXPECT_TRUE(choice != 1 || object->handOver(other));
+                if (choice == 0)
+                    delete object;
+            });
+            if (choice == 0)
+                place.object = nullptr;
         }
-        std::this_thread::sleep_for(std::chrono::seconds(seconds ? std::atoi(seconds) : 1));
-        for (CZeThread& thread : threads)
-            thread.end();
-        for (CZeThread& thread : threads)
-            EXPECT_TRUE(thread.wait());
-        for (const Place& place : places)
-            delete place.object;
+    };
+    std::array<std::thread, 8> posting;
+    for (size_t i = 0; i < posting.size(); ++i) {
+        EXPECT_TRUE(threads[i].start());
+        posting[i] = std::thread(postAtRandom, i);
     }
-    EXPECT_EQ(g_calls, 0);
+    for (std::thread& thread : posting)
+        thread.join();
+    EXPECT_TRUE(becomesTrue([] { return g_calls == 0; }));
+    for (CZeThread& thread : threads)
+        thread.end();
+    for (CZeThread& thread : threads)
+        EXPECT_TRUE(thread.wait());
+    for (const Place& place : places)
+        delete place.object;
     EXPECT_THAT(log.texts(), testing::IsEmpty());
 }
 
