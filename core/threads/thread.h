@@ -25,10 +25,11 @@ struct CZeThreadData;
 /// the process waits for no thread.
 class ZE_EXPORT CZeThread final {
 public:
-    /// A thread that is not running. Debuggers show `name` as UTF-8, cut behind the last character that ends
-    /// within 15 bytes; a null one leaves the name of the thread that starts it. Without memory it warns and
-    /// can never be started.
+    /// A thread that is not running, with the name of the one that starts it. Without memory it warns and can
+    /// never be started.
     CZeThread();
+    /// The same with a name, which debuggers show as UTF-8, cut behind the last character that ends within 15
+    /// bytes; a null one counts as none.
     explicit CZeThread(const CZeString& name);
     /// A thread that still runs is warned of, ended and waited for. On that very thread, in a handler of an
     /// object on it, there is no waiting: it ends when the handler has returned. Objects that live on it have
