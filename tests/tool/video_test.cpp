@@ -336,7 +336,11 @@ TEST(ClipClock, MovesStreamsAlikeThoughTheyGetToAJumpOneAfterTheOther) {
                 packet->stream_index = stream;
                 packet->pts = packet->dts = time >= 5000 ? time + jump : time;
                 if (stream == 0 && time == 6000)
-                    packet->pts = packet->dts = 900000; // is damaged
+                    packet->pts = packet->dts = 900000; // is damaged, as are the next two
+                if (stream == 0 && time == 7000)
+                    packet->pts = 800000;
+                if (stream == 1 && time == 7000)
+                    packet->dts = 700000;
                 packet->duration = 50;
                 clock.add(std::move(packet));
                 while (const FfmpegPtr<AVPacket> next = clock.take())

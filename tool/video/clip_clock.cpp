@@ -39,8 +39,10 @@ ClipClock::ClipClock(const AVFormatContext& container, int video) : m_container(
 
 void ClipClock::add(FfmpegPtr<AVPacket> packet) {
     const int index = packet->stream_index;
-    const Times times = timesOf(*packet);
     const bool canJump = (m_container.iformat->flags & AVFMT_TS_DISCONT) != 0;
+    if (canJump)
+        mend(*packet);
+    const Times times = timesOf(*packet);
     if (canJump && isContinuous(*m_container.streams[index]) && times.decoded != AV_NOPTS_VALUE)
         follow(index, times);
     const auto track = m_tracks.find(index);
@@ -76,6 +78,19 @@ ClipClock::Times ClipClock::timesOf(const AVPacket& packet) const {
     const int64_t length = std::clamp<int64_t>(microseconds(packet.duration, stream), 0, kStepAhead);
     return {decoded == AV_NOPTS_VALUE ? shown : decoded, shown == AV_NOPTS_VALUE ? decoded : shown, length,
             (packet.flags & AV_PKT_FLAG_KEY) != 0};
+}
+
+// Where the two times of a packet are far apart, one is damaged: the one that does not go on.
+void ClipClock::mend(AVPacket& packet) const {
+    Times times = timesOf(packet);
+    if (times.decoded == AV_NOPTS_VALUE || std::abs(times.shown - times.decoded) <= kStepAhead)
+        return;
+    const auto track = m_tracks.find(packet.stream_index);
+    times.decoded = times.shown;
+    if (track != m_tracks.end() && goesOn(track->second, track->second.part, times))
+        packet.dts = packet.pts;
+    else
+        packet.pts = packet.dts;
 }
 
 void ClipClock::follow(int stream, const Times& times) {

@@ -65,6 +65,7 @@ private:
     };
 
     Times timesOf(const AVPacket& packet) const;
+    void mend(AVPacket& packet) const;
     void follow(int stream, const Times& times);
     bool goesOn(const Track& track, size_t part, const Times& times) const;
     static int64_t distance(const Track& track, const Times& times);

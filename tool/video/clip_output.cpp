@@ -78,16 +78,20 @@ void ClipOutput::writeHeader() {
     require(avformat_write_header(m_container.get(), options.address()));
 }
 
-void ClipOutput::write(const ClipItem& item) {
-    withFileInError(m_path, [&] {
+bool ClipOutput::write(const ClipItem& item) {
+    return withFileInError(m_path, [&] {
         if (item.frame) {
             m_encoder->send(item.frame.get());
             writePackets();
-            return;
+            return true;
         }
         const FfmpegPtr<AVPacket> packet = owned(av_packet_clone(item.packet.get()));
-        if (m_copy->adapt(*packet))
-            writePacket(*packet);
+        if (!m_copy->adapt(*packet))
+            return true;
+        const int result = av_interleaved_write_frame(m_container.get(), packet.get());
+        const bool isDamaged = result == AVERROR_INVALIDDATA || result == AVERROR_PATCHWELCOME;
+        require(isDamaged ? 0 : result);
+        return !isDamaged;
     });
 }
 
@@ -110,12 +114,8 @@ void ClipOutput::writePackets() {
             packet->duration = 1;
         }
         packet->stream_index = video.index;
-        writePacket(*packet);
+        require(av_interleaved_write_frame(m_container.get(), packet.get()));
     }
-}
-
-void ClipOutput::writePacket(AVPacket& packet) {
-    require(av_interleaved_write_frame(m_container.get(), &packet));
 }
 
 // The reason is the file's, where that has one.

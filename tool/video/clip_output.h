@@ -20,7 +20,8 @@ public:
                const VideoFormat& format, const ClipReader& from);
 
     /// Frames of the format, or packets of `from`. Throws `Failure` (`failed`) or `ReaderGone`.
-    void write(const ClipItem& item);
+    /// False for a packet so damaged that there can be none such in the file; it is left out.
+    bool write(const ClipItem& item);
 
     /// Writes what is still on its way, and the end of the file. The same failures.
     void finish();
@@ -38,7 +39,6 @@ private:
     void addVideo(const ClipContainer& container, const VideoFormat& format);
     void writeHeader();
     void writePackets();
-    void writePacket(AVPacket& packet);
     void require(int result);
 
     std::string m_path;

@@ -24,7 +24,7 @@ void subtract(int64_t shift, int64_t& time) {
 ClipReader::ClipReader(const std::string& path, const ReaderSettings& settings)
     : m_range(settings.range), m_demuxer(path, settings.raw, settings.strict), m_start(m_demuxer.start()) {
     if (m_demuxer.hasFreeClock() || !m_range.isWhole())
-        m_shift = m_start + m_range.from;
+        m_shift = av_sat_add64(m_start, m_range.from);
     // A second before, so that a reordered frame is not missed. Decoding brings up what is dropped.
     m_demuxer.seek(m_shift - kSecond);
     openDecoder();
@@ -126,16 +126,14 @@ void ClipReader::setTimes(AVFrame& frame, int64_t time) {
 }
 
 bool ClipReader::isInRange(int64_t time, const AVStream& stream) {
-    const TimeRange& range = m_range;
-    if (range.isWhole())
+    if (m_range.isWhole())
         return true;
-    if (range.to <= INT64_MAX - m_start &&
-        av_compare_ts(time, stream.time_base, m_start + range.to, kMicrosecond) >= 0) {
+    if (av_compare_ts(time, stream.time_base, av_sat_add64(m_start, m_range.to), kMicrosecond) >= 0) {
         m_ended.insert(stream.index);
         return false;
     }
     // What lies before the beginning, as the lead-in of AAC does, belongs to it.
-    return range.from == 0 || av_compare_ts(time, stream.time_base, m_start + range.from, kMicrosecond) >= 0;
+    return m_range.from == 0 || av_compare_ts(time, stream.time_base, m_shift, kMicrosecond) >= 0;
 }
 
 bool ClipReader::isRangeOver() const {

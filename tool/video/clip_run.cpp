@@ -46,6 +46,7 @@ private:
     std::optional<Thing> read();
     void render(Thing& thing);
     void write(const Thing& thing);
+    void refuseDamage(const AVPacket& packet);
     void checkTime(const AVFrame& frame);
     void tellDamage() const;
     template <class Work>
@@ -66,6 +67,7 @@ private:
     std::optional<ClipOutput> m_compare;
     std::optional<SteadyRate> m_rate; // until times do not fit
     std::optional<ClipProgress> m_progress;
+    int m_refused = 0; // packets that the output did not take
 };
 
 ClipRun::ClipRun(const ClipJob& job, const zebeauty::Settings& settings)
@@ -161,13 +163,22 @@ void ClipRun::render(Thing& thing) {
 }
 
 void ClipRun::write(const Thing& thing) {
-    m_output->write(thing.item);
+    if (!m_output->write(thing.item))
+        refuseDamage(*thing.item.packet);
     if (m_compare)
         m_compare->write(thing.item.frame ? thing.both : thing.item);
     if (thing.item.frame) {
         checkTime(*thing.item.frame);
         m_progress->advance(*thing.item.frame, m_format.timeBase, m_reader->duration());
     }
+}
+
+void ClipRun::refuseDamage(const AVPacket& packet) {
+    ++m_refused;
+    if (m_job.reader.strict)
+        throw Failure(ExitCode::badInput, m_job.input,
+                      "is damaged: a packet of stream " + std::to_string(packet.stream_index) +
+                          " has no place in " + m_job.container->extension);
 }
 
 void ClipRun::checkTime(const AVFrame& frame) {
@@ -196,7 +207,7 @@ void ClipRun::run() {
 }
 
 void ClipRun::tellDamage() const {
-    if (const int count = m_reader->damaged())
+    if (const int count = m_reader->damaged() + m_refused)
         printError(m_job.input + ": is damaged: " + std::to_string(count) +
                    (count == 1 ? " packet or frame" : " packets or frames") +
                    " could not be read whole; --strict makes that a failure");

@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <mutex>
 #include <utility>
 
 extern "C" {
@@ -13,8 +12,7 @@ extern "C" {
 namespace ze::tool {
 namespace {
 
-std::mutex g_mutex;
-std::string g_message; // the last error logged
+thread_local std::string g_message; // the last error logged
 
 __attribute__((format(printf, 3, 0))) void keepError(void*, int level, const char* format,
                                                      va_list arguments) {
@@ -24,7 +22,6 @@ __attribute__((format(printf, 3, 0))) void keepError(void*, int level, const cha
     std::vsnprintf(line, sizeof line, format, arguments);
     std::string text = line;
     text.erase(text.find_last_not_of(" .\r\n") + 1);
-    const std::lock_guard lock(g_mutex);
     if (!text.empty())
         g_message = std::move(text);
 }
@@ -43,7 +40,6 @@ void catchFfmpegMessages() {
 }
 
 std::string ffmpegReason(int error) {
-    const std::lock_guard lock(g_mutex);
     std::string message = std::exchange(g_message, {});
     return message.empty() ? meaningOf(error) : message;
 }

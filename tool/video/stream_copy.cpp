@@ -3,6 +3,7 @@
 #include "tool/errors.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 #include <string_view>
 
@@ -231,12 +232,15 @@ bool StreamCopy::adapt(AVPacket& packet) {
     packet.stream_index = to.index;
     packet.pos = -1;
     const auto last = m_lastTimes.find(to.index);
-    if (last != m_lastTimes.end() && packet.dts != AV_NOPTS_VALUE && packet.dts <= last->second) {
-        packet.dts = last->second + 1; // where clocks start anew, or were rounded to the same
-        packet.pts = std::max(packet.pts, packet.dts);
-    }
-    if (packet.dts != AV_NOPTS_VALUE)
+    if (last != m_lastTimes.end() && packet.dts != AV_NOPTS_VALUE && packet.dts <= last->second)
+        packet.dts = av_sat_add64(last->second, 1); // parts that overlap, times that were rounded to the same
+    if (packet.dts != AV_NOPTS_VALUE) {
         m_lastTimes[to.index] = packet.dts;
+        if (packet.pts != AV_NOPTS_VALUE)
+            packet.pts = std::max(packet.pts, packet.dts);
+    }
+    if (packet.duration < 0 || packet.duration > INT_MAX)
+        packet.duration = 0; // as damage makes it, and muxers refuse
     return true;
 }
 
