@@ -236,6 +236,12 @@ TEST_F(Video, CutsFramesAndSoundAtTheSameTimes) {
                 testing::HasSubstr("128,48,20"));
     EXPECT_THAT(times("second.mkv"), testing::StartsWith("0,0.000000\n0,0.040000\n"));
     EXPECT_EQ(frames("both.mkv -vf crop=64:48:64:0"), frames("third.mkv"));
+
+    make("-i whole.mov -c:v copy -c:a libopus -output_ts_offset 2 late.mkv -c:v copy -c:a libopus early.mkv");
+    ASSERT_EQ(run("render early.mkv -y second.mkv --from 1 --to 2"), 0) << errorText(); // begins below 0
+    EXPECT_THAT(probe("second.mkv", "-select_streams v -count_packets -show_entries stream=nb_read_packets"),
+                testing::HasSubstr("25"));
+    EXPECT_EQ(run("render late.mkv -y second.mkv --strict"), 0) << errorText();
 }
 
 TEST_F(Video, ComparesFromLeftToRightWhereFramesAreTurned) {
@@ -268,6 +274,7 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
     make("-f lavfi -i testsrc2=s=64x48:r=5:d=4 -pix_fmt yuv420p -c:v ffv1 cut.mkv");
     write("cut.mkv", contentOf(m_directory / "cut.mkv").substr(0, 12000));
     const std::string movie = contentOf(m_directory / "clip.mp4");
+    write("list", "ffconcat version 1.0\nfile clip.mp4\n");
     write("cut.mp4", movie.substr(0, movie.size() - 300));
     const struct {
         const char* arguments;
@@ -278,6 +285,7 @@ TEST_F(Video, EndsWithAReasonAndLeavesNothingBehind) {
         {"render short.y4m out.mkv", 3, "short.y4m: frame 5 is short: [0-9]+ of 4608 bytes"},
         {"render clip.y4m out.mkv --raw nv12 --size 64x48 --rate 5 --from 3", 3,
          "clip.y4m: frame 21 is short: .*"},
+        {"render list out.mp4", 3, "list: cannot be read: .*"},
         {"render nothing out.mp4", 3, "nothing: is empty"},
         {"render empty.y4m out.mkv", 3, "empty.y4m: has no .*"},
         {"render cut.mp4 out.mp4 --strict", 3, "cut.mp4: is damaged near .*"},

@@ -79,7 +79,8 @@ void ClipDemuxer::open() {
     container->io_open = refuseOtherFiles;
     container->interrupt_callback.callback = isInterrupted;
     Dictionary options;
-    options.set("scan_all_pmts", "1"); // transport streams: streams that begin later, too
+    options.set("protocol_whitelist", "none"); // inputs that name others, in files or on a network
+    options.set("scan_all_pmts", "1");         // transport streams: streams that begin later, too
     const AVInputFormat* demuxer = nullptr;
     if (const auto& raw = m_raw) {
         demuxer = av_find_input_format("rawvideo");
@@ -199,15 +200,16 @@ void ClipDemuxer::checkLength() {
         throw Failure(ExitCode::badInput, "ends " + numberText(seconds(missing), 2) + " s early");
 }
 
-// By what the file says; FFmpeg changes that while packets are read.
+// By what the file says; FFmpeg changes that while packets are read. In some kinds of files a duration counts
+// from 0, so that a start behind that is not added.
 int64_t ClipDemuxer::expectedEnd() const {
     int64_t end = INT64_MIN;
     for (unsigned i = 0; i < m_container->nb_streams; ++i) {
         const AVStream& stream = *m_container->streams[i];
         if (stream.discard != AVDISCARD_ALL && stream.duration > 0 && stream.start_time != AV_NOPTS_VALUE)
-            end = std::max(end, endOf(stream, stream.start_time, stream.duration));
+            end = std::max(end, endOf(stream, std::min<int64_t>(0, stream.start_time), stream.duration));
     }
-    return end == INT64_MIN && m_total > 0 ? m_start + m_total : end;
+    return end == INT64_MIN && m_total > 0 ? std::min<int64_t>(0, m_start) + m_total : end;
 }
 
 void ClipDemuxer::noteDamage() {
