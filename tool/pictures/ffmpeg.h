@@ -7,6 +7,7 @@
 
 extern "C" {
 #include <libavcodec/avcodec.h>
+#include <libavcodec/bsf.h>
 #include <libavformat/avformat.h>
 #include <libavutil/frame.h>
 #include <libswscale/swscale.h>
@@ -18,6 +19,7 @@ struct FfmpegDeleter {
     void operator()(AVFrame* frame) const { av_frame_free(&frame); }
     void operator()(AVPacket* packet) const { av_packet_free(&packet); }
     void operator()(AVCodecContext* codec) const { avcodec_free_context(&codec); }
+    void operator()(AVBSFContext* filter) const { av_bsf_free(&filter); }
     void operator()(SwsContext* scaler) const { sws_freeContext(scaler); }
 };
 

@@ -17,6 +17,7 @@ extern "C" {
 namespace ze::tool {
 namespace {
 
+constexpr int kMostReadAhead = 2000;     // packets
 constexpr char kFrameMark[] = "FRAME\n"; // before each frame of YUV4MPEG2
 
 int refuseOtherFiles(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**) {
@@ -69,6 +70,8 @@ ClipDemuxer::ClipDemuxer(const std::string& path, const std::optional<RawLayout>
     : m_raw(raw), m_isStrict(isStrict), m_source(path) {
     catchFfmpegMessages();
     open();
+    if (hasFreeClock())
+        describeSound();
 }
 
 void ClipDemuxer::open() {
@@ -137,6 +140,17 @@ FfmpegPtr<AVPacket> ClipDemuxer::next() {
     return packet;
 }
 
+// Reads until there is a packet of each stream of sound that only its packets describe.
+void ClipDemuxer::describeSound() {
+    for (unsigned i = 0; i < m_container->nb_streams; ++i)
+        if (AdtsFilter::isFor(*m_container->streams[i]))
+            m_filters.emplace(static_cast<int>(i), *m_container->streams[i]);
+    const auto isDone = [](const auto& entry) { return entry.second.isDone(); };
+    for (int i = 0; i < kMostReadAhead && !std::all_of(m_filters.begin(), m_filters.end(), isDone); ++i)
+        read();
+    std::erase_if(m_filters, [&](const auto& entry) { return !isDone(entry); }); // left to the muxer
+}
+
 // Hands the next packet to the clock, or the end. False after that.
 bool ClipDemuxer::read() {
     if (m_isAtEnd)
@@ -157,7 +171,11 @@ bool ClipDemuxer::read() {
     const int64_t time = packet->pts == AV_NOPTS_VALUE ? packet->dts : packet->pts;
     if (time != AV_NOPTS_VALUE)
         m_end = std::max(m_end, endOf(*m_container->streams[packet->stream_index], time, packet->duration));
-    m_clock->add(std::move(packet));
+    const auto filter = m_filters.find(packet->stream_index);
+    if (filter == m_filters.end() || filter->second.filter(*packet))
+        m_clock->add(std::move(packet));
+    else
+        noteDamage();
     if (m_clock->hasJumped())
         m_total = estimatedTotal();
     return true;

@@ -2,10 +2,12 @@
 
 #pragma once
 
+#include "tool/video/adts_filter.h"
 #include "tool/video/clip_clock.h"
 #include "tool/video/clip_source.h"
 
 #include <atomic>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -76,6 +78,7 @@ private:
     void open();
     void findVideo();
     bool hasFrameBefore(int64_t time) const;
+    void describeSound();
     bool read();
     void checkPacket(const AVPacket& packet);
     void checkEnd(int error);
@@ -89,6 +92,7 @@ private:
     std::unique_ptr<AVFormatContext, ContainerCloser> m_container;
     AVStream* m_video = nullptr;
     std::optional<ClipClock> m_clock;
+    std::map<int, AdtsFilter> m_filters;   ///< By the number of their stream.
     int m_packetSize = 0;                  ///< In bytes, of the last packet, like the next two.
     int64_t m_packetTime = AV_NOPTS_VALUE; ///< In units of its stream.
     int64_t m_packetEnd = 0;               ///< In bytes of the file.
