@@ -1,7 +1,7 @@
 // A long run of small frames through one Beautifier, with all that may change changing, beside two cores on
-// threads of their own and the log file. Midnight passes half way. Prints ten times what it costs the
-// process, and ends with 1 when memory, descriptors or threads have grown since the first fifth, when a frame
-// comes out otherwise than before, or when the log has not changed its file.
+// threads of their own and the log file. Midnight passes half way. Prints for each tenth what it costs the
+// process in the mean, and ends with 1 when memory, descriptors or threads have grown since the first fifth,
+// when a frame comes out otherwise than before, or when the log has not changed its file.
 //
 //     soak [--turns] [FRAMES]
 //
@@ -17,6 +17,7 @@
 #include "tests/support/temp_directory.h"
 #include "tool/render/headless.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
@@ -33,6 +34,7 @@
 #include <vector>
 
 #include <EGL/egl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace {
@@ -78,9 +80,30 @@ extern "C" std::time_t time(std::time_t* result) noexcept {
 namespace {
 
 struct Usage {
-    long memory;
-    long descriptors;
-    long threads;
+    long heap = 0;     // Bytes that are allocated and not freed.
+    long resident = 0; // Bytes of memory, after the allocator has given back what it can.
+    long descriptors = 0;
+    long threads = 0;
+};
+
+/// The means of a tenth: which cores stand beside, and how far they are, differs from moment to moment.
+class MeanUsage {
+public:
+    void add(const Usage& usage) {
+        m_sum.heap += usage.heap;
+        m_sum.resident += usage.resident;
+        m_most.descriptors = std::max(m_most.descriptors, usage.descriptors);
+        m_most.threads = std::max(m_most.threads, usage.threads);
+        ++m_count;
+    }
+
+    Usage get() const {
+        return {m_sum.heap / m_count, m_sum.resident / m_count, m_most.descriptors, m_most.threads};
+    }
+
+private:
+    Usage m_sum, m_most;
+    long m_count = 0;
 };
 
 long entryCount(const std::string& directory) {
@@ -88,15 +111,18 @@ long entryCount(const std::string& directory) {
 }
 
 Usage currentUsage() {
+    malloc_trim(0);
     long pages = 0;
     std::ifstream statm("/proc/self/statm");
     statm >> pages >> pages; // The second number is what is resident.
-    return {pages * sysconf(_SC_PAGESIZE), entryCount("/proc/self/fd"), entryCount("/proc/self/task")};
+    const struct mallinfo2 heap = mallinfo2();
+    return {static_cast<long>(heap.uordblks + heap.hblkhd), pages * sysconf(_SC_PAGESIZE),
+            entryCount("/proc/self/fd"), entryCount("/proc/self/task")};
 }
 
 void print(long frames, const Usage& usage) {
-    std::printf("%9ld frames: %7ld KiB, %ld descriptors, %ld threads\n", frames, usage.memory >> 10,
-                usage.descriptors, usage.threads);
+    std::printf("%9ld frames: %7ld KiB allocated, %7ld KiB resident, %ld descriptors, %ld threads\n", frames,
+                usage.heap >> 10, usage.resident >> 10, usage.descriptors, usage.threads);
     std::fflush(stdout);
 }
 
@@ -184,12 +210,13 @@ bool run(long frameCount, const TempDirectory& directory) {
     zebeauty::Beautifier beautifier({}, zebeauty::takeLibraryError);
     std::vector<size_t> hashes(kScenes);
     Scene scene(0, directory);
-    Usage warm{};
-    Usage last = currentUsage();
-    print(0, last);
+    MeanUsage tenth;
+    Usage warm, last;
     for (long i = 0; i < frameCount;) {
         const long index = i / kFramesPerChange % kScenes;
         const bool isFirst = i % kFramesPerChange == 0;
+        if (isFirst && index % kChangesPerFormat == 0)
+            tenth.add(currentUsage());
         if (isFirst) {
             scene = Scene(index, directory);
             beautifier.set(scene.settings);
@@ -209,13 +236,14 @@ bool run(long frameCount, const TempDirectory& directory) {
         if (++i % (frameCount / 10) != 0)
             continue;
         g_isTomorrow = i >= frameCount / 2;
-        last = currentUsage();
+        last = tenth.get();
+        tenth = {};
         if (i <= frameCount / 5)
             warm = last;
         print(i, last);
     }
-    return last.memory > warm.memory + kMemoryAllowance || last.descriptors > warm.descriptors ||
-           last.threads > warm.threads;
+    return last.heap > warm.heap + kMemoryAllowance || last.resident > warm.resident + kMemoryAllowance ||
+           last.descriptors > warm.descriptors || last.threads > warm.threads;
 }
 
 } // namespace
