@@ -4,8 +4,8 @@
 //     ZecEffect* beauty = ZecCreateEffect(0);
 //     ZecSetBeautyParams(beauty, 0.8f, 0.2f);
 //     ZecRender(core, {beauty}, &frame, &frame, 0, 0, 1, width, height, 0);   // once per frame, in place
-//     ZecDestoryEffect(beauty);
 //     ZecDestroyRenderCore(core);
+//     ZecDestoryEffect(beauty);
 //
 // Names are unmangled, but two functions take objects of the C++ standard library: host and library must be
 // built against the same one. No function throws; memory that cannot be had ends the program. Failures are

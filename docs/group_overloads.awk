@@ -14,12 +14,11 @@ function flush() {
     total = count = inCode = 0
 }
 
-# What the calls need from other folders counts as theirs.
-function group(    folders, i) {
-    for (i = split(FILENAME, folders, "/"); i > 0; --i)
-        if (folders[i] ~ /^(host|core|log)$/)
-            return "ze_" folders[i]
-    return "ze_api"
+# What the calls need from other folders counts as theirs. `root` is the project's folder, with a slash.
+function group(    folder) {
+    folder = substr(FILENAME, length(root) + 1)
+    sub(/\/.*/, "", folder)
+    return folder ~ /^(host|core|log)$/ ? "ze_" folder : "ze_api"
 }
 
 # The line that ends the comment at the top is empty: the command before it takes that line's place.

@@ -171,6 +171,7 @@ void Renderer::release() {
     m_core = nullptr;
     m_beauty = nullptr;
     m_tables.clear();
+    m_repacked = {};
     m_lastRun = {};
     m_lastError.clear();
 }

@@ -1,5 +1,6 @@
-// Every call of EGL and GL, every allocation and every read of a table fails once, for the host class and for
-// the calls beneath it: a frame is done or as it was, and right again as soon as the contract says so.
+// Every call of EGL and GL, every read of a table and every allocation that may fail (the calls' with
+// operator new may not) fails once, for the host class and for the calls beneath it: a frame is done or as it
+// was, and right again as soon as the contract says so.
 
 #include "api/ze_beauty_effect.h"
 #include "host/library_log.h"
@@ -193,8 +194,9 @@ TYPED_TEST(FaultTest, LeavesTheFrameAloneAndIsOverWithTheNext) {
                 const auto& [isDone, reason] = take.results[i];
                 SCOPED_TRACE(testing::Message() << "kind " << static_cast<int>(fault) << ", " << n << ' '
                                                 << take.gl.failed << ", frame " << i << ": " << reason);
-                // What GL has to say may be found by the next frame only.
-                const bool isOver = i > told + isCall && !mayLast;
+                // What GL has to say may be found by the next frame only, which the host class takes for
+                // failed.
+                const bool isOver = i > told + (isCall && TypeParam::kIsCareful) && !mayLast;
                 const bool isSure = (i < told || (TypeParam::kIsCareful && isDone)) && !isSilent;
                 const TestFrame untouched(kShots[i % kShotCount].width, kShots[i % kShotCount].height);
                 if (isOver || isSure || i == kShotCount)
@@ -205,7 +207,7 @@ TYPED_TEST(FaultTest, LeavesTheFrameAloneAndIsOverWithTheNext) {
                     EXPECT_THAT(take.outputs[i].planes, testing::Each(testing::Not(testing::Contains(0x66))));
             }
         }
-        EXPECT_GT(n, 10);
+        EXPECT_GT(n, fault == Fault::call ? 1000 : 15);
     }
 }
 

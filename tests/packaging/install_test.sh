@@ -21,7 +21,7 @@ cp -r "$here/consumer" "$work"
 "$CMAKE_COMMAND" --build "$work/build" >/dev/null
 "$work/build/consumer"
 
-# The other way: as a part of the host's build, which gets no targets, tests and files but those it asked for.
+# The other way: as a part of the host's build, which installs no files but those it asked for.
 source=$(realpath "$here/../..")
 "$CMAKE_COMMAND" -S "$work/consumer" -B "$work/embedded" -G "$GENERATOR" -DZE_SOURCE="$source" \
     -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_STANDARD=17 >/dev/null

@@ -94,10 +94,11 @@ void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
 
 void glReadPixels(GLint x, GLint y, GLsizei width, GLsizei height, GLenum format, GLenum type, void* pixels) {
     const Call call(__func__, x, y, width, height, Enum{format}, Enum{type});
-    const bool isRead = call.hasTarget() && !call.isRefused;
+    if (!call.hasTarget() || call.isRefused)
+        return;
     for (size_t i = 0; i < static_cast<size_t>(width * height * 4); ++i)
         static_cast<uint8_t*>(pixels)[i] =
-            isRead ? static_cast<uint8_t>(mixed(i, &call.gl.target().content, 1) >> 9 | 0x80) : 0;
+            static_cast<uint8_t>(mixed(i, &call.gl.target().content, 1) >> 9 | 0x80);
 }
 
 void glTexImage2D(GLenum target, GLint level, GLint internalFormat, GLsizei width, GLsizei height,
