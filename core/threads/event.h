@@ -9,7 +9,7 @@ class ZE_EXPORT CZeEvent {
 public:
     /// `type` tells the receiver what it is.
     explicit CZeEvent(int type) : m_type(type) {}
-    /// Called on the receiver's thread once the event is handled, or where it vanishes.
+    /// Called on the thread that has handled the event, right after, or where it vanishes.
     virtual ~CZeEvent();
     CZeEvent(const CZeEvent&) = delete;
     CZeEvent& operator=(const CZeEvent&) = delete;

@@ -51,7 +51,7 @@ void CZeThreadData::handleTimers(std::unique_lock<std::mutex>& lock) {
     const ze::SteadyTime now = std::chrono::steady_clock::now();
     while (!isToEnd && pending.nextDue() <= now) {
         const ze::Timer timer = pending.timers.front();
-        pending.advanceTimer(now);
+        pending.advanceTimer(std::chrono::steady_clock::now()); // handlers before may have been slow
         lock.unlock();
         timer.receiver->handleTimer(timer.id);
         lock.lock();

@@ -103,7 +103,7 @@ int64_t CZeObject::startTimer(int64_t milliseconds, Ze::TimerKind kind) {
             return id;
         }
     }
-    ze::coreWarning("CZeObject::startTimer: Not on the object's thread");
+    ze::coreWarning("CZeObject::startTimer: The object has no thread, or another one");
     return 0;
 }
 

@@ -25,7 +25,7 @@ enum TimerKind : int { Repeating, Once };
 /// `post` and `thread` may be called on any thread from the end of the constructor to the beginning of the
 /// destructor; who posts from elsewhere makes sure of that. All else, the destructor too, is for the object's
 /// own thread; and for any other, one at a time, while no loop runs there. Elsewhere it is refused with a
-/// warning. Nothing throws, and nothing that is overridden may.
+/// warning. Nothing throws, and nothing that is overridden may throw or end its thread (pthread_exit).
 class ZE_EXPORT CZeObject {
 public:
     /// An object of the calling thread. Without memory for what that keeps it has no thread, which is warned

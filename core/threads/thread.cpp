@@ -1,7 +1,6 @@
 #include "core/threads/thread.h"
 
 #include "core/threads/thread_data.h"
-#include "core/tools/error_text.h"
 #include "core/warning.h"
 
 using State = CZeThreadData::State;
@@ -44,11 +43,8 @@ bool CZeThread::start() {
         return false;
     }
     std::unique_lock lock(m_data->mutex);
-    while (m_data->state == State::Ended || m_data->state == State::Joining) {
-        lock.unlock();
-        wait();
-        lock.lock();
-    }
+    while (m_data->state == State::Ended || m_data->state == State::Joining)
+        m_data->join(lock, ze::SteadyTime::max());
     if (m_data->state == State::Running) {
         lock.unlock();
         ze::coreWarning("CZeThread::start: The thread is running");
@@ -59,9 +55,10 @@ bool CZeThread::start() {
     if (error != 0) {
         lock.unlock();
         m_data->release();
-        ze::coreWarning("CZeThread::start: %s", ze::errorText(error).toUtf8().constData());
+        ze::coreWarning("CZeThread::start: The system has no thread to give: %d", error);
         return false;
     }
+    ++m_data->starts;
     m_data->state = State::Running;
     m_data->isLooping = true;
     m_data->isToEnd = false;
@@ -87,23 +84,8 @@ bool CZeThread::wait(int64_t milliseconds) {
         ze::coreWarning("CZeThread::wait: The thread is the calling one or was not made here");
         return false;
     }
-    const ze::SteadyTime deadline = ze::deadlineIn(milliseconds);
     std::unique_lock lock(m_data->mutex);
-    while (m_data->state != State::Stopped) {
-        if (m_data->state == State::Ended) {
-            m_data->state = State::Joining;
-            lock.unlock();
-            pthread_join(m_data->handle, nullptr);
-            lock.lock();
-            m_data->state = State::Stopped;
-            m_data->ended.notifyAll();
-        } else if (std::chrono::steady_clock::now() >= deadline) {
-            return false;
-        } else {
-            m_data->ended.waitUntil(lock, deadline);
-        }
-    }
-    return true;
+    return m_data->join(lock, ze::deadlineIn(milliseconds));
 }
 
 bool CZeThread::isRunning() const {
@@ -125,9 +107,9 @@ bool CZeThread::runLoop(int64_t milliseconds) {
     if (!data)
         return false;
     std::unique_lock lock(data->mutex);
-    if (data->isLooping) {
+    if (data->isLooping || !data->isAdopted) {
         lock.unlock();
-        ze::coreWarning("CZeThread::runLoop: The thread's loop is running");
+        ze::coreWarning("CZeThread::runLoop: The thread's loop is running or has ended");
         return false;
     }
     data->isLooping = true;

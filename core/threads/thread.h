@@ -18,11 +18,12 @@ struct CZeThreadData;
 /// `runLoop`.
 ///
 /// Any thread may call any member while the CZeThread lives. Nothing throws. A forked child must not use any
-/// of this.
+/// of this, and leaves with `_exit` where a CZeThread is a static object.
 ///
 /// The first object, thread or stored value (see CZeThreadStorage) of a process keeps the library loaded
-/// until the process ends: threads run on when it is closed with dlclose, and all works as before. The end of
-/// the process waits for no thread.
+/// until the process ends: threads run on when it is closed with dlclose, and all works as before. That first
+/// use takes the loader's lock: a library's static constructor that waits for it on another thread calls
+/// `current` before. The end of the process waits for no thread.
 class ZE_EXPORT CZeThread final {
 public:
     /// A thread that is not running, with the name of the one that starts it. Without memory it warns and can
@@ -50,8 +51,10 @@ public:
     /// thread that was not made here without a loop it ends the next one, at its start.
     void end(int result = 0);
     /// Waits until the thread is gone: nothing of it runs any more, and values in its CZeThreadStorage are
-    /// destroyed. At most `milliseconds`, without limit when below 0. True when it does not run. False when
-    /// the time is up, and with a warning for the calling thread and for one that was not made here.
+    /// destroyed. At most `milliseconds`, without limit when below 0; destructors of a host's own
+    /// thread-specific keys are not counted. True when it does not run, or has been started again meanwhile.
+    /// False when the time is up, and with a warning for the calling thread and for one that was not made
+    /// here.
     bool wait(int64_t milliseconds = -1);
     /// Whether it was started and has not ended. Always so for one that was not made here.
     bool isRunning() const;
@@ -63,7 +66,7 @@ public:
     /// Handles events and timers on the calling thread, one that was not made here, until its `end` is called
     /// or `milliseconds` (no limit below 0) are over; at least once those that are there. A host that has a
     /// loop of its own calls it with 0 from there. True when it was ended, false when the time is up. False
-    /// with a warning within a handler and without memory: loops do not nest.
+    /// with a warning within a handler, since loops do not nest, on a thread made here and without memory.
     static bool runLoop(int64_t milliseconds = -1);
 
 private:

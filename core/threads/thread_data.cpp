@@ -2,7 +2,6 @@
 
 #include "core/threads/library_pin.h"
 #include "core/threads/thread.h"
-#include "core/tools/error_text.h"
 #include "core/warning.h"
 
 #include <algorithm>
@@ -29,11 +28,9 @@ void endThread(void* record) {
     data->isDestroyingValues = false;
     pthread_setspecific(g_key, nullptr);
 
-    CZeThread* adopted = nullptr;
+    CZeThread* const adopted = data->isAdopted ? data->thread : nullptr;
     {
         const std::lock_guard lock(data->mutex);
-        if (data->isAdopted)
-            adopted = data->thread;
         data->state = data->isAdopted ? CZeThreadData::State::Stopped : CZeThreadData::State::Ended;
         data->ended.notifyAll();
     }
@@ -114,6 +111,25 @@ void CZeThreadData::release() {
 CZeThread* CZeThreadData::liveThread() const {
     const std::lock_guard lock(mutex);
     return thread;
+}
+
+bool CZeThreadData::join(std::unique_lock<std::mutex>& lock, ze::SteadyTime deadline) {
+    const int64_t awaited = starts;
+    while (state != State::Stopped && starts == awaited) {
+        if (state == State::Ended) {
+            state = State::Joining;
+            lock.unlock();
+            pthread_join(handle, nullptr);
+            lock.lock();
+            state = State::Stopped;
+            ended.notifyAll();
+        } else if (std::chrono::steady_clock::now() >= deadline) {
+            return false;
+        } else {
+            ended.waitUntil(lock, deadline);
+        }
+    }
+    return true;
 }
 
 void* CZeThreadData::run(void* record) {

@@ -64,6 +64,10 @@ struct CZeThreadData {
     /// is held, is released meanwhile.
     bool loop(std::unique_lock<std::mutex>& lock, ze::SteadyTime deadline) noexcept;
 
+    /// Waits until the run that is under way is gone. False when the time is over before. The lock, which is
+    /// held, is released meanwhile.
+    bool join(std::unique_lock<std::mutex>& lock, ze::SteadyTime deadline);
+
     /// What a started thread runs, as one owner of its record.
     static void* run(void* record);
 
@@ -81,6 +85,7 @@ struct CZeThreadData {
     ze::Pending pending;
     CZeThread* thread = nullptr;
     State state = State::Stopped;
+    int64_t starts = 0;
     pthread_t handle = {};
     bool isLooping = false; ///< From the start of a thread that was made here.
     bool isToEnd = false;

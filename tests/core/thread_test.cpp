@@ -68,14 +68,14 @@ TEST(Object, HasTimersThatSkipWhatTheyMiss) {
     Caller object, other;
     std::vector<int64_t> ids;
     const auto start = std::chrono::steady_clock::now();
-    const int64_t often = object.startTimer(40), once = object.startTimer(20, Ze::Once);
+    const int64_t once = object.startTimer(40, Ze::Once), often = object.startTimer(40);
     const int64_t never = other.startTimer(INT64_MAX);
     object.onTimer = [&](int64_t id) {
-        constexpr std::array kEarliest = {20ms, 40ms, 140ms, 160ms};
+        constexpr std::array kEarliest = {40ms, 140ms, 160ms, 200ms};
         EXPECT_GE(std::chrono::steady_clock::now() - start, kEarliest[ids.size()]);
         ids.push_back(id);
-        if (ids.size() == 2)
-            std::this_thread::sleep_until(start + 140ms); // beyond 80 and 120
+        if (ids.size() == 1)
+            std::this_thread::sleep_until(start + 140ms); // beyond 40, 80 and 120 of the other one
         if (ids.size() == 4)
             CZeThread::current()->end();
     };
@@ -87,6 +87,61 @@ TEST(Object, HasTimersThatSkipWhatTheyMiss) {
     EXPECT_TRUE(other.stopTimer(never));
     EXPECT_EQ(object.startTimer(0), 0);
     EXPECT_EQ(log.texts().size(), 4u);
+}
+
+TEST(Object, LeavesTheRestPendingAtTheEnd) {
+    Caller object;
+    std::string handled;
+    const auto handle = [&](char name) {
+        handled += name;
+        CZeThread::current()->end();
+    };
+    object.onTimer = [&](int64_t) { handle('t'); };
+    for (int i = 0; i < 2; ++i) {
+        object.startTimer(1, Ze::Once);
+        object.call([&] { handle('e'); });
+    }
+    std::this_thread::sleep_for(2ms);
+    for (const char* const expected : {"t", "tt", "tte", "ttee"}) {
+        EXPECT_TRUE(CZeThread::runLoop());
+        EXPECT_EQ(handled, expected);
+    }
+    EXPECT_FALSE(CZeThread::runLoop(10));
+    const Function forever = [&] { object.call(forever); };
+    object.call(forever);
+    object.startTimer(1, Ze::Once); // has its turn
+    EXPECT_TRUE(CZeThread::runLoop());
+}
+
+TEST(Thread, IsWaitedForByManyThoughItStartsAgain) {
+    int missed = 0;
+    for (int round = 1; round <= 20; ++round) {
+        CZeThread thread;
+        std::array<std::thread, 2> others;
+        std::atomic<int> waiting{0};
+        EXPECT_TRUE(thread.start());
+        for (std::thread& other : others)
+            other = std::thread([&] {
+                ++waiting;
+                EXPECT_TRUE(thread.wait());
+                --waiting;
+            });
+        EXPECT_TRUE(becomesTrue([&] { return waiting == 2; }));
+        std::this_thread::sleep_for(2ms); // enough for most to be in `wait`
+        thread.end(round);
+        thread.end(-1); // ignored
+        EXPECT_TRUE(thread.wait());
+        EXPECT_EQ(thread.result(), round);
+        EXPECT_TRUE(thread.start());
+        for (int i = 0; i < 100 && waiting > 0; ++i)
+            std::this_thread::sleep_for(1ms);
+        missed += waiting > 0;
+        thread.end();
+        EXPECT_TRUE(thread.wait());
+        for (std::thread& other : others)
+            other.join();
+    }
+    EXPECT_LT(missed, 5);
 }
 
 TEST(Thread, SleepsUntilItIsEnded) {
@@ -143,8 +198,23 @@ TEST(Thread, RefusesWhatCannotBe) {
     EXPECT_TRUE(becomesTrue([&] { return taskCount() == tasks; }));
     EXPECT_FALSE(object.thread());
     EXPECT_TRUE(object.handOver(here));
-    EXPECT_EQ(log.texts().size(), 9u); // one for each
-    EXPECT_EQ(log.texts().front(), "CZeThread::start: Resource temporarily unavailable");
+    std::atomic<int> step{0};
+    object.call([&] {
+        step = 1;
+        std::this_thread::sleep_for(20ms);
+        step = 2;
+    });
+    {
+        CZeThread running;
+        EXPECT_TRUE(object.handOver(running));
+        EXPECT_TRUE(running.start());
+        EXPECT_TRUE(Caller().handOver(running)); // and is destroyed here
+        EXPECT_TRUE(becomesTrue([&] { return step == 1; }));
+    }
+    EXPECT_EQ(step, 2);
+    EXPECT_EQ(log.texts().size(), 11u); // one for each
+    EXPECT_THAT(log.texts().front(),
+                testing::StartsWith("CZeThread::start: The system has no thread to give: "));
 }
 
 /// Calls its deleter when it is destroyed.
@@ -153,6 +223,7 @@ using Last = std::shared_ptr<void>;
 TEST(Thread, NeedNotBeMadeHereForItsObjectsAndValues) {
     const LogCapture log;
     std::string order;
+    bool isMade = false;
     CZeThreadStorage<Last> first, second;
     const auto set = [&](CZeThreadStorage<Last>& storage, char name) {
         return storage.set(std::make_unique<Last>(nullptr, [&order, name](void*) { order += name; }));
@@ -161,8 +232,11 @@ TEST(Thread, NeedNotBeMadeHereForItsObjectsAndValues) {
         EXPECT_FALSE(first.get());
         EXPECT_TRUE(set(first, 'a'));
         EXPECT_TRUE(set(second, 'e'));
-        first.set(std::make_unique<Last>(
-            nullptr, [&](void*) { order += first.get() || !second.get() || set(first, '-') ? '!' : 'd'; }));
+        first.set(std::make_unique<Last>(nullptr, [&](void*) {
+            const bool isWrong =
+                first.get() || !second.get() || set(first, '-') || (isMade && CZeThread::runLoop(0));
+            order += isWrong ? '!' : 'd';
+        }));
         EXPECT_TRUE(set(*std::make_unique<CZeThreadStorage<Last>>(), 'b'));
         static thread_local const Last local(nullptr, [&](void*) { order += first.get() ? 'c' : '!'; });
     };
@@ -179,6 +253,7 @@ TEST(Thread, NeedNotBeMadeHereForItsObjectsAndValues) {
     host.load()->end();
     thread.join();
     EXPECT_FALSE(orphan->thread());
+    isMade = true;
     CZeThread another;
     EXPECT_TRUE(orphan->handOver(another));
     EXPECT_TRUE(another.start());
@@ -186,7 +261,9 @@ TEST(Thread, NeedNotBeMadeHereForItsObjectsAndValues) {
     EXPECT_TRUE(another.wait());
     delete orphan;
     EXPECT_EQ(order, "abc-deabc-de");
-    EXPECT_THAT(log.texts(), testing::Each("CZeThreadStorage::set: The thread is ending"));
+    EXPECT_THAT(log.texts(), ElementsAre("CZeThreadStorage::set: The thread is ending",
+                                         "CZeThreadStorage::set: The thread is ending",
+                                         "CZeThread::runLoop: The thread's loop is running or has ended"));
 }
 
 struct Traveller : Caller {
