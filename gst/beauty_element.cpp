@@ -1,6 +1,6 @@
 #include "gst/beauty_element.h"
 
-#include "gst/frame_kind.h"
+#include "gst/video_frame.h"
 #include "host/library_log.h"
 
 #include <mutex>
@@ -18,7 +18,7 @@ struct Parts {
     zebeauty::Settings settings;
     zebeauty::Beautifier beautifier{{}, zebeauty::takeLibraryError};
     // Of the streaming thread.
-    zebeauty::Frame frame;              // As the caps have it, without planes.
+    zebeauty::Frame kind;               // As the caps have it, without size and planes.
     std::optional<std::string> refusal; // Why such frames cannot be beautified.
 };
 
@@ -88,13 +88,8 @@ void getProperty(GObject* object, guint id, GValue* value, GParamSpec* descripti
     }
 }
 
-gboolean start(GstBaseTransform* /*base*/) {
-    zebeauty::catchLibraryErrors(false);
-    return TRUE;
-}
-
-// A frame may slip in behind, or ahead of start, where something pushes while the state changes: that one has
-// the core made anew.
+// A frame may slip in behind, where something pushes while the state changes: that one has the core made
+// anew.
 gboolean stop(GstBaseTransform* base) {
     partsOf(base).beautifier.reset();
     return TRUE;
@@ -103,7 +98,7 @@ gboolean stop(GstBaseTransform* base) {
 gboolean setInfo(GstVideoFilter* filter, GstCaps* /*caps*/, GstVideoInfo* info, GstCaps* /*outputCaps*/,
                  GstVideoInfo* /*outputInfo*/) {
     Parts& parts = partsOf(filter);
-    parts.refusal = describe(*info, parts.frame);
+    parts.refusal = describe(*info, parts.kind);
     return TRUE; // Frames that cannot be beautified may still pass through.
 }
 
@@ -121,28 +116,35 @@ void beforeTransform(GstBaseTransform* base, GstBuffer* buffer) {
     gst_base_transform_set_passthrough(base, !parts.settings.isActive());
 }
 
-GstFlowReturn transformFrame(GstVideoFilter* filter, GstVideoFrame* mapped) {
-    Parts& parts = partsOf(filter);
+// In place of that of GstVideoFilter, which passes frames on that cannot be mapped.
+GstFlowReturn transformInPlace(GstBaseTransform* base, GstBuffer* buffer) {
+    Parts& parts = partsOf(base);
     if (parts.refusal) {
-        GST_ELEMENT_ERROR(filter, STREAM, FORMAT, ("%s", parts.refusal->c_str()), (nullptr));
+        GST_ELEMENT_ERROR(base, STREAM, FORMAT, ("%s", parts.refusal->c_str()), (nullptr));
         return GST_FLOW_ERROR;
     }
-    zebeauty::Frame frame = parts.frame;
-    frame.planes = planesOf(*mapped);
-    if (const auto reason = parts.beautifier.process(frame)) {
-        GST_ELEMENT_ERROR(filter, LIBRARY, FAILED, ("%s", reason->c_str()), (nullptr));
+    const MappedFrame mapped(reinterpret_cast<GstVideoFilter*>(base)->in_info, *buffer);
+    if (!mapped) {
+        GST_ELEMENT_ERROR(base, RESOURCE, WRITE, ("the memory of a frame is too small or not to be had"),
+                          (nullptr));
+        return GST_FLOW_ERROR;
+    }
+    [[maybe_unused]] static const bool s_areErrorsCaught = zebeauty::catchLibraryErrors(false);
+    if (const auto reason = parts.beautifier.process(mapped.get(parts.kind))) {
+        GST_ELEMENT_ERROR(base, LIBRARY, FAILED, ("%s", reason->c_str()),
+                          ("\"zebeauty lut bake\" makes what lut takes of .cube and other files"));
         return GST_FLOW_ERROR;
     }
     return GST_FLOW_OK;
 }
 
-constexpr auto kFlags = static_cast<GParamFlags>(G_PARAM_READWRITE | G_PARAM_STATIC_STRINGS |
-                                                 GST_PARAM_CONTROLLABLE | GST_PARAM_MUTABLE_PLAYING);
+constexpr int kFlags = G_PARAM_READWRITE | G_PARAM_STATIC_STRINGS | GST_PARAM_MUTABLE_PLAYING;
 
 void installAmount(GObjectClass* objectClass, Property id, const char* name, const char* blurb,
                    float preset) {
+    constexpr auto kAmountFlags = static_cast<GParamFlags>(kFlags | GST_PARAM_CONTROLLABLE);
     g_object_class_install_property(objectClass, id,
-                                    g_param_spec_float(name, name, blurb, 0, 1, preset, kFlags));
+                                    g_param_spec_float(name, name, blurb, 0, 1, preset, kAmountFlags));
 }
 
 void initializeClass(gpointer elementClass, gpointer /*data*/) {
@@ -157,9 +159,9 @@ void initializeClass(gpointer elementClass, gpointer /*data*/) {
     g_object_class_install_property(
         object, kLut,
         g_param_spec_string("lut", "lut",
-                            "The .lut file to grade colors with after that; \"zebeauty lut bake\" makes one "
-                            "of .cube and other files. Read once: name a changed file anew",
-                            nullptr, kFlags));
+                            "The .lut file to grade colors with, after smooth and whiten; \"zebeauty lut "
+                            "bake\" makes one of .cube and other files. Read once: name a changed file anew",
+                            nullptr, static_cast<GParamFlags>(kFlags)));
     installAmount(object, kIntensity, "intensity", "How much of the colors of lut to mix in", 1);
 
     auto* const element = static_cast<GstElementClass*>(elementClass);
@@ -177,13 +179,12 @@ void initializeClass(gpointer elementClass, gpointer /*data*/) {
     }
 
     auto* const transform = static_cast<GstBaseTransformClass*>(elementClass);
-    transform->start = start;
     transform->stop = stop;
     transform->before_transform = beforeTransform;
+    transform->transform_ip = transformInPlace;
     transform->transform_ip_on_passthrough = FALSE;
     auto* const filter = static_cast<GstVideoFilterClass*>(elementClass);
     filter->set_info = setInfo;
-    filter->transform_frame_ip = transformFrame;
 }
 
 } // namespace

@@ -24,4 +24,4 @@ char g_description[] = "Smooths skin, brightens and grades colors in live video"
 
 #define PACKAGE "ZeBeautyEffect"
 GST_PLUGIN_DEFINE(GST_VERSION_MAJOR, GST_VERSION_MINOR, zebeauty, g_description, initialize, ZE_VERSION,
-                  GST_LICENSE_UNKNOWN, PACKAGE, PACKAGE)
+                  GST_LICENSE_UNKNOWN, PACKAGE, "Unknown package origin")

@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 #include <gst/check/gstharness.h>
+#include <gst/controller/controller.h>
 #include <gst/video/video.h>
 #include <malloc.h>
 
@@ -67,6 +68,7 @@ protected:
     GstBuffer* frame() {
         const std::string bytes = noise();
         GstBuffer* const buffer = gst_buffer_new_memdup(bytes.data(), bytes.size());
+        GST_BUFFER_PTS(buffer) = 0;
         gst_buffer_add_video_meta_full(buffer, {}, m_info.finfo->format, static_cast<guint>(m_info.width),
                                        static_cast<guint>(m_info.height), 2, m_info.offset, m_info.stride);
         return buffer;
@@ -140,6 +142,23 @@ TEST_F(BeautyElementTest, PropertiesTakeEffectWithTheNextFrameAndFailuresAreErro
     EXPECT_THAT(push(), HasSubstr("open lut file /none.lut"));
     g_object_set(m_element, "lut", nullptr, nullptr);
     EXPECT_TRUE(push() == noise());
+
+    GstControlSource* const source = gst_interpolation_control_source_new();
+    gst_timed_value_control_source_set(GST_TIMED_VALUE_CONTROL_SOURCE(source), 0, 0.25);
+    gst_object_add_control_binding(GST_OBJECT(m_element),
+                                   gst_direct_control_binding_new(GST_OBJECT(m_element), "whiten", source));
+    gst_object_unref(source);
+    EXPECT_TRUE(push() == expected(kind, {0, 0.25f}));
+    m_info.size /= 2;
+    EXPECT_THAT(push(), HasSubstr("memory of a frame"));
+}
+
+// Whoever shows the frame may show the other half of it.
+TEST_F(BeautyElementTest, AllOfACroppedFrameIsBeautified) {
+    g_object_set(m_element, "whiten", 0.25, nullptr);
+    setCaps("format=NV12,width=16,height=8");
+    gst_video_info_set_format(&m_info, GST_VIDEO_FORMAT_NV12, 34, 18);
+    EXPECT_TRUE(push() == expected({{}, 0, 0, kNv12, k601, kVideo}, {0, 0.25f}));
 }
 
 TEST_F(BeautyElementTest, AHundredCyclesEndingAtAnyMomentKeepMemoryThreadsAndDescriptorsLevel) {
@@ -147,18 +166,20 @@ TEST_F(BeautyElementTest, AHundredCyclesEndingAtAnyMomentKeepMemoryThreadsAndDes
     gst_bus_set_flushing(m_bus, TRUE);
     gst_harness_set_drop_buffers(m_harness, TRUE);
     std::atomic<bool> isOver = false;
-    std::thread streaming([&] {
+    const auto stream = [&] {
         GstSegment segment;
         gst_segment_init(&segment, GST_FORMAT_TIME);
-        while (!isOver) { // Events end with the pad's activity as frames do.
-            gst_harness_push_event(m_harness, gst_event_new_stream_start("camera"));
-            GstCaps* const caps = gst_video_info_to_caps(&m_info);
-            gst_harness_push_event(m_harness, gst_event_new_caps(caps));
-            gst_caps_unref(caps);
-            gst_harness_push_event(m_harness, gst_event_new_segment(&segment));
-            while (gst_harness_push(m_harness, frame()) == GST_FLOW_OK)
-                g_object_set(m_element, "smooth", 0.5, "whiten", 0.25, nullptr);
-        }
+        gst_harness_push_event(m_harness, gst_event_new_stream_start("camera"));
+        GstCaps* const caps = gst_video_info_to_caps(&m_info);
+        gst_harness_push_event(m_harness, gst_event_new_caps(caps));
+        gst_caps_unref(caps);
+        gst_harness_push_event(m_harness, gst_event_new_segment(&segment));
+        while (gst_harness_push(m_harness, frame()) == GST_FLOW_OK)
+            g_object_set(m_element, "smooth", 0.5, "whiten", 0.25, nullptr);
+    };
+    std::thread streaming([&] {
+        while (!isOver) // Frames end with the pad's activity, and begin on another thread.
+            std::thread(stream).join();
     });
     const auto used = [] {
         const auto descriptors = std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});

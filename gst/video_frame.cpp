@@ -1,4 +1,4 @@
-#include "gst/frame_kind.h"
+#include "gst/video_frame.h"
 
 namespace ze::gst {
 namespace {
@@ -18,8 +18,6 @@ bool isHdr(const GstVideoColorimetry& colorimetry) {
 } // namespace
 
 std::optional<std::string> describe(const GstVideoInfo& info, zebeauty::Frame& frame) {
-    frame.width = GST_VIDEO_INFO_WIDTH(&info);
-    frame.height = GST_VIDEO_INFO_HEIGHT(&info);
     frame.format = GST_VIDEO_INFO_FORMAT(&info) == GST_VIDEO_FORMAT_NV21 ? zebeauty::PixelFormat::nv21
                                                                          : zebeauty::PixelFormat::nv12;
     frame.range = info.colorimetry.range == GST_VIDEO_COLOR_RANGE_16_235 ? zebeauty::ColorRange::video
@@ -36,10 +34,23 @@ std::optional<std::string> describe(const GstVideoInfo& info, zebeauty::Frame& f
     return std::nullopt;
 }
 
-zebeauty::Planes planesOf(const GstVideoFrame& mapped) {
-    return {static_cast<uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&mapped, 0)),
-            static_cast<uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&mapped, 1)),
-            GST_VIDEO_FRAME_PLANE_STRIDE(&mapped, 0), GST_VIDEO_FRAME_PLANE_STRIDE(&mapped, 1)};
+MappedFrame::MappedFrame(GstVideoInfo& info, GstBuffer& buffer)
+    : m_isMapped(gst_video_frame_map(
+          &m_frame, &info, &buffer,
+          static_cast<GstMapFlags>(static_cast<int>(GST_MAP_READWRITE) | GST_VIDEO_FRAME_MAP_FLAG_NO_REF))) {}
+
+MappedFrame::~MappedFrame() {
+    if (m_isMapped)
+        gst_video_frame_unmap(&m_frame);
+}
+
+zebeauty::Frame MappedFrame::get(zebeauty::Frame kind) const {
+    kind.width = GST_VIDEO_FRAME_WIDTH(&m_frame);
+    kind.height = GST_VIDEO_FRAME_HEIGHT(&m_frame);
+    kind.planes = {static_cast<uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&m_frame, 0)),
+                   static_cast<uint8_t*>(GST_VIDEO_FRAME_PLANE_DATA(&m_frame, 1)),
+                   GST_VIDEO_FRAME_PLANE_STRIDE(&m_frame, 0), GST_VIDEO_FRAME_PLANE_STRIDE(&m_frame, 1)};
+    return kind;
 }
 
 } // namespace ze::gst
