@@ -110,7 +110,11 @@ void renderOne(const RenderOptions& options, const std::string& input, const std
     std::error_code ignored;
     if (std::filesystem::is_directory(input, ignored))
         throw Failure(ExitCode::usage, input, "is a folder; --into DIR renders the pictures in it");
-    if (options.batch.skipExisting && !isStream(output) && std::filesystem::exists(output, ignored))
+    const auto isThere = [&](const std::string& path) {
+        return !isStream(path) && std::filesystem::exists(path, ignored);
+    };
+    if (options.batch.skipExisting && isThere(output) &&
+        (options.compare.empty() || isThere(options.compare)))
         return;
     if (options.clip.isClip(input)) {
         renderClip(options, input, output);

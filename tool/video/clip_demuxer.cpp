@@ -46,6 +46,10 @@ bool isMovingPicture(const AVStream& stream) {
            stream.discard != AVDISCARD_ALL;
 }
 
+bool isDefault(const AVStream& stream) {
+    return (stream.disposition & AV_DISPOSITION_DEFAULT) != 0;
+}
+
 int64_t endOf(const AVStream& stream, int64_t start, int64_t length) {
     return av_rescale_q(av_sat_add64(start, length), stream.time_base, kMicrosecond);
 }
@@ -107,12 +111,14 @@ void ClipDemuxer::open() {
 }
 
 void ClipDemuxer::findVideo() {
-    AVStream** const end = m_container->streams + m_container->nb_streams;
-    AVStream** const found =
-        std::find_if(m_container->streams, end, [](const AVStream* s) { return isMovingPicture(*s); });
-    if (found == end)
+    m_video = nullptr;
+    for (unsigned i = 0; i < m_container->nb_streams; ++i) {
+        AVStream* const stream = m_container->streams[i];
+        if (isMovingPicture(*stream) && (!m_video || (isDefault(*stream) && !isDefault(*m_video))))
+            m_video = stream;
+    }
+    if (!m_video)
         throw Failure(ExitCode::badInput, "has no moving pictures");
-    m_video = *found;
 }
 
 void ClipDemuxer::seek(int64_t time) {

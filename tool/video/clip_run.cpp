@@ -122,7 +122,7 @@ void ClipRun::readStart() {
 
 void ClipRun::checkOutput(const std::string& name, const ClipContainer& container) const {
     checkRotation(name, container, m_reader->video());
-    tellUnnamedMatrix(name, container, m_format);
+    tellUnnamed(name, container, m_format);
 }
 
 std::optional<Thing> ClipRun::read() {

@@ -50,7 +50,7 @@ void checkTransfer(AVColorTransferCharacteristic transfer) {
                       std::string("is HDR (") + (isPq ? "PQ" : "HLG") +
                           "); make SDR of it first: ffmpeg -i INPUT -vf zscale=t=linear:npl=100,"
                           "format=gbrpf32le,tonemap=hable,zscale=p=bt709:t=bt709:m=bt709:r=tv,format=yuv420p "
-                          "-crf 12 -c:a copy SDR.mp4");
+                          "-crf 12 -map 0:v:0 -map '0:a?' -c:a copy SDR.mkv");
 }
 
 void checkMatrix(AVColorSpace matrix) {

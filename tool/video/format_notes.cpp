@@ -78,12 +78,14 @@ void FormatNotes::say(const std::string& note) {
         printError(m_name + ": " + note);
 }
 
-void tellUnnamedMatrix(const std::string& name, const ClipContainer& container, const VideoFormat& format) {
+void tellUnnamed(const std::string& name, const ClipContainer& container, const VideoFormat& format) {
     const ColorTags tags = withMatrix(format.tags, format.height), taken = withMatrix({}, format.height);
     if (std::string_view(container.muxer) == "yuv4mpegpipe" && !haveSameMatrix(tags, taken))
         printError(name + ": its color matrix, " + nameOf(tags.matrix) +
                    ", is left out: .y4m names none, and " + nameOf(taken.matrix) +
                    " is taken for it at this size");
+    if (std::string_view(container.muxer) == "webm" && format.isInterlaced())
+        printError(name + ": .webm does not say that its frames are interlaced; .mkv does");
 }
 
 } // namespace ze::tool

@@ -31,8 +31,8 @@ private:
     std::set<std::string> m_said;
 };
 
-/// Says on standard error, beginning with `name`, where players of a file of YUV4MPEG2, which does not name
-/// the color matrix, will take another one than that of `format`. Nothing for other containers.
-void tellUnnamedMatrix(const std::string& name, const ClipContainer& container, const VideoFormat& format);
+/// Says on standard error, beginning with `name`, what of `format` `container` has no name for: interlaced
+/// frames in WebM, and in YUV4MPEG2 the color matrix, where players will take another one.
+void tellUnnamed(const std::string& name, const ClipContainer& container, const VideoFormat& format);
 
 } // namespace ze::tool

@@ -176,7 +176,8 @@ AVStream& StreamCopy::addRendered(const AVStream& from) {
     for (int i = 0; i < from.nb_side_data; ++i)
         if (describesPlacement(from.side_data[i].type))
             copySideData(from.side_data[i], stream);
-    av_dict_set(&stream.metadata, "encoder", nullptr, 0); // in whatever case
+    for (const char* const untrue : {"encoder", "alpha_mode"}) // in whatever case
+        av_dict_set(&stream.metadata, untrue, nullptr, 0);
     return stream;
 }
 
