@@ -1,4 +1,16 @@
 // Objects that handle events and timers on one thread.
+//
+//     struct Sum : CZeObject {
+//         void handleEvent(CZeEvent& event) override { value += event.type(); }
+//         int value = 0;
+//     };
+//     CZeThread thread;
+//     Sum sum;
+//     sum.handOver(thread);
+//     thread.start();
+//     sum.post(std::make_unique<CZeEvent>(3));  // from any thread
+//     thread.end();
+//     thread.wait();                            // what is not handled yet stays pending
 
 #pragma once
 
