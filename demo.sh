@@ -59,14 +59,10 @@ fi
 
 mkdir -p demo-output
 after=$PWD/demo-output/after.png
-rm -f "$after"
-if [ -z "$output" ]; then
-    output=$PWD/demo-output/before-after.png
-    rm -f "$output"
-fi
+output=${output:-$PWD/demo-output/before-after.png}
 
 # Mesa's software renderer keeps the shaders' low precision exact without the newer instructions.
 export GALLIUM_OVERRIDE_CPU_CAPS=sse4.1
-build/release/tool/zebeauty render --compare "$output" -- "$photo" "$after"
+build/release/tool/zebeauty render -y --compare "$output" -- "$photo" "$after"
 echo "demo: before on the left, after on the right, with the strengths that zebeauty render has by default" >&2
 echo "$output"

@@ -12,9 +12,12 @@ template <class Condition>
 bool becomesTrue(const Condition& condition) {
     using namespace std::chrono_literals;
     const auto end = std::chrono::steady_clock::now() + 20s;
-    while (!condition() && std::chrono::steady_clock::now() < end)
+    while (std::chrono::steady_clock::now() < end) {
+        if (condition())
+            return true;
         std::this_thread::sleep_for(1ms);
-    return condition();
+    }
+    return false;
 }
 
 /// How many threads the process has.

@@ -33,7 +33,7 @@ TEST_F(Program, FailsWithItsExitCodeOneLineAndNothingLeftBehind) {
         {"render in.png out.gir", 2, "out.gir: unknown extension; .png, .jpg, "},
         {"render in.png out.png --compare ./out.png", 2, "./out.png: is named as OUTPUT"},
         {"render in.png in.png", 2, "in.png: exists already"},
-        {"render -y in.png folder.png", 2, "folder.png: is a directory"},
+        {"render -y in.png folder.png", 2, "folder.png: is a folder; name a file in it"},
         {"chart out.png --size 0x5", 2, "--size: "},
         {"render missing.png out.png", 3, "missing.png: cannot be read: No such file"},
         {"render 'a\nb.png' out.png", 3, "a b.png: cannot be read"},

@@ -8,10 +8,15 @@
 
 namespace ze::tool {
 
-void checkOutput(const std::string& path, bool overwrite) {
+void refuseFolder(const std::string& path) {
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored))
-        throw Failure(ExitCode::usage, path, "is a directory");
+        throw Failure(ExitCode::usage, path, "is a folder; name a file in it");
+}
+
+void checkOutput(const std::string& path, bool overwrite) {
+    std::error_code ignored;
+    refuseFolder(path);
     if (!isStream(path))
         libraryFileName(path); // refuses what the file could not be called
     if (!overwrite && !isStream(path) && std::filesystem::exists(path, ignored))
@@ -19,6 +24,7 @@ void checkOutput(const std::string& path, bool overwrite) {
 }
 
 void checkOutput(const std::string& path, bool overwrite, const std::string& extension) {
+    refuseFolder(path);
     if (extensionOf(path) != extension && !isStream(path))
         throw Failure(ExitCode::usage, path, "unknown extension; " + extension + " can be written");
     checkOutput(path, overwrite);

@@ -50,6 +50,7 @@ const PhotoFormat& PhotoOptions::formatOf(const std::string& output) const {
 }
 
 void PhotoOptions::checkWritable(const std::string& output) const {
+    refuseFolder(output);
     const PhotoFormat& format = formatOf(output);
     withFileInError(output, [&] { checkSaveOptions(format, save); });
     checkOutput(output, overwrite);

@@ -60,7 +60,7 @@ void refuseBlocked(const char* loader, const std::string& bytes) {
     if (isTiff(bytes))
         throw Failure(ExitCode::badInput, "is no valid picture (a TIFF that is damaged or cut short)");
     throw Failure(ExitCode::badInput, "is in a format whose reader libvips does not trust with files of "
-                                      "strangers; --untrusted reads it");
+                                      "strangers; 'render' and 'sheet' read it with --untrusted");
 }
 
 // libvips has three kinds of loaders; few formats have all of them.

@@ -6,6 +6,7 @@
 #include "tool/pictures/photo_options.h"
 #include "tool/render/photo_effect.h"
 #include "tool/sheet/sheet.h"
+#include "tool/video/clip_sniffer.h"
 
 #include <filesystem>
 #include <list>
@@ -93,6 +94,8 @@ void writeSheet(const SheetOptions& options) {
     std::list<TemporaryLut> tables;
     for (const std::string& lut : options.luts)
         tables.emplace_back(lut);
+    if (holdsClip(options.input))
+        throw Failure(ExitCode::badInput, options.input, "is a clip; a sheet is of a picture");
     const Photo photo = options.photo.read(options.input);
     const Photo sheet = withFileInError(
         options.input, [&] { return drawSheet(options, photo, versionsOf(options, tables)); });

@@ -112,6 +112,7 @@ ClipJob ClipOptions::job(const std::string& input, const std::string& output, co
 
 // Pipes without a name for it get frames as they are: raw ones where raw ones come in.
 const ClipContainer* ClipOptions::containerFor(const std::string& output, const PhotoOptions& common) const {
+    refuseFolder(output);
     std::string extension = common.as.empty() ? extensionOf(output) : extensionOf("x." + common.as);
     if (extension.empty() && isStream(output))
         extension = m_raw.empty() ? ".y4m" : "." + m_raw;
