@@ -72,7 +72,7 @@ TEST(Dir, MkpathMakesWhatIsMissing) {
 
 TEST(Dir, RemoveRecursivelyStaysInsideTheTree) {
     const TempDirectory root;
-    fs::create_directories(root / "outside/kept");
+    fs::create_directory(root / "outside");
     fs::create_directories(root / "tree/.a/b/c");
     madeFile(root / "outside/file", "kept");
     madeFile(root / "tree/.a/b/file", "gone");
@@ -88,7 +88,6 @@ TEST(Dir, RemoveRecursivelyStaysInsideTheTree) {
     EXPECT_TRUE(removeRecursively(root / "tree//"));
     EXPECT_TRUE(removeRecursively(root / "tree")); // is not there
     EXPECT_EQ(listing(root), "link outside ");
-    EXPECT_TRUE(fs::exists(root / "outside/kept"));
     EXPECT_EQ(contentOf(root / "outside/file"), "kept");
 }
 

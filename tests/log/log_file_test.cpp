@@ -16,17 +16,15 @@ using namespace std::chrono_literals;
 
 namespace {
 
-std::tm dateOf(int year, int month, int day) {
+std::tm dateOf(const char* text) {
     std::tm date = {};
-    date.tm_year = year - 1900;
-    date.tm_mon = month - 1;
-    date.tm_mday = day;
+    strptime(text, "%Y-%m-%d", &date);
     date.tm_isdst = -1;
     return date;
 }
 
-const std::tm kFifth = dateOf(2024, 3, 5);
-const std::tm kSixth = dateOf(2024, 3, 6);
+const std::tm kFifth = dateOf("2024-03-05");
+const std::tm kSixth = dateOf("2024-03-06");
 constexpr ze::LogTime kStart{1h};
 
 TEST(LogSchedule, ADayEndsWithItsLastSecond) {
@@ -34,7 +32,7 @@ TEST(LogSchedule, ADayEndsWithItsLastSecond) {
     lastSecond.tm_hour = 23;
     lastSecond.tm_min = lastSecond.tm_sec = 59;
     EXPECT_FALSE(ze::isAnotherDay(kFifth, lastSecond));
-    for (const std::tm& other : {kSixth, dateOf(2024, 4, 5), dateOf(2025, 3, 5)})
+    for (const std::tm& other : {kSixth, dateOf("2024-04-05"), dateOf("2025-03-05")})
         EXPECT_TRUE(ze::isAnotherDay(kFifth, other));
 }
 
