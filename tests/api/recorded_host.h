@@ -29,8 +29,6 @@ struct RecordedHost {
     ~RecordedHost() {
         gl.clear(); // nothing fails any more
         gl.makeHostContextCurrent();
-        if (core && core->context)
-            ze::makeContextCurrent(*core->context);
         for (ZecEffect* effect : effects)
             if (effect)
                 ZecDestoryEffect(effect);

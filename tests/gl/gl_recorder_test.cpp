@@ -16,12 +16,14 @@ using testing::IsEmpty;
 namespace ze {
 namespace {
 
-class EglContext : public testing::Test {
+class Gl : public testing::Test {
 protected:
-    GlRecorder egl;
+    GlRecorder gl;
     LogCapture log;
     EglContextRecord record;
 };
+using EglContext = Gl;
+using GlResources = Gl;
 
 TEST_F(EglContext, IsMadeOnceLeftCurrentAndReleasedOnce) {
     EXPECT_TRUE(createContext(record));
@@ -30,7 +32,7 @@ TEST_F(EglContext, IsMadeOnceLeftCurrentAndReleasedOnce) {
     releaseContext(record);
     EXPECT_TRUE(record.initialized);
     EXPECT_FALSE(makeContextCurrent(record)); // there is none
-    EXPECT_EQ(egl.calls(), recipe(R"(
+    EXPECT_EQ(gl.calls(), recipe(R"(
         eglGetDisplay(EGL_DEFAULT_DISPLAY); eglInitialize(display)
         eglChooseConfig(display, EGL_RED_SIZE=8 EGL_GREEN_SIZE=8 EGL_BLUE_SIZE=8 EGL_ALPHA_SIZE=8 EGL_RENDERABLE_TYPE=4 EGL_SURFACE_TYPE=1, 1)
         eglBindAPI(EGL_OPENGL_ES_API)
@@ -57,20 +59,19 @@ TEST(EglContextFailure, NamesTheStepAndTheRecordIsTakenForCompleteFromTheDisplay
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.function);
-        GlRecorder egl;
+        GlRecorder gl;
         const LogCapture log;
-        egl.configCount = c.function.empty() ? 0 : 1;
-        egl.refuse(c.function, 1, c.error);
+        gl.configCount = c.function.empty() ? 0 : 1;
+        gl.refuse(c.function, 1, c.error);
         EglContextRecord failed;
         EXPECT_FALSE(createContext(failed));
         EXPECT_EQ(log.texts(), c.messages);
         const bool hasContext = c.function == "eglMakeCurrent";
-        EXPECT_EQ(egl.liveObjects(), hasContext ? "coreContext, coreSurface" : "");
+        EXPECT_EQ(gl.liveObjects(), hasContext ? "coreContext, coreSurface" : "");
         EXPECT_EQ(failed.context != EGL_NO_CONTEXT, hasContext);
-
-        egl.clear();
+        gl.clear();
         EXPECT_TRUE(createContext(failed));
-        EXPECT_EQ(egl.calls().empty(), c.function != "eglGetDisplay" && c.function != "eglInitialize");
+        EXPECT_EQ(gl.calls().empty(), c.function != "eglGetDisplay" && c.function != "eglInitialize");
     }
 }
 
@@ -81,39 +82,32 @@ TEST_F(EglContext, IsMadeCurrentOnlyWhereItIsNot) {
     const EGLSurface other = eglCreatePbufferSurface(record.display, record.config, &none);
     for (const auto& [draw, read] : {std::pair{own, own}, {other, own}, {own, other}}) {
         eglMakeCurrent(record.display, draw, read, record.context);
-        egl.clear();
+        gl.clear();
         EXPECT_TRUE(makeContextCurrent(record));
-        EXPECT_EQ(egl.calls({"eglMakeCurrent"}).empty(), draw == read);
+        EXPECT_EQ(gl.calls({"eglMakeCurrent"}).empty(), draw == read);
     }
 }
 
 TEST_F(EglContext, SnapshotsKeepTheDrawSurfaceForBothAndNothingOfTheRecordTheyAreMadeIn) {
     EXPECT_EQ(snapshotCurrentContext(), nullptr);
     EXPECT_THAT(log.texts(), IsEmpty());
-    egl.refuse("eglGetDisplay", 1, EGL_BAD_ALLOC);
+    gl.refuse("eglGetDisplay", 1, EGL_BAD_ALLOC);
     EXPECT_EQ(snapshotCurrentContext(), nullptr);
     EXPECT_THAT(log.texts(), ElementsAre("eglGetDisplay() failed, errno=0x3003"));
 
-    egl.makeHostContextCurrent();
+    gl.makeHostContextCurrent();
     auto spare = std::make_unique<EglContextRecord>();
     ASSERT_TRUE(createContext(*spare));
-    egl.makeHostContextCurrent();
+    gl.makeHostContextCurrent();
     const OwnedContext snapshot = snapshotCurrentContext(std::move(spare));
     EXPECT_FALSE(snapshot->initialized);
     EXPECT_TRUE(createContext(record));
     EXPECT_TRUE(makeContextCurrent(*snapshot));
-    EXPECT_EQ(egl.currentContext(), "hostContext hostDraw hostDraw");
+    EXPECT_EQ(gl.currentContext(), "hostContext hostDraw hostDraw");
 }
 
-class GlResources : public testing::Test {
-protected:
-    GlResources() { gl.makeHostContextCurrent(); }
-
-    GlRecorder gl;
-    LogCapture log;
-};
-
 TEST_F(GlResources, AreMadeAndLeftBoundAndDeletedByName) {
+    gl.makeHostContextCurrent();
     GLuint texture = createTexture({5, 3}, GL_LUMINANCE_ALPHA), framebuffer = createFramebuffer(), none = 0;
     deleteTexture(&none);
     deleteFramebuffer(&none);
@@ -124,11 +118,12 @@ TEST_F(GlResources, AreMadeAndLeftBoundAndDeletedByName) {
         glTexImage2D(GL_TEXTURE_2D, 0, GL_LUMINANCE_ALPHA, 5, 3, 0, GL_LUMINANCE_ALPHA, GL_UNSIGNED_BYTE, null)
         check; clamp
         glGenFramebuffers(1); glBindFramebuffer(GL_FRAMEBUFFER, framebuffer); check
-        glDeleteTextures(1, texture); glDeleteFramebuffers(1, framebuffer))"));
+        glDeleteTextures(1, 5x3); glDeleteFramebuffers(1, framebuffer))"));
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
 TEST_F(GlResources, WithoutANameThereIsNothingToMake) {
+    gl.makeHostContextCurrent();
     for (const GLint error : {GL_NO_ERROR, GL_OUT_OF_MEMORY}) {
         gl.refuse("glGenTextures", 1, error);
         EXPECT_EQ(createTexture({5, 3}, GL_RGBA), 0u);
@@ -142,6 +137,7 @@ TEST_F(GlResources, WithoutANameThereIsNothingToMake) {
 }
 
 TEST_F(GlResources, LeavesNothingBehindButTheProgramThatCouldBeBuilt) {
+    gl.makeHostContextCurrent();
     gl.infoLog = std::string(5000, 'x');
     const struct {
         std::string function;

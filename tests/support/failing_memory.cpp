@@ -14,6 +14,7 @@ bool FailingMemory::run(int n, const std::function<void()>& work) {
 }
 
 bool FailingMemory::failsNow() {
+    ++attempts;
     if (untilFailure == 0 || --untilFailure > 0)
         return false;
     untilFailure = failsOn ? 1 : 0;
@@ -42,6 +43,8 @@ void* __wrap_realloc(void* block, size_t size) {
 }
 int __real_posix_memalign(void** block, size_t alignment, size_t size);
 int __wrap_posix_memalign(void** block, size_t alignment, size_t size) {
+    t_memory.alignment = alignment;
+    t_memory.size = size;
     if (t_memory.failsNow())
         return ENOMEM;
     const int result = __real_posix_memalign(block, alignment, size);

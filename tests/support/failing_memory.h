@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <functional>
 
 /// What the doubles do, and what they have seen on this thread.
@@ -12,7 +13,9 @@ struct FailingMemory {
     bool includesNew = true; ///< so does operator new
     int exempt = 0;          ///< more than 0: operator new does not fail, for now
     bool hasFailed = false;
-    int blocks = 0; ///< taken by malloc, less those that were freed
+    int blocks = 0;                 ///< taken by malloc, less those that were freed
+    int attempts = 0;               ///< of all kinds, less those that are exempt
+    size_t alignment = 0, size = 0; ///< of the last aligned one
 
     /// Whether the allocation at hand is to fail.
     bool failsNow();

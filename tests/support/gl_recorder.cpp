@@ -23,7 +23,6 @@ void GlRecorder::clear() {
     failures.clear();
     lines.clear();
     draws.clear();
-    drawSizes.clear();
 }
 
 std::string GlRecorder::calls(std::initializer_list<std::string_view> functions) const {
@@ -32,11 +31,6 @@ std::string GlRecorder::calls(std::initializer_list<std::string_view> functions)
         if (functions.size() == 0 || std::ranges::count(functions, line.substr(0, line.find('('))))
             text += line + '\n';
     return text;
-}
-
-int GlRecorder::glCallCount() const {
-    return static_cast<int>(std::ranges::count_if(
-        lines, [](const auto& call) { return call.starts_with("gl") && !tellsOfErrors(call); }));
 }
 
 std::string GlRecorder::currentContext() const {

@@ -47,8 +47,8 @@ struct GlState {
     std::vector<std::pair<GLuint, std::string>> locations{{}}; ///< program and name; 0 is not handed out
     Bound bound;                                               ///< in the current context
     /// The textures that a program read, in the order of units, and the one that it drew into:
-    /// "mix(input, intermediate) -> output", and with their sizes "mix(5x3, 5x3) -> 5x3".
-    std::vector<std::string> draws, drawSizes;
+    /// "mix(input, intermediate) -> output".
+    std::vector<std::string> draws;
 };
 
 /// While it lives, calls go into it. One at a time, for one thread.
@@ -79,7 +79,7 @@ struct GlRecorder : GlState {
     void refuse(const std::string& function, int nth, EGLint error = 0) {
         failures.push_back({function, nth, error, true});
     }
-    /// Labels of the textures to come, in the order of their creation. Others are called "texture".
+    /// Labels of the textures to come, in the order of their creation. Others are called by their size.
     void labelTextures(std::initializer_list<std::string> labels) { textureLabels.assign(labels); }
     /// Makes "hostContext" current, drawing to "hostDraw" and reading from "hostRead". Not recorded.
     void makeHostContextCurrent();
@@ -87,7 +87,6 @@ struct GlRecorder : GlState {
     /// Recorded calls, one a line; all of them or those of `functions`. Locations are printed by name,
     /// programs as "yuvToRgb", "rgbToYuv", "blur", "mix", "lutRatio" and "lutMapped", after their uniforms.
     std::string calls(std::initializer_list<std::string_view> functions = {}) const;
-    int glCallCount() const; ///< without glGetError
     /// Forgets calls, draws and what was to fail. The state stays.
     void clear();
     /// The current context and surfaces: "hostContext hostDraw hostRead".

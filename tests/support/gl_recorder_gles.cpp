@@ -80,15 +80,11 @@ void glDrawArrays(GLenum mode, GLint first, GLsizei count) {
         return;
     GlRecorder& gl = call.gl;
     const GlRecorder::Object& program = gl.find(gl.bound.program);
-    const auto show = [&](std::string GlRecorder::Object::*property) {
-        std::string text;
-        for (const GLint unit : program.samplers)
-            text +=
-                (text.empty() ? "" : ", ") + gl.find(gl.bound.units.at(static_cast<size_t>(unit))).*property;
-        return program.label + '(' + text + ") -> " + gl.target().*property;
-    };
-    gl.draws.push_back(show(&GlRecorder::Object::label));
-    gl.drawSizes.push_back(show(&GlRecorder::Object::size));
+    std::string sources;
+    for (const GLint unit : program.samplers)
+        sources +=
+            (sources.empty() ? "" : ", ") + gl.find(gl.bound.units.at(static_cast<size_t>(unit))).label;
+    gl.draws.push_back(program.label + '(' + sources + ") -> " + gl.target().label);
     gl.objects[gl.find(gl.bound.framebuffer).target].content = drawn(gl, program);
 }
 
@@ -105,7 +101,10 @@ void glTexImage2D(GLenum target, GLint level, GLint internalFormat, GLsizei widt
                   GLint border, GLenum format, GLenum type, const void* pixels) {
     const Call call(__func__, Enum{target}, level, Enum{internalFormat}, width, height, border, Enum{format},
                     Enum{type}, pixels ? "pixels" : "null");
-    call.gl.boundTexture().size = std::to_string(width) + 'x' + std::to_string(height);
+    GlRecorder::Object& texture = call.gl.boundTexture();
+    texture.size = std::to_string(width) + 'x' + std::to_string(height);
+    if (texture.label == "texture")
+        texture.label = texture.size;
 }
 
 void glGenTextures(GLsizei count, GLuint* names) {
