@@ -34,8 +34,6 @@ protected:
         EXPECT_EQ(log.texts(), messages);
         EXPECT_FALSE(reader.isValid());
         EXPECT_EQ(reader.version(), 0u);
-        EXPECT_TRUE(reader.isThreeDimensional());
-        EXPECT_EQ(reader.levelCount(), 0u);
         EXPECT_EQ(reader.levelValues(), nullptr);
         EXPECT_EQ(reader.colorData(), nullptr);
     }

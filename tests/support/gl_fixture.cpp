@@ -26,9 +26,8 @@ void GlTest::releaseContext() {
 
 GLuint GlTest::textureOf(const Picture& picture) {
     std::vector<uint8_t> bytes;
-    for (const reference::Color& pixel : picture.stored().pixels)
-        for (double channel : pixel)
-            bytes.push_back(static_cast<uint8_t>(std::lround(channel * 255)));
+    for (double level : picture.stored().levels())
+        bytes.push_back(static_cast<uint8_t>(std::lround(level)));
     const GLuint texture = ze::createTexture({picture.width, picture.height}, GL_RGBA);
     glBindTexture(GL_TEXTURE_2D, texture);
     glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, picture.width, picture.height, GL_RGBA, GL_UNSIGNED_BYTE,
@@ -67,13 +66,4 @@ testing::AssertionResult agree(const std::vector<uint8_t>& actual, const std::ve
         return testing::AssertionSuccess();
     return testing::AssertionFailure() << count << " of " << actual.size() << " levels are off by up to "
                                        << largest << ", the last at " << last;
-}
-
-testing::AssertionResult agree(const std::vector<uint8_t>& actual, const Picture& expected,
-                               Tolerance tolerance) {
-    std::vector<double> levels;
-    for (const reference::Color& pixel : expected.pixels)
-        for (double channel : pixel)
-            levels.push_back(255 * channel);
-    return agree(actual, levels, tolerance);
 }

@@ -53,5 +53,3 @@ private:
 /// Whether all levels agree, `expected` clamped to 0 to 255.
 testing::AssertionResult agree(const std::vector<uint8_t>& actual, const std::vector<double>& expected,
                                Tolerance tolerance);
-testing::AssertionResult agree(const std::vector<uint8_t>& actual, const reference::Picture& expected,
-                               Tolerance tolerance);

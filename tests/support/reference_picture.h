@@ -41,6 +41,15 @@ struct Picture {
         return sum;
     }
 
+    /// All channels one after the other, 0 to 255.
+    std::vector<double> levels() const {
+        std::vector<double> result;
+        for (const Color& pixel : pixels)
+            for (double channel : pixel)
+                result.push_back(255 * channel);
+        return result;
+    }
+
     /// What a target of 8 bits a channel keeps.
     Picture stored() const {
         Picture result = *this;
