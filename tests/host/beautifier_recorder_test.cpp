@@ -22,12 +22,8 @@ protected:
     HostRecorderTest() { zebeauty::catchLibraryErrors(false); }
 
     std::optional<std::string> process(Beautifier& beautifier) {
-        zebeauty::Frame frame;
-        frame.planes = {m_memory.image.planes[0], m_memory.image.planes[1], m_memory.image.pitches[0],
-                        m_memory.image.pitches[1]};
-        frame.width = 5;
-        frame.height = 3;
-        return beautifier.process(frame);
+        const auto& [planes, pitches] = m_memory.image;
+        return beautifier.process({{planes[0], planes[1], pitches[0], pitches[1]}, 5, 3});
     }
 
     GlRecorder m_gl;
