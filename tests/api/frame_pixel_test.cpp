@@ -55,13 +55,12 @@ protected:
     }
 
     /// Whether the frame comes out as it should when both effects have these parameters.
-    void expectBeautified(const ZecImage& input, ZecImage& output, Format f, reference::BeautyParams params) {
+    void expectBeautified(const ZecImage& input, ZecImage& output, Format f, float mix, float whiten) {
         reference::Picture picture =
             reference::yuvToRgb(input, f.width, f.height, f.description, f.nv21).stored();
         for (ZecEffect* effect : m_effects) {
-            picture = reference::beautify(picture, params).stored();
-            ZecSetBeautyParams(effect, static_cast<float>(params.mixFactor),
-                               static_cast<float>(params.whitenFactor));
+            picture = reference::beautify(picture, mix, whiten).stored();
+            ZecSetBeautyParams(effect, mix, whiten);
         }
         const reference::Planes expected = reference::rgbToYuv(picture, f.description, f.nv21);
         EXPECT_TRUE(ZecRender(m_core, m_effects, &input, &output, f.nv21, f.description.standard,
@@ -85,8 +84,7 @@ TEST_F(FramePixel, AgreesWithTheArithmeticInPlaceOrNotAndWritesNothingElse) {
             for (int i = 0; i < 8; ++i) {
                 f.nv21 = i & 4;
                 f.description = {i & 1, i >> 1 & 1}; // another one each frame, so that the matrix fits
-                const auto params =
-                    isSkin ? reference::BeautyParams{0.8, 0.2} : reference::BeautyParams{0, 0.001};
+                const float mix = isSkin ? 0.8f : 0, whiten = isSkin ? 0.2f : 0.001f;
                 SCOPED_TRACE(testing::Message() << f.width << " x " << f.height << ", case " << i);
                 TestFrame input(f.width, f.height, {.roundTo = 1 << (i & 3)}); // all that GL can be told
                 fillWithNoise(input.image, f, isSkin);
@@ -96,12 +94,12 @@ TEST_F(FramePixel, AgreesWithTheArithmeticInPlaceOrNotAndWritesNothingElse) {
                 ZecImage output = block.image;
                 for (int plane : {0, 1})
                     output.planes[plane] += output.pitches[plane];
-                expectBeautified(input.image, output, f, params);
+                expectBeautified(input.image, output, f, mix, whiten);
                 fillPicture(output, f.width, f.height, [](int, int, int) { return 0x66; });
                 EXPECT_THAT(block.planes[0], testing::Each(0x66));
                 EXPECT_THAT(block.planes[1], testing::Each(0x66));
 
-                expectBeautified(input.image, input.image, f, params);
+                expectBeautified(input.image, input.image, f, mix, whiten);
             }
 }
 

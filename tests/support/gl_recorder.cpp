@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <sstream>
 
-#include <gtest/gtest.h>
-
 namespace {
 
 bool tellsOfErrors(const std::string& call) {
@@ -138,19 +136,11 @@ bool RecordedCall::hasTarget() const {
     return needs(isTexture && !gl.target().size.empty());
 }
 
-std::string RecordedCall::show(GLfloat value) const {
-    return testing::PrintToString(value);
-}
-
 std::string RecordedCall::show(const EGLint* attributes) const {
     std::string text;
     for (; *attributes != EGL_NONE; attributes += 2)
         text += (text.empty() ? "" : " ") + show(Enum{attributes[0]}) + '=' + show(attributes[1]);
     return text;
-}
-
-std::string RecordedCall::show(void* handle) const {
-    return handle ? static_cast<GlRecorder::EglObject*>(handle)->label : "none";
 }
 
 std::string RecordedCall::show(Name name) const {

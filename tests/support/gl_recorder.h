@@ -22,6 +22,8 @@
 #include <string_view>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 /// What GL knows. One set of objects serves all contexts.
 struct GlState {
     /// A texture, frame buffer, program or shader.
@@ -166,10 +168,12 @@ struct RecordedCall {
 private:
     void record(const std::string& function, const std::string& arguments);
     std::string show(int value) const { return std::to_string(value); }
-    std::string show(GLfloat value) const;
+    std::string show(GLfloat value) const { return testing::PrintToString(value); }
     std::string show(const char* text) const { return text; }
     std::string show(const EGLint* attributes) const;
-    std::string show(void* handle) const;
+    std::string show(void* handle) const {
+        return handle ? static_cast<GlRecorder::EglObject*>(handle)->label : "none";
+    }
     std::string show(Enum value) const;
     std::string show(Name name) const;
     std::string show(Variable variable) const;

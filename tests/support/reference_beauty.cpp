@@ -67,7 +67,7 @@ double skinKey(const Color& color) {
 
 } // namespace
 
-Picture beautify(const Picture& source, BeautyParams params) {
+Picture beautify(const Picture& source, double mixFactor, double whitenFactor) {
     // One step in texture coordinates serves both axes.
     const double step = source.width / 45.0 / 3.0 / source.height;
     Picture filtered(source.width, source.height);
@@ -82,10 +82,10 @@ Picture beautify(const Picture& source, BeautyParams params) {
             const Color& original = source.at(x, y);
             const Color blurred = filter(filtered, x, y, 0, step * source.height);
             const double key = skinKey(mix(original, blurred, 0.8));
-            Color color = mix(original, blurred, key * params.mixFactor);
-            if (params.whitenFactor > 0)
+            Color color = mix(original, blurred, key * mixFactor);
+            if (whitenFactor > 0)
                 for (size_t i = 0; i < 3; ++i)
-                    color[i] = std::min(color[i] + params.whitenFactor * 0.15, 1.0);
+                    color[i] = std::min(color[i] + whitenFactor * 0.15, 1.0);
             result.at(x, y) = color;
         }
     return result;

@@ -6,13 +6,8 @@
 
 namespace reference {
 
-struct BeautyParams {
-    double mixFactor;
-    double whitenFactor;
-};
-
 /// The picture with the effect, before an 8-bit target clamps and rounds it. The horizontally filtered
 /// picture is kept in 8 bits between the passes.
-Picture beautify(const Picture& source, BeautyParams params);
+Picture beautify(const Picture& source, double mixFactor, double whitenFactor);
 
 } // namespace reference
