@@ -137,9 +137,7 @@ TEST_F(Conversion, SetTheAlignmentThatThePitchNeedsAndRestoreIt) {
     const struct {
         GLenum format;
         int width, pitch, alignment;
-    } cases[] = {{GL_LUMINANCE, 721, 721, 1},
-                 {GL_LUMINANCE_ALPHA, 361, 722, 2},
-                 {GL_LUMINANCE_ALPHA, 361, 724, 0},
+    } cases[] = {{GL_LUMINANCE_ALPHA, 361, 722, 2},
                  {GL_LUMINANCE, 717, 724, 4}, // more padding than alignment can tell
                  {GL_LUMINANCE, 713, 720, 8},
                  {GL_RGBA, 3, 12, 0}};
@@ -148,7 +146,7 @@ TEST_F(Conversion, SetTheAlignmentThatThePitchNeedsAndRestoreIt) {
         uploadPlane(nullptr, c.pitch, c.format, {c.width, 2}, frame);
         EXPECT_EQ(gl.calls({"glPixelStorei"}), alignments("UNPACK", c.alignment)) << c.width;
     }
-    for (const auto& [pitch, alignment] : {std::pair{12, 0}, {16, 0}, {13, 1}, {14, 2}}) {
+    for (const auto& [pitch, alignment] : {std::pair{16, 0}, {13, 1}, {14, 2}}) {
         staging.pitches[0] = pitch;
         gl.clear();
         ASSERT_TRUE(read());
