@@ -210,8 +210,15 @@ TEST_F(Lut, TellsWhatIsWrongWithItsTable) {
         writeFile(path, file);
         EXPECT_FALSE(render());
     }
+    writeFile(path, good);
+    for (const char* const refused : {"glGenTextures", "glCreateProgram"}) {
+        gl.refuse(refused, 1);
+        EXPECT_FALSE(render());
+    }
+    EXPECT_TRUE(render());
     EXPECT_THAT(log.texts(), ElementsAre("lut path is empty", "Failed to read lut level values!",
-                                         "failed to read lut file", "we only support 3D lut now"));
+                                         "failed to read lut file", "we only support 3D lut now",
+                                         "failed to allocate texture", "Failed to prepare 3d lut program"));
 }
 
 } // namespace
