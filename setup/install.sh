@@ -17,7 +17,7 @@ is_installed() {
     local architecture=$native
     [[ $1 == *:* ]] && architecture=${1#*:}
     dpkg-query -W -f '${Architecture} ${Status}\n' "${1%:*}" 2>/dev/null |
-        grep -qE "^($architecture|all) install ok installed$"
+        grep -E "^($architecture|all) install ok installed$" >/dev/null
 }
 
 missing=()

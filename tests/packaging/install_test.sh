@@ -58,6 +58,7 @@ fi
 plugin=$(find "$prefix" -name libgstzebeauty.so)
 if [ -n "$plugin" ]; then
     export GST_PLUGIN_PATH=${plugin%/*} GST_REGISTRY=$work/registry
-    gst-inspect-1.0 zebeauty | grep -q "^  *smooth  *: How much"
+    gst-inspect-1.0 zebeauty >"$work/properties" # whole: a pipe that closes early would be a failure
+    grep -q "^  *smooth  *: How much" "$work/properties"
     gst-launch-1.0 -q videotestsrc num-buffers=2 ! zebeauty smooth=0.5 ! fakesink
 fi
