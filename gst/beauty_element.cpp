@@ -131,8 +131,11 @@ GstFlowReturn transformInPlace(GstBaseTransform* base, GstBuffer* buffer) {
     }
     [[maybe_unused]] static const bool s_areErrorsCaught = zebeauty::catchLibraryErrors(false);
     if (const auto reason = parts.beautifier.process(mapped.get(parts.kind))) {
+        const bool isAboutTable = reason->find("lut") != reason->npos;
         GST_ELEMENT_ERROR(base, LIBRARY, FAILED, ("%s", reason->c_str()),
-                          ("\"zebeauty lut bake\" makes what lut takes of .cube and other files"));
+                          ("%s", isAboutTable
+                                     ? "\"zebeauty lut bake\" makes what lut takes of .cube and other files"
+                                     : ""));
         return GST_FLOW_ERROR;
     }
     return GST_FLOW_OK;
